@@ -1,0 +1,174 @@
+#pragma once
+
+// The blocks of contexts, sub-devices, queues, samplers and user events.
+
+#include <nq/types.hpp>
+
+#include <cstddef>
+#include <cstdint>
+
+namespace nq::block {
+
+struct clCreateSubDevices {
+    _nq_cl_device_id* in_device;
+    std::int64_t const* properties;
+    std::uint32_t num_devices;
+    _nq_cl_device_id** out_devices;
+    std::uint32_t* num_devices_ret;
+    std::int32_t status;
+};
+static_assert(offsetof(clCreateSubDevices, in_device) == 0 && offsetof(clCreateSubDevices, properties) == 8 &&
+              offsetof(clCreateSubDevices, num_devices) == 16 && offsetof(clCreateSubDevices, out_devices) == 24 &&
+              offsetof(clCreateSubDevices, num_devices_ret) == 32 && offsetof(clCreateSubDevices, status) == 40 &&
+              sizeof(clCreateSubDevices) == 48);
+
+struct clCreateContext {
+    std::int64_t const* properties;
+    std::uint32_t num_devices;
+    _nq_cl_device_id* const* devices;
+    context_callback pfn_notify;
+    void* user_data;
+    _nq_cl_context* result;
+    std::int32_t error_code;
+};
+static_assert(offsetof(clCreateContext, properties) == 0 && offsetof(clCreateContext, num_devices) == 8 &&
+              offsetof(clCreateContext, devices) == 16 && offsetof(clCreateContext, pfn_notify) == 24 &&
+              offsetof(clCreateContext, user_data) == 32 && offsetof(clCreateContext, result) == 40 &&
+              offsetof(clCreateContext, error_code) == 48 && sizeof(clCreateContext) == 56);
+
+struct clCreateContextFromType {
+    std::int64_t const* properties;
+    std::uint64_t device_type;
+    context_callback pfn_notify;
+    void* user_data;
+    _nq_cl_context* result;
+    std::int32_t error_code;
+};
+static_assert(offsetof(clCreateContextFromType, properties) == 0 &&
+              offsetof(clCreateContextFromType, device_type) == 8 &&
+              offsetof(clCreateContextFromType, pfn_notify) == 16 &&
+              offsetof(clCreateContextFromType, user_data) == 24 && offsetof(clCreateContextFromType, result) == 32 &&
+              offsetof(clCreateContextFromType, error_code) == 40 && sizeof(clCreateContextFromType) == 48);
+
+struct clCreateCommandQueue {
+    _nq_cl_context* context;
+    _nq_cl_device_id* device;
+    std::uint64_t properties;
+    std::int32_t error_code;
+    _nq_cl_command_queue* result;
+};
+static_assert(offsetof(clCreateCommandQueue, context) == 0 && offsetof(clCreateCommandQueue, device) == 8 &&
+              offsetof(clCreateCommandQueue, properties) == 16 && offsetof(clCreateCommandQueue, error_code) == 24 &&
+              offsetof(clCreateCommandQueue, result) == 32 && sizeof(clCreateCommandQueue) == 40);
+
+/// The device comes before the context here, unlike in clCreateCommandQueue.
+struct clCreateCommandQueueWithProperties {
+    _nq_cl_device_id* device;
+    _nq_cl_context* context;
+    std::uint64_t const* properties;
+    _nq_cl_command_queue* result;
+    std::int32_t error_code;
+};
+static_assert(offsetof(clCreateCommandQueueWithProperties, device) == 0 &&
+              offsetof(clCreateCommandQueueWithProperties, context) == 8 &&
+              offsetof(clCreateCommandQueueWithProperties, properties) == 16 &&
+              offsetof(clCreateCommandQueueWithProperties, result) == 24 &&
+              offsetof(clCreateCommandQueueWithProperties, error_code) == 32 &&
+              sizeof(clCreateCommandQueueWithProperties) == 40);
+
+struct clSetDefaultDeviceCommandQueue {
+    _nq_cl_context* context;
+    _nq_cl_device_id* device;
+    _nq_cl_command_queue* command_queue;
+    std::int32_t status;
+};
+static_assert(offsetof(clSetDefaultDeviceCommandQueue, context) == 0 &&
+              offsetof(clSetDefaultDeviceCommandQueue, device) == 8 &&
+              offsetof(clSetDefaultDeviceCommandQueue, command_queue) == 16 &&
+              offsetof(clSetDefaultDeviceCommandQueue, status) == 24 && sizeof(clSetDefaultDeviceCommandQueue) == 32);
+
+struct clSetCommandQueueProperty {
+    _nq_cl_command_queue* command_queue;
+    std::uint64_t properties;
+    std::uint64_t* old_properties;
+    std::int32_t status;
+    std::uint32_t enable;
+};
+static_assert(offsetof(clSetCommandQueueProperty, command_queue) == 0 &&
+              offsetof(clSetCommandQueueProperty, properties) == 8 &&
+              offsetof(clSetCommandQueueProperty, old_properties) == 16 &&
+              offsetof(clSetCommandQueueProperty, status) == 24 && offsetof(clSetCommandQueueProperty, enable) == 28 &&
+              sizeof(clSetCommandQueueProperty) == 32);
+
+struct clFlush {
+    _nq_cl_command_queue* command_queue;
+    std::int32_t status;
+};
+static_assert(offsetof(clFlush, command_queue) == 0 && offsetof(clFlush, status) == 8 && sizeof(clFlush) == 16);
+
+struct clFinish {
+    _nq_cl_command_queue* command_queue;
+    std::int32_t status;
+};
+static_assert(offsetof(clFinish, command_queue) == 0 && offsetof(clFinish, status) == 8 && sizeof(clFinish) == 16);
+
+struct clCreateSampler {
+    _nq_cl_context* context;
+    std::uint32_t normalized_coords;
+    std::uint32_t addressing_mode;
+    std::uint32_t filter_mode;
+    std::int32_t error_code;
+    _nq_cl_sampler* result;
+};
+static_assert(offsetof(clCreateSampler, context) == 0 && offsetof(clCreateSampler, normalized_coords) == 8 &&
+              offsetof(clCreateSampler, addressing_mode) == 12 && offsetof(clCreateSampler, filter_mode) == 16 &&
+              offsetof(clCreateSampler, error_code) == 20 && offsetof(clCreateSampler, result) == 24 &&
+              sizeof(clCreateSampler) == 32);
+
+struct clCreateSamplerWithProperties {
+    _nq_cl_context* context;
+    std::uint64_t const* sampler_properties;
+    _nq_cl_sampler* result;
+    std::int32_t error_code;
+};
+static_assert(offsetof(clCreateSamplerWithProperties, context) == 0 &&
+              offsetof(clCreateSamplerWithProperties, sampler_properties) == 8 &&
+              offsetof(clCreateSamplerWithProperties, result) == 16 &&
+              offsetof(clCreateSamplerWithProperties, error_code) == 24 && sizeof(clCreateSamplerWithProperties) == 32);
+
+struct clCreateUserEvent {
+    _nq_cl_context* context;
+    _nq_cl_event* result;
+    std::int32_t error_code;
+};
+static_assert(offsetof(clCreateUserEvent, context) == 0 && offsetof(clCreateUserEvent, result) == 8 &&
+              offsetof(clCreateUserEvent, error_code) == 16 && sizeof(clCreateUserEvent) == 24);
+
+struct clSetUserEventStatus {
+    _nq_cl_event* event;
+    std::int32_t execution_status;
+    std::int32_t status;
+};
+static_assert(offsetof(clSetUserEventStatus, event) == 0 && offsetof(clSetUserEventStatus, execution_status) == 8 &&
+              offsetof(clSetUserEventStatus, status) == 12 && sizeof(clSetUserEventStatus) == 16);
+
+struct clSetEventCallback {
+    _nq_cl_event* event;
+    event_callback pfn_notify;
+    void* user_data;
+    std::int32_t status;
+    std::int32_t command_exec_callback_type;
+};
+static_assert(offsetof(clSetEventCallback, event) == 0 && offsetof(clSetEventCallback, pfn_notify) == 8 &&
+              offsetof(clSetEventCallback, user_data) == 16 && offsetof(clSetEventCallback, status) == 24 &&
+              offsetof(clSetEventCallback, command_exec_callback_type) == 28 && sizeof(clSetEventCallback) == 32);
+
+struct clWaitForEvents {
+    _nq_cl_event* const* event_list;
+    std::int32_t status;
+    std::uint32_t num_events;
+};
+static_assert(offsetof(clWaitForEvents, event_list) == 0 && offsetof(clWaitForEvents, status) == 8 &&
+              offsetof(clWaitForEvents, num_events) == 12 && sizeof(clWaitForEvents) == 16);
+
+} // namespace nq::block
