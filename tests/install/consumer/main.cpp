@@ -1,0 +1,27 @@
+#include <vorn/mero/opencl.hpp>
+
+#include <iostream>
+
+namespace {
+
+template <class Devices>
+void list(char const* version, Devices const& devices) {
+    std::cout << version << ": " << devices.size() << " device(s)\n";
+    for (auto const& device : devices) {
+        std::cout << "  " << device.name() << '\n';
+    }
+}
+
+} // namespace
+
+int main() {
+    list("OpenCL 1.0", vorn::mero::opencl_1_0::get_all_devices());
+    list("OpenCL 2.2", vorn::mero::opencl_2_2::get_all_devices());
+    try {
+        vorn::mero::internal::check_error(-30);
+    } catch (vorn::mero::common::invalid_value const&) {
+        std::cout << "caught the library's exception\n";
+        return 0;
+    }
+    return 1;
+}
