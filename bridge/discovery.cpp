@@ -1,0 +1,119 @@
+#include "discovery.hpp"
+
+#include "call_handle.hpp"
+#include "diagnosis.hpp"
+#include "guards.hpp"
+#include "loader.hpp"
+
+#include <algorithm>
+#include <atomic>
+#include <memory>
+#include <mutex>
+#include <pthread.h>
+
+namespace nq::bridge {
+namespace {
+
+std::atomic<machine const*> known = nullptr;
+std::atomic<bool> forked = false;
+
+// Recursive, since an implementation may fork while it is asked, which locks it in the same thread. Never destroyed,
+// since devices may be listed until the process ends.
+std::recursive_mutex& asking() {
+    static auto* const mutex = new std::recursive_mutex;
+    return *mutex;
+}
+
+void before_fork() { asking().lock(); }
+void after_fork_in_parent() { asking().unlock(); }
+void after_fork_in_child() {
+    if (known != nullptr) {
+        forked = true;
+        lose_handles();
+    }
+    asking().unlock();
+}
+
+std::vector<cl_platform_id> list_platforms() {
+    functions const& cl = loaded();
+    cl_uint count = 0;
+    if (cl.clGetPlatformIDs(0, nullptr, &count) != CL_SUCCESS) {
+        return {};
+    }
+    std::vector<cl_platform_id> platforms(count);
+    return cl.clGetPlatformIDs(count, platforms.data(), nullptr) == CL_SUCCESS ? platforms
+                                                                               : std::vector<cl_platform_id>{};
+}
+
+std::vector<cl_device_id> list_devices(platform const& owner, cl_device_type type) {
+    functions const& cl = loaded();
+    cl_uint count = 0; // stays unwritten where there are none
+    if (cl.clGetDeviceIDs(owner.id, type, 0, nullptr, &count) != CL_SUCCESS) {
+        return {};
+    }
+    std::vector<cl_device_id> devices(count);
+    return cl.clGetDeviceIDs(owner.id, type, count, devices.data(), nullptr) == CL_SUCCESS
+               ? devices
+               : std::vector<cl_device_id>{};
+}
+
+// CL_DEVICE_TYPE_ALL leaves out custom devices.
+std::vector<cl_device_id> list_devices(platform const& owner) {
+    auto devices = list_devices(owner, CL_DEVICE_TYPE_ALL);
+    if (owner.version >= 102) {
+        for (cl_device_id const custom : list_devices(owner, CL_DEVICE_TYPE_CUSTOM)) {
+            if (std::ranges::find(devices, custom) == devices.end()) {
+                devices.push_back(custom);
+            }
+        }
+    }
+    return devices;
+}
+
+void add_platform(machine& made, cl_platform_id id) {
+    platform& owner = made.platforms.emplace_back(describe(id));
+    for (cl_device_id const device : list_devices(owner)) {
+        auto const version = parse_version(info_text(loaded().clGetDeviceInfo, device, CL_DEVICE_VERSION));
+        made.devices.push_back({device, &owner, version});
+        owner.survives_fork = owner.survives_fork && device_survives_fork(owner.name, device);
+    }
+}
+
+std::unique_ptr<machine const> ask() {
+    auto made = std::make_unique<machine>();
+    std::string const failure = load();
+    if (failure.empty()) {
+        for (cl_platform_id const id : list_platforms()) {
+            add_platform(*made, id);
+        }
+    }
+    explain_discovery(*made, failure);
+    return made;
+}
+
+} // namespace
+
+platform const* machine::find(cl_platform_id id) const noexcept {
+    auto const found = std::ranges::find(platforms, id, &platform::id);
+    return found != platforms.end() ? &*found : nullptr;
+}
+
+machine const* discover() {
+    if (machine const* const found = known.load(std::memory_order_acquire); found != nullptr) {
+        return found;
+    }
+    static bool const fork_watched = pthread_atfork(before_fork, after_fork_in_parent, after_fork_in_child) == 0;
+    static_cast<void>(fork_watched);
+    std::lock_guard const lock(asking());
+    if (known == nullptr) {
+        auto made = ask();
+        if (!made->devices.empty()) {
+            known = made.release();
+        }
+    }
+    return known;
+}
+
+bool forked_after_discovery() noexcept { return forked; }
+
+} // namespace nq::bridge

@@ -1,0 +1,32 @@
+#pragma once
+
+// The devices of the machine. They are asked for once; what was found stays for the life of the process.
+
+#include "platform.hpp"
+
+#include <deque>
+#include <vector>
+
+namespace nq::bridge {
+
+struct root_device {
+    cl_device_id id;
+    platform const* owner;
+    version_number version;
+};
+
+struct machine {
+    std::deque<platform> platforms;
+    std::vector<root_device> devices;
+
+    /// The record of a platform's handle, or null.
+    platform const* find(cl_platform_id id) const noexcept;
+};
+
+/// Asks OpenCL unless an earlier call has found a device; null while there is none. Thread-safe.
+machine const* discover();
+
+/// Whether this process was forked off one that had discovered devices.
+bool forked_after_discovery() noexcept;
+
+} // namespace nq::bridge

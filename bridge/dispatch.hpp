@@ -1,0 +1,17 @@
+#pragma once
+
+// The dispatch tables: one per OpenCL version, indexed by command id.
+
+#include <nq/types.hpp>
+
+#include <span>
+
+namespace nq::bridge {
+
+/// Performs one entry point on its argument block; returns what `nq_call_capability` returns.
+using thunk = int (*)(nq_call_handle const&, void* block);
+
+/// Empty for a version that does not exist.
+std::span<thunk const> commands_of(nq::capability version) noexcept;
+
+} // namespace nq::bridge

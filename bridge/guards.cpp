@@ -1,0 +1,172 @@
+#include "guards.hpp"
+
+#include "loader.hpp"
+#include "platform.hpp"
+
+#include <vector>
+
+// The guards that one implementation needs. They take the place of the loader's function in the table of its platforms.
+
+namespace nq::bridge {
+namespace {
+
+// PoCL ends the process where a queue on the device is asked for.
+cl_command_queue CL_API_CALL pocl_create_queue(cl_context context, cl_device_id device,
+                                               cl_queue_properties const* properties, cl_int* code) {
+    for (auto const* entry = properties; entry != nullptr && entry[0] != 0; entry += 2) {
+        if (entry[0] == CL_QUEUE_PROPERTIES && (entry[1] & CL_QUEUE_ON_DEVICE) != 0) {
+            *code = CL_INVALID_QUEUE_PROPERTIES;
+            return nullptr;
+        }
+    }
+    return loaded().clCreateCommandQueueWithProperties(context, device, properties, code);
+}
+
+// PoCL ends the process where an image with mip-maps or samples is asked for.
+cl_mem CL_API_CALL pocl_create_image(cl_context context, cl_mem_flags flags, cl_image_format const* format,
+                                     cl_image_desc const* description, void* host_ptr, cl_int* code) {
+    if (description != nullptr && (description->num_mip_levels != 0 || description->num_samples != 0)) {
+        *code = CL_INVALID_IMAGE_DESCRIPTOR;
+        return nullptr;
+    }
+    return loaded().clCreateImage(context, flags, format, description, host_ptr, code);
+}
+
+std::string argument_type(cl_kernel kernel, cl_uint index) {
+    return info_text(
+        [index](cl_kernel k, cl_uint name, std::size_t size, void* value, std::size_t* needed) {
+            return loaded().clGetKernelArgInfo(k, index, name, size, value, needed);
+        },
+        kernel, CL_KERNEL_ARG_TYPE_NAME);
+}
+
+cl_uint address_qualifier(cl_kernel kernel, cl_uint index) {
+    cl_uint qualifier = CL_KERNEL_ARG_ADDRESS_GLOBAL;
+    loaded().clGetKernelArgInfo(kernel, index, CL_KERNEL_ARG_ADDRESS_QUALIFIER, sizeof qualifier, &qualifier, nullptr);
+    return qualifier;
+}
+
+bool is_null_handle(std::size_t size, void const* value) {
+    return size == sizeof(void*) && value != nullptr && *static_cast<void* const*>(value) == nullptr;
+}
+
+// Oclgrind reads the value of every argument that is neither buffer, image nor local memory, and the sampler behind a
+// sampler's handle.
+cl_int CL_API_CALL oclgrind_set_argument(cl_kernel kernel, cl_uint index, std::size_t size, void const* value) {
+    if (kernel != nullptr && value == nullptr && address_qualifier(kernel, index) == CL_KERNEL_ARG_ADDRESS_PRIVATE) {
+        return argument_type(kernel, index) == "sampler_t" ? CL_INVALID_SAMPLER : CL_INVALID_ARG_VALUE;
+    }
+    if (kernel != nullptr && is_null_handle(size, value) && argument_type(kernel, index) == "sampler_t") {
+        return CL_INVALID_SAMPLER;
+    }
+    return loaded().clSetKernelArg(kernel, index, size, value);
+}
+
+// Oclgrind divides by the local size.
+cl_int CL_API_CALL oclgrind_launch(cl_command_queue queue, cl_kernel kernel, cl_uint dimensions,
+                                   std::size_t const* offset, std::size_t const* global, std::size_t const* local,
+                                   cl_uint event_count, cl_event const* events, cl_event* event) {
+    if (local != nullptr && dimensions <= 3 && std::find(local, local + dimensions, 0U) != local + dimensions) {
+        return CL_INVALID_WORK_GROUP_SIZE;
+    }
+    return loaded().clEnqueueNDRangeKernel(queue, kernel, dimensions, offset, global, local, event_count, events,
+                                           event);
+}
+
+// rusticl panics on an image argument without a value, Intel's runtime crashes on a queue argument without one. Where
+// the program says nothing of its arguments (Intel's of binaries and IL) the call is made.
+template <char const* Type>
+cl_int CL_API_CALL set_argument_unless_null(cl_kernel kernel, cl_uint index, std::size_t size, void const* value) {
+    if (kernel != nullptr && value == nullptr && argument_type(kernel, index).starts_with(Type)) {
+        return CL_INVALID_ARG_VALUE;
+    }
+    return loaded().clSetKernelArg(kernel, index, size, value);
+}
+constexpr char image_type[] = "image";
+constexpr char queue_type[] = "queue_t";
+
+std::vector<std::size_t> binary_sizes(cl_program program, cl_int& code) {
+    auto const ask = loaded().clGetProgramInfo;
+    std::size_t bytes = 0;
+    code = ask(program, CL_PROGRAM_BINARY_SIZES, 0, nullptr, &bytes);
+    std::vector<std::size_t> sizes(code == CL_SUCCESS ? bytes / sizeof(std::size_t) : 0);
+    if (!sizes.empty()) {
+        code = ask(program, CL_PROGRAM_BINARY_SIZES, bytes, sizes.data(), nullptr);
+    }
+    return sizes;
+}
+
+// OpenCL lets a null entry say that its binary is not wanted. PoCL, rusticl and Oclgrind write to it, Intel's runtime
+// refuses it: such a binary goes to memory that is thrown away. rusticl panics where a program has no binary.
+cl_int read_binaries(cl_program program, std::size_t size, void* value, std::size_t* size_needed) {
+    cl_int code = CL_SUCCESS;
+    auto const sizes = binary_sizes(program, code);
+    std::size_t const bytes = sizes.size() * sizeof(void*);
+    if (code != CL_SUCCESS || size < bytes) {
+        return code != CL_SUCCESS ? code : CL_INVALID_VALUE;
+    }
+    if (size_needed != nullptr) {
+        *size_needed = bytes;
+    }
+    if (std::ranges::all_of(sizes, [](std::size_t each) { return each == 0; })) {
+        return CL_SUCCESS;
+    }
+    std::vector<std::vector<unsigned char>> unwanted(sizes.size());
+    auto* const first = static_cast<unsigned char**>(value);
+    std::vector<unsigned char*> destinations(first, first + sizes.size());
+    for (std::size_t i = 0; i < sizes.size(); ++i) {
+        if (destinations[i] == nullptr) {
+            unwanted[i].resize(sizes[i] + 1);
+            destinations[i] = unwanted[i].data();
+        }
+    }
+    return loaded().clGetProgramInfo(program, CL_PROGRAM_BINARIES, bytes, destinations.data(), nullptr);
+}
+
+cl_int CL_API_CALL get_program_info(cl_program program, cl_program_info name, std::size_t size, void* value,
+                                    std::size_t* size_needed) {
+    if (name == CL_PROGRAM_BINARIES && program != nullptr && value != nullptr) {
+        return read_binaries(program, size, value, size_needed);
+    }
+    return loaded().clGetProgramInfo(program, name, size, value, size_needed);
+}
+
+template <class Function>
+void replace(Function& function, Function guard) noexcept {
+    function = function != nullptr ? guard : nullptr;
+}
+
+constexpr std::string_view pocl = "Portable Computing Language";
+constexpr std::string_view rusticl = "rusticl";
+constexpr std::string_view oclgrind = "Oclgrind";
+constexpr std::string_view intel = "Intel(R) OpenCL";
+
+} // namespace
+
+void install_guards(std::string_view platform_name, functions& cl) noexcept {
+    replace(cl.clGetProgramInfo, get_program_info);
+    if (platform_name == pocl) {
+        cl.clEnqueueWaitForEvents = nullptr;             // ends the process: "unimplemented"
+        cl.clSetProgramSpecializationConstant = nullptr; // aborts on a program never built, knows no constants
+        replace(cl.clCreateCommandQueueWithProperties, pocl_create_queue);
+        replace(cl.clCreateImage, pocl_create_image);
+    } else if (platform_name == oclgrind) {
+        replace(cl.clSetKernelArg, oclgrind_set_argument);
+        replace(cl.clEnqueueNDRangeKernel, oclgrind_launch);
+    } else if (platform_name == rusticl) {
+        replace(cl.clSetKernelArg, set_argument_unless_null<image_type>);
+    } else if (platform_name == intel) {
+        replace(cl.clSetKernelArg, set_argument_unless_null<queue_type>);
+    }
+}
+
+// PoCL's threads and rusticl's do not exist in the child, which waits for them for ever. Oclgrind, Intel's runtime and
+// PoCL's "basic" device were seen to work there.
+bool device_survives_fork(std::string_view platform_name, cl_device_id device) {
+    if (platform_name == pocl) {
+        return info_text(loaded().clGetDeviceInfo, device, CL_DEVICE_NAME).starts_with("basic");
+    }
+    return platform_name != rusticl;
+}
+
+} // namespace nq::bridge

@@ -1,0 +1,163 @@
+#pragma once
+
+// Calls that end or hang the process in some implementation because an argument is null or missing. They are answered
+// with the error code of the implementations that check, without being made. Everything else goes through unchanged:
+// wrong but present arguments are OpenCL's own business.
+//
+// Seen with PoCL 3.1, rusticl of Mesa 22.3, Oclgrind 21.10 and Intel's CPU runtime 2026.2, every row crashing unless it
+// says something else. The guards below stand for every implementation, since those that survive give the same answer;
+// those that only one implementation needs are in guards.cpp.
+
+#include "entry_points.hpp"
+
+#include <nq/blocks.hpp>
+
+#include <algorithm>
+#include <cstdint>
+#include <string_view>
+
+namespace nq::bridge {
+
+/// Whether a list that has entries is missing or has a null one among them.
+template <class Element>
+bool incomplete(Element const* list, std::uint64_t count) noexcept {
+    return count != 0 && (list == nullptr || std::find(list, list + count, nullptr) != list + count);
+}
+
+template <class... Pointers>
+bool any_null(Pointers... pointers) noexcept {
+    return ((pointers == nullptr) || ...);
+}
+
+template <class Block>
+cl_int missing_pointer(Block const&) noexcept {
+    return CL_SUCCESS;
+}
+
+// A null in a list of events. Oclgrind, also in all enqueued commands.
+inline cl_int missing_pointer(block::clWaitForEvents const& b) noexcept {
+    return b.event_list != nullptr && incomplete(b.event_list, b.num_events) ? CL_INVALID_EVENT : CL_SUCCESS;
+}
+
+// A null kernel. PoCL, Oclgrind.
+inline cl_int missing_pointer(block::clEnqueueNDRangeKernel const& b) noexcept {
+    return b.kernel == nullptr ? CL_INVALID_KERNEL : CL_SUCCESS;
+}
+inline cl_int missing_pointer(block::clEnqueueTask const& b) noexcept {
+    return b.kernel == nullptr ? CL_INVALID_KERNEL : CL_SUCCESS;
+}
+
+// A null origin or region: Oclgrind; of images: Oclgrind and Intel. A null second memory object: PoCL.
+template <class... Pointers>
+cl_int missing_in_rectangle(bool memory_objects, Pointers... pointers) noexcept {
+    return !memory_objects ? CL_INVALID_MEM_OBJECT : any_null(pointers...) ? CL_INVALID_VALUE : CL_SUCCESS;
+}
+inline cl_int missing_pointer(block::clEnqueueReadBufferRect const& b) noexcept {
+    return missing_in_rectangle(b.buffer != nullptr, b.buffer_origin, b.host_origin, b.region);
+}
+inline cl_int missing_pointer(block::clEnqueueWriteBufferRect const& b) noexcept {
+    return missing_in_rectangle(b.buffer != nullptr, b.buffer_origin, b.host_origin, b.region);
+}
+inline cl_int missing_pointer(block::clEnqueueCopyBufferRect const& b) noexcept {
+    return missing_in_rectangle(!any_null(b.src_buffer, b.dst_buffer), b.src_origin, b.dst_origin, b.region);
+}
+inline cl_int missing_pointer(block::clEnqueueReadImage const& b) noexcept {
+    return missing_in_rectangle(b.image != nullptr, b.origin, b.region);
+}
+inline cl_int missing_pointer(block::clEnqueueWriteImage const& b) noexcept {
+    return missing_in_rectangle(b.image != nullptr, b.origin, b.region);
+}
+inline cl_int missing_pointer(block::clEnqueueFillImage const& b) noexcept {
+    return missing_in_rectangle(b.image != nullptr, b.origin, b.region);
+}
+inline cl_int missing_pointer(block::clEnqueueMapImage const& b) noexcept {
+    return missing_in_rectangle(b.image != nullptr, b.origin, b.region);
+}
+inline cl_int missing_pointer(block::clEnqueueCopyImage const& b) noexcept {
+    return missing_in_rectangle(!any_null(b.src_image, b.dst_image), b.src_origin, b.dst_origin, b.region);
+}
+inline cl_int missing_pointer(block::clEnqueueCopyImageToBuffer const& b) noexcept {
+    return missing_in_rectangle(!any_null(b.src_image, b.dst_buffer), b.src_origin, b.region);
+}
+inline cl_int missing_pointer(block::clEnqueueCopyBufferToImage const& b) noexcept {
+    return missing_in_rectangle(!any_null(b.src_buffer, b.dst_image), b.dst_origin, b.region);
+}
+
+// A null pattern. PoCL.
+inline cl_int missing_pointer(block::clEnqueueSVMMemFill const& b) noexcept {
+    return b.pattern == nullptr ? CL_INVALID_VALUE : CL_SUCCESS;
+}
+
+// No strings: PoCL. A null string: Oclgrind.
+inline cl_int missing_pointer(block::clCreateProgramWithSource const& b) noexcept {
+    return incomplete(b.strings, b.count) ? CL_INVALID_VALUE : CL_SUCCESS;
+}
+
+// No binaries: PoCL. A null binary: Oclgrind.
+inline cl_int missing_pointer(block::clCreateProgramWithBinary const& b) noexcept {
+    return incomplete(b.binaries, b.num_devices) ? CL_INVALID_VALUE : CL_SUCCESS;
+}
+
+// A null device in a list. PoCL.
+inline cl_int missing_pointer(block::clBuildProgram const& b) noexcept {
+    return b.device_list != nullptr && incomplete(b.device_list, b.num_devices) ? CL_INVALID_DEVICE : CL_SUCCESS;
+}
+
+// No headers, a null header: PoCL, Oclgrind.
+inline cl_int missing_pointer(block::clCompileProgram const& b) noexcept {
+    if (b.device_list != nullptr && incomplete(b.device_list, b.num_devices)) {
+        return CL_INVALID_DEVICE;
+    }
+    if (b.num_input_headers == 0) {
+        return CL_SUCCESS;
+    }
+    if (b.input_headers == nullptr || incomplete(b.header_include_names, b.num_input_headers)) {
+        return CL_INVALID_VALUE;
+    }
+    return incomplete(b.input_headers, b.num_input_headers) ? CL_INVALID_PROGRAM : CL_SUCCESS;
+}
+
+// No programs: Oclgrind. A null program: PoCL, Oclgrind.
+inline cl_int missing_pointer(block::clLinkProgram const& b) noexcept {
+    if (b.device_list != nullptr && incomplete(b.device_list, b.num_devices)) {
+        return CL_INVALID_DEVICE;
+    }
+    if (b.num_input_programs != 0 && b.input_programs == nullptr) {
+        return CL_INVALID_VALUE;
+    }
+    return incomplete(b.input_programs, b.num_input_programs) ? CL_INVALID_PROGRAM : CL_SUCCESS;
+}
+
+/// Whether the object that the loader dispatches on is null; then the loader itself answers, and nothing crashes.
+template <class Block>
+bool leads_nowhere(Block const& b) noexcept {
+    if constexpr (requires { b.command_queue; }) {
+        return b.command_queue == nullptr;
+    } else if constexpr (requires { b.context; }) {
+        return b.context == nullptr;
+    } else if constexpr (requires { b.program; }) {
+        return b.program == nullptr;
+    } else {
+        return false;
+    }
+}
+
+/// The error code of a block that must not reach an implementation, else CL_SUCCESS.
+template <class Block>
+cl_int missing_argument(Block const& b) noexcept {
+    cl_int code = missing_pointer(b);
+    if constexpr (requires { b.event_wait_list; }) {
+        if (incomplete(b.event_wait_list, b.num_events_in_wait_list)) [[unlikely]] {
+            code = CL_INVALID_EVENT_WAIT_LIST;
+        }
+    }
+    return code != CL_SUCCESS && leads_nowhere(b) ? CL_SUCCESS : code;
+}
+
+/// Replaces the functions that one implementation needs a guard for, and removes those that it only seems to have.
+void install_guards(std::string_view platform_name, functions& cl) noexcept;
+
+/// Whether a device goes on working in a child forked after its platform has listed it.
+bool device_survives_fork(std::string_view platform_name, cl_device_id device);
+
+} // namespace nq::bridge
