@@ -1,8 +1,108 @@
 #include "diagnosis.hpp"
 
-namespace nq::bridge {
+#include "loader.hpp"
+#include "vendors.hpp"
 
-void explain_discovery(machine const&, std::string const&) {}
-void explain_fork(platform const&) noexcept {}
+#include <algorithm>
+#include <atomic>
+#include <cstdio>
+#include <cstdlib>
+#include <dlfcn.h>
+#include <string_view>
+
+namespace nq::bridge {
+namespace {
+
+bool verbose() noexcept {
+    char const* const value = std::getenv("NQ_BRIDGE_VERBOSE");
+    return value != nullptr && std::string_view(value) == "1";
+}
+
+std::string line(std::string const& text) { return "libnq: " + text + "\n"; }
+
+std::string without_loader(std::string const& failure) {
+    return line("there is no OpenCL loader: " + failure) +
+           line("install one (on Debian: apt-get install ocl-icd-libopencl1) or name yours in NQ_BRIDGE_OPENCL");
+}
+
+std::string without_vendors(std::string const& setting) {
+    return line("there is no OpenCL implementation: no vendor file (*.icd) in " + setting) +
+           line("install one (on Debian: apt-get install pocl-opencl-icd) or name the folder in OCL_ICD_VENDORS");
+}
+
+// What keeps the loader from using a vendor's library; it passes over such a library in silence.
+std::string unusable(vendor const& each, bool platforms_found) {
+    std::string const named = each.file.empty() ? "" : each.file + " names ";
+    if (each.library.empty()) {
+        return line(each.file + " cannot be read or names no library; remove or correct it");
+    }
+    if (dlopen(each.library.c_str(), RTLD_LAZY | RTLD_LOCAL) == nullptr) {
+        std::string const reason = dlerror();
+        return line(named + each.library + ", which does not load: " + reason) +
+               line("install or repair the package that holds " + reason.substr(0, reason.find(':')));
+    }
+    return platforms_found ? ""
+                           : line(named + each.library +
+                                  ", which loads but offers no platform: "
+                                  "it found no device that it can drive");
+}
+
+std::string remedy_for_no_device(platform const& empty) {
+    if (empty.name == "rusticl") {
+        return "set RUSTICL_ENABLE to the drivers that it may use, for example RUSTICL_ENABLE=llvmpipe";
+    }
+    if (empty.name == "Portable Computing Language") {
+        return "check POCL_DEVICES, and that the folder of POCL_CACHE_DIR can be made and written";
+    }
+    return "it supports none of this machine; install an implementation that does "
+           "(on Debian: apt-get install pocl-opencl-icd)";
+}
+
+std::string without_device(machine const& found) {
+    std::string report;
+    for (platform const& each : found.platforms) {
+        if (std::ranges::find(found.devices, &each, &root_device::owner) == found.devices.end()) {
+            report += line("the platform \"" + each.name + "\" has no device: " + remedy_for_no_device(each));
+        }
+    }
+    return report;
+}
+
+std::string report_on(machine const& found, std::string const& failure) {
+    if (!failure.empty()) {
+        return without_loader(failure);
+    }
+    std::string const setting = vendor_setting();
+    auto const vendors = list_vendors(setting);
+    std::string report = vendors.empty() && found.platforms.empty() ? without_vendors(setting) : "";
+    for (vendor const& each : vendors) {
+        report += unusable(each, !found.platforms.empty());
+    }
+    return report + without_device(found);
+}
+
+} // namespace
+
+void explain_discovery(machine const& found, std::string const& failure) {
+    static auto& written = *new std::string;
+    if (!verbose()) {
+        return;
+    }
+    std::string report = report_on(found, failure);
+    if (report != written) {
+        std::fputs(report.c_str(), stderr);
+        written = std::move(report);
+    }
+}
+
+void explain_fork(platform const& lost) noexcept {
+    static std::atomic_flag written;
+    if (verbose() && !written.test_and_set()) {
+        std::fprintf(stderr,
+                     "libnq: the platform \"%s\" would hang in this process, which was forked after its devices were "
+                     "listed; fork before the first OpenCL call, or start a new program in the child\n",
+                     lost.name.c_str());
+    }
+}
 
 } // namespace nq::bridge

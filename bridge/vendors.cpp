@@ -1,0 +1,53 @@
+#include "vendors.hpp"
+
+#include <algorithm>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+
+namespace nq::bridge {
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr char const* system_folder = "/etc/OpenCL/vendors";
+
+vendor read_vendor(fs::path const& file) {
+    vendor read{file.string(), {}};
+    std::ifstream stream(file);
+    stream >> std::ws;
+    std::getline(stream, read.library);
+    return read;
+}
+
+} // namespace
+
+std::string vendor_setting() {
+    for (char const* variable : {"OCL_ICD_VENDORS", "OPENCL_VENDOR_PATH"}) {
+        if (char const* const value = std::getenv(variable); value != nullptr && *value != '\0') {
+            return value;
+        }
+    }
+    return system_folder;
+}
+
+std::vector<vendor> list_vendors(std::string const& setting) {
+    fs::path const path = setting;
+    std::error_code failure;
+    std::vector<vendor> vendors;
+    if (fs::is_directory(path, failure)) {
+        for (auto const& entry : fs::directory_iterator(path, failure)) {
+            if (entry.path().extension() == ".icd") {
+                vendors.push_back(read_vendor(entry.path()));
+            }
+        }
+        std::ranges::sort(vendors, {}, &vendor::file);
+    } else if (path.extension() == ".icd") {
+        vendors.push_back(read_vendor(path.has_parent_path() ? path : system_folder / path));
+    } else if (fs::exists(path, failure) || setting.find(".so") != std::string::npos) {
+        vendors.push_back({{}, setting});
+    }
+    return vendors;
+}
+
+} // namespace nq::bridge

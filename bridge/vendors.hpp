@@ -1,0 +1,21 @@
+#pragma once
+
+// The vendor libraries that the ICD loader is told to load.
+
+#include <string>
+#include <vector>
+
+namespace nq::bridge {
+
+struct vendor {
+    std::string file; // the .icd file that names the library; empty where the environment names it
+    std::string library;
+};
+
+/// Where the loader looks: OCL_ICD_VENDORS, OPENCL_VENDOR_PATH or the system's folder.
+std::string vendor_setting();
+
+/// The libraries that a setting leads to: a folder of .icd files, one such file, or a library.
+std::vector<vendor> list_vendors(std::string const& setting);
+
+} // namespace nq::bridge
