@@ -17,7 +17,8 @@ endif()
 add_library(project_defaults INTERFACE)
 target_compile_options(project_defaults INTERFACE
   -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wsign-conversion -Wnon-virtual-dtor -Wold-style-cast
-  -Woverloaded-virtual -Wnull-dereference -Werror -fno-plt)
+  -Woverloaded-virtual -Wnull-dereference -Werror -fno-plt
+  -Wno-missing-field-initializers) # designated initialisers leave the results of a block out on purpose
 if(VORN_MERO_SANITIZE)
   target_compile_options(project_defaults INTERFACE -fsanitize=${VORN_MERO_SANITIZE} -fno-omit-frame-pointer)
   target_link_options(project_defaults INTERFACE -fsanitize=${VORN_MERO_SANITIZE})

@@ -1,0 +1,454 @@
+#pragma once
+
+// The statuses of OpenCL, their messages and the exception of each.
+//
+// Every exception of an OpenCL operation derives from `error`; one class stands for each status, so that a program can
+// catch a single condition, all misuse (`logic_error`), all conditions of the device or the moment (`runtime_error`),
+// or everything. An exception is exactly the class named, never one derived from it.
+
+#include <vorn/mero/common/export.hpp>
+
+#include <cstdint>
+#include <exception>
+#include <string>
+
+namespace vorn::mero::common {
+
+/// The OpenCL statuses, each under the name of its exception class.
+enum class error_code : std::int32_t {
+    success = 0,
+    device_not_found = -1,
+    device_not_available = -2,
+    compiler_not_available = -3,
+    mem_object_allocation_failure = -4,
+    out_of_resources = -5,
+    out_of_host_memory = -6,
+    profiling_info_not_available = -7,
+    mem_copy_overlap = -8,
+    image_format_mismatch = -9,
+    image_format_not_supported = -10,
+    build_program_failure = -11,
+    map_failure = -12,
+    misaligned_sub_buffer_offset = -13,
+    exec_status_error_for_events_in_wait_list = -14,
+    compile_program_failure = -15,
+    linker_not_available = -16,
+    link_program_failure = -17,
+    device_partition_failed = -18,
+    kernel_arg_info_not_available = -19,
+    invalid_value = -30,
+    invalid_device_type = -31,
+    invalid_platform = -32,
+    invalid_device = -33,
+    invalid_context = -34,
+    invalid_queue_properties = -35,
+    invalid_command_queue = -36,
+    invalid_host_ptr = -37,
+    invalid_mem_object = -38,
+    invalid_image_format_descriptor = -39,
+    invalid_image_size = -40,
+    invalid_sampler = -41,
+    invalid_binary = -42,
+    invalid_build_options = -43,
+    invalid_program = -44,
+    invalid_program_executable = -45,
+    invalid_kernel_name = -46,
+    invalid_kernel_definition = -47,
+    invalid_kernel = -48,
+    invalid_arg_index = -49,
+    invalid_arg_value = -50,
+    invalid_arg_size = -51,
+    invalid_kernel_args = -52,
+    invalid_work_dimension = -53,
+    invalid_work_group_size = -54,
+    invalid_work_item_size = -55,
+    invalid_global_offset = -56,
+    invalid_event_wait_list = -57,
+    invalid_event = -58,
+    invalid_operation = -59,
+    invalid_gl_object = -60,
+    invalid_buffer_size = -61,
+    invalid_mip_level = -62,
+    invalid_global_work_size = -63,
+    invalid_property = -64,
+    invalid_image_descriptor = -65,
+    invalid_compiler_options = -66,
+    invalid_linker_options = -67,
+    invalid_device_partition_count = -68,
+    invalid_pipe_size = -69,
+    invalid_device_queue = -70,
+    invalid_spec_id = -71,
+    max_size_restriction_exceeded = -72,
+};
+
+/// The message of a status; "Unknown error." for a number that is no status. Never fails but for want of memory.
+VORN_MERO_EXPORT std::string get_error_string(error_code code);
+
+/// Root of the exceptions of OpenCL operations.
+class VORN_MERO_EXPORT error : public std::exception {
+public:
+    explicit error(std::string const& message);
+    error(error const&);
+    error& operator=(error const&);
+    ~error() override;
+
+    char const* what() const noexcept final;
+
+private:
+    std::string message_;
+};
+
+/// An OpenCL operation answered with a status other than success.
+class VORN_MERO_EXPORT opencl_error : public error {
+public:
+    opencl_error(std::string const& message, error_code code);
+
+    error_code const& code() const noexcept { return code_; }
+
+private:
+    error_code code_;
+};
+
+/// The interface was misused: an invalid handle, value or option. Not to be confused with `std::logic_error`, which the
+/// library throws for misuse that it detects itself.
+class VORN_MERO_EXPORT logic_error : public opencl_error {
+public:
+    logic_error(std::string const& message, error_code code);
+};
+
+/// A condition of the device, its resources or the program being built.
+class VORN_MERO_EXPORT runtime_error : public opencl_error {
+public:
+    runtime_error(std::string const& message, error_code code);
+};
+
+/// A status that no OpenCL version defines.
+class VORN_MERO_EXPORT unknown_opencl_error : public error {
+public:
+    explicit unknown_opencl_error(int value);
+
+    /// The status as OpenCL gave it.
+    int value() const noexcept { return value_; }
+
+private:
+    int value_;
+};
+
+/// The OpenCL implementation answered inconsistently: a reply of the wrong size, or a release that failed.
+class VORN_MERO_EXPORT bad_implementation : public error {
+public:
+    explicit bad_implementation(std::string const& message);
+};
+
+/// `CL_DEVICE_NOT_FOUND`
+class VORN_MERO_EXPORT device_not_found : public logic_error {
+public:
+    device_not_found();
+};
+/// `CL_DEVICE_NOT_AVAILABLE`
+class VORN_MERO_EXPORT device_not_available : public runtime_error {
+public:
+    device_not_available();
+};
+/// `CL_COMPILER_NOT_AVAILABLE`
+class VORN_MERO_EXPORT compiler_not_available : public logic_error {
+public:
+    compiler_not_available();
+};
+/// `CL_MEM_OBJECT_ALLOCATION_FAILURE`
+class VORN_MERO_EXPORT mem_object_allocation_failure : public runtime_error {
+public:
+    mem_object_allocation_failure();
+};
+/// `CL_OUT_OF_RESOURCES`
+class VORN_MERO_EXPORT out_of_resources : public runtime_error {
+public:
+    out_of_resources();
+};
+/// `CL_OUT_OF_HOST_MEMORY`
+class VORN_MERO_EXPORT out_of_host_memory : public runtime_error {
+public:
+    out_of_host_memory();
+};
+/// `CL_PROFILING_INFO_NOT_AVAILABLE`
+class VORN_MERO_EXPORT profiling_info_not_available : public logic_error {
+public:
+    profiling_info_not_available();
+};
+/// `CL_MEM_COPY_OVERLAP`
+class VORN_MERO_EXPORT mem_copy_overlap : public logic_error {
+public:
+    mem_copy_overlap();
+};
+/// `CL_IMAGE_FORMAT_MISMATCH`
+class VORN_MERO_EXPORT image_format_mismatch : public logic_error {
+public:
+    image_format_mismatch();
+};
+/// `CL_IMAGE_FORMAT_NOT_SUPPORTED`
+class VORN_MERO_EXPORT image_format_not_supported : public logic_error {
+public:
+    image_format_not_supported();
+};
+/// `CL_BUILD_PROGRAM_FAILURE`
+class VORN_MERO_EXPORT build_program_failure : public runtime_error {
+public:
+    build_program_failure();
+};
+/// `CL_MAP_FAILURE`
+class VORN_MERO_EXPORT map_failure : public runtime_error {
+public:
+    map_failure();
+};
+/// `CL_MISALIGNED_SUB_BUFFER_OFFSET`
+class VORN_MERO_EXPORT misaligned_sub_buffer_offset : public runtime_error {
+public:
+    misaligned_sub_buffer_offset();
+};
+/// `CL_EXEC_STATUS_ERROR_FOR_EVENTS_IN_WAIT_LIST`
+class VORN_MERO_EXPORT exec_status_error_for_events_in_wait_list : public runtime_error {
+public:
+    exec_status_error_for_events_in_wait_list();
+};
+/// `CL_COMPILE_PROGRAM_FAILURE`
+class VORN_MERO_EXPORT compile_program_failure : public logic_error {
+public:
+    compile_program_failure();
+};
+/// `CL_LINKER_NOT_AVAILABLE`
+class VORN_MERO_EXPORT linker_not_available : public logic_error {
+public:
+    linker_not_available();
+};
+/// `CL_LINK_PROGRAM_FAILURE`
+class VORN_MERO_EXPORT link_program_failure : public runtime_error {
+public:
+    link_program_failure();
+};
+/// `CL_DEVICE_PARTITION_FAILED`
+class VORN_MERO_EXPORT device_partition_failed : public runtime_error {
+public:
+    device_partition_failed();
+};
+/// `CL_KERNEL_ARG_INFO_NOT_AVAILABLE`
+class VORN_MERO_EXPORT kernel_arg_info_not_available : public logic_error {
+public:
+    kernel_arg_info_not_available();
+};
+/// `CL_INVALID_VALUE`
+class VORN_MERO_EXPORT invalid_value : public logic_error {
+public:
+    invalid_value();
+};
+/// `CL_INVALID_DEVICE_TYPE`
+class VORN_MERO_EXPORT invalid_device_type : public logic_error {
+public:
+    invalid_device_type();
+};
+/// `CL_INVALID_PLATFORM`
+class VORN_MERO_EXPORT invalid_platform : public logic_error {
+public:
+    invalid_platform();
+};
+/// `CL_INVALID_DEVICE`
+class VORN_MERO_EXPORT invalid_device : public logic_error {
+public:
+    invalid_device();
+};
+/// `CL_INVALID_CONTEXT`
+class VORN_MERO_EXPORT invalid_context : public logic_error {
+public:
+    invalid_context();
+};
+/// `CL_INVALID_QUEUE_PROPERTIES`
+class VORN_MERO_EXPORT invalid_queue_properties : public logic_error {
+public:
+    invalid_queue_properties();
+};
+/// `CL_INVALID_COMMAND_QUEUE`
+class VORN_MERO_EXPORT invalid_command_queue : public logic_error {
+public:
+    invalid_command_queue();
+};
+/// `CL_INVALID_HOST_PTR`
+class VORN_MERO_EXPORT invalid_host_ptr : public logic_error {
+public:
+    invalid_host_ptr();
+};
+/// `CL_INVALID_MEM_OBJECT`
+class VORN_MERO_EXPORT invalid_mem_object : public logic_error {
+public:
+    invalid_mem_object();
+};
+/// `CL_INVALID_IMAGE_FORMAT_DESCRIPTOR`
+class VORN_MERO_EXPORT invalid_image_format_descriptor : public logic_error {
+public:
+    invalid_image_format_descriptor();
+};
+/// `CL_INVALID_IMAGE_SIZE`
+class VORN_MERO_EXPORT invalid_image_size : public logic_error {
+public:
+    invalid_image_size();
+};
+/// `CL_INVALID_SAMPLER`
+class VORN_MERO_EXPORT invalid_sampler : public logic_error {
+public:
+    invalid_sampler();
+};
+/// `CL_INVALID_BINARY`
+class VORN_MERO_EXPORT invalid_binary : public runtime_error {
+public:
+    invalid_binary();
+};
+/// `CL_INVALID_BUILD_OPTIONS`
+class VORN_MERO_EXPORT invalid_build_options : public logic_error {
+public:
+    invalid_build_options();
+};
+/// `CL_INVALID_PROGRAM`
+class VORN_MERO_EXPORT invalid_program : public logic_error {
+public:
+    invalid_program();
+};
+/// `CL_INVALID_PROGRAM_EXECUTABLE`
+class VORN_MERO_EXPORT invalid_program_executable : public logic_error {
+public:
+    invalid_program_executable();
+};
+/// `CL_INVALID_KERNEL_NAME`
+class VORN_MERO_EXPORT invalid_kernel_name : public logic_error {
+public:
+    invalid_kernel_name();
+};
+/// `CL_INVALID_KERNEL_DEFINITION`
+class VORN_MERO_EXPORT invalid_kernel_definition : public logic_error {
+public:
+    invalid_kernel_definition();
+};
+/// `CL_INVALID_KERNEL`
+class VORN_MERO_EXPORT invalid_kernel : public logic_error {
+public:
+    invalid_kernel();
+};
+/// `CL_INVALID_ARG_INDEX`
+class VORN_MERO_EXPORT invalid_arg_index : public logic_error {
+public:
+    invalid_arg_index();
+};
+/// `CL_INVALID_ARG_VALUE`
+class VORN_MERO_EXPORT invalid_arg_value : public logic_error {
+public:
+    invalid_arg_value();
+};
+/// `CL_INVALID_ARG_SIZE`
+class VORN_MERO_EXPORT invalid_arg_size : public logic_error {
+public:
+    invalid_arg_size();
+};
+/// `CL_INVALID_KERNEL_ARGS`
+class VORN_MERO_EXPORT invalid_kernel_args : public logic_error {
+public:
+    invalid_kernel_args();
+};
+/// `CL_INVALID_WORK_DIMENSION`
+class VORN_MERO_EXPORT invalid_work_dimension : public logic_error {
+public:
+    invalid_work_dimension();
+};
+/// `CL_INVALID_WORK_GROUP_SIZE`
+class VORN_MERO_EXPORT invalid_work_group_size : public logic_error {
+public:
+    invalid_work_group_size();
+};
+/// `CL_INVALID_WORK_ITEM_SIZE`
+class VORN_MERO_EXPORT invalid_work_item_size : public logic_error {
+public:
+    invalid_work_item_size();
+};
+/// `CL_INVALID_GLOBAL_OFFSET`
+class VORN_MERO_EXPORT invalid_global_offset : public logic_error {
+public:
+    invalid_global_offset();
+};
+/// `CL_INVALID_EVENT_WAIT_LIST`
+class VORN_MERO_EXPORT invalid_event_wait_list : public logic_error {
+public:
+    invalid_event_wait_list();
+};
+/// `CL_INVALID_EVENT`
+class VORN_MERO_EXPORT invalid_event : public logic_error {
+public:
+    invalid_event();
+};
+/// `CL_INVALID_OPERATION`
+class VORN_MERO_EXPORT invalid_operation : public logic_error {
+public:
+    invalid_operation();
+};
+/// `CL_INVALID_GL_OBJECT`
+class VORN_MERO_EXPORT invalid_gl_object : public logic_error {
+public:
+    invalid_gl_object();
+};
+/// `CL_INVALID_BUFFER_SIZE`
+class VORN_MERO_EXPORT invalid_buffer_size : public logic_error {
+public:
+    invalid_buffer_size();
+};
+/// `CL_INVALID_MIP_LEVEL`
+class VORN_MERO_EXPORT invalid_mip_level : public logic_error {
+public:
+    invalid_mip_level();
+};
+/// `CL_INVALID_GLOBAL_WORK_SIZE`
+class VORN_MERO_EXPORT invalid_global_work_size : public logic_error {
+public:
+    invalid_global_work_size();
+};
+/// `CL_INVALID_PROPERTY`
+class VORN_MERO_EXPORT invalid_property : public logic_error {
+public:
+    invalid_property();
+};
+/// `CL_INVALID_IMAGE_DESCRIPTOR`
+class VORN_MERO_EXPORT invalid_image_descriptor : public logic_error {
+public:
+    invalid_image_descriptor();
+};
+/// `CL_INVALID_COMPILER_OPTIONS`
+class VORN_MERO_EXPORT invalid_compiler_options : public logic_error {
+public:
+    invalid_compiler_options();
+};
+/// `CL_INVALID_LINKER_OPTIONS`
+class VORN_MERO_EXPORT invalid_linker_options : public logic_error {
+public:
+    invalid_linker_options();
+};
+/// `CL_INVALID_DEVICE_PARTITION_COUNT`
+class VORN_MERO_EXPORT invalid_device_partition_count : public logic_error {
+public:
+    invalid_device_partition_count();
+};
+/// `CL_INVALID_PIPE_SIZE`
+class VORN_MERO_EXPORT invalid_pipe_size : public logic_error {
+public:
+    invalid_pipe_size();
+};
+/// `CL_INVALID_DEVICE_QUEUE`
+class VORN_MERO_EXPORT invalid_device_queue : public logic_error {
+public:
+    invalid_device_queue();
+};
+/// `CL_INVALID_SPEC_ID`
+class VORN_MERO_EXPORT invalid_spec_id : public logic_error {
+public:
+    invalid_spec_id();
+};
+/// `CL_MAX_SIZE_RESTRICTION_EXCEEDED`
+class VORN_MERO_EXPORT max_size_restriction_exceeded : public logic_error {
+public:
+    max_size_restriction_exceeded();
+};
+
+} // namespace vorn::mero::common

@@ -1,0 +1,10 @@
+#pragma once
+
+/// The object interface to every OpenCL version, each in its own namespace.
+
+#include <vorn/mero/opencl_1_0.hpp>
+#include <vorn/mero/opencl_1_1.hpp>
+#include <vorn/mero/opencl_1_2.hpp>
+#include <vorn/mero/opencl_2_0.hpp>
+#include <vorn/mero/opencl_2_1.hpp>
+#include <vorn/mero/opencl_2_2.hpp>

@@ -1,0 +1,232 @@
+// The commands on buffers, and on any memory object.
+#ifndef VORN_MERO_OPENCL
+#include <vorn/mero/opencl/standalone.hpp>
+
+#include <vorn/mero/opencl/forward.hpp>
+#include <vorn/mero/opencl/types.hpp>
+
+#include <vorn/mero/opencl/command.hpp>
+#endif
+
+namespace vorn::mero::VORN_MERO_NAMESPACE {
+
+/// Copies from a buffer to the host.
+class VORN_MERO_EXPORT read_buffer : public command {
+public:
+    read_buffer(buffer const& source, bool blocking, std::size_t offset, std::size_t size, void* destination);
+    void call(nq::call_handle const& handle, _nq_cl_command_queue* queue, unsigned int num_events_in_wait_list,
+              _nq_cl_event* const* event_wait_list, _nq_cl_event** event) const override;
+
+private:
+    _nq_cl_mem* source_;
+    bool blocking_;
+    std::size_t offset_;
+    std::size_t size_;
+    void* destination_;
+};
+
+/// Copies from the host to a buffer.
+class VORN_MERO_EXPORT write_buffer : public command {
+public:
+    write_buffer(buffer& destination, bool blocking, std::size_t offset, std::size_t size, void const* source);
+    void call(nq::call_handle const& handle, _nq_cl_command_queue* queue, unsigned int num_events_in_wait_list,
+              _nq_cl_event* const* event_wait_list, _nq_cl_event** event) const override;
+
+private:
+    _nq_cl_mem* destination_;
+    bool blocking_;
+    std::size_t offset_;
+    std::size_t size_;
+    void const* source_;
+};
+
+/// Copies between buffers.
+class VORN_MERO_EXPORT copy_buffer : public command {
+public:
+    copy_buffer(buffer const& source, buffer& destination, std::size_t source_offset, std::size_t destination_offset,
+                std::size_t size);
+    void call(nq::call_handle const& handle, _nq_cl_command_queue* queue, unsigned int num_events_in_wait_list,
+              _nq_cl_event* const* event_wait_list, _nq_cl_event** event) const override;
+
+private:
+    _nq_cl_mem* source_;
+    _nq_cl_mem* destination_;
+    std::size_t source_offset_;
+    std::size_t destination_offset_;
+    std::size_t size_;
+};
+
+/// Maps a region of a buffer into the host's memory. Each enqueueing that succeeds stores the address in `mapped`,
+/// which must live until then; one that fails leaves it alone.
+class VORN_MERO_EXPORT map_buffer : public command {
+public:
+    map_buffer(void*& mapped, buffer& source, bool blocking, map_flags flags, std::size_t offset, std::size_t size);
+    void call(nq::call_handle const& handle, _nq_cl_command_queue* queue, unsigned int num_events_in_wait_list,
+              _nq_cl_event* const* event_wait_list, _nq_cl_event** event) const override;
+
+private:
+    void** mapped_;
+    _nq_cl_mem* source_;
+    bool blocking_;
+    map_flags flags_;
+    std::size_t offset_;
+    std::size_t size_;
+};
+
+/// Ends a mapping; what was written through it is then in the memory object.
+class VORN_MERO_EXPORT unmap_mem_object : public command {
+public:
+    unmap_mem_object(memory_object const& object, void* mapped);
+    void call(nq::call_handle const& handle, _nq_cl_command_queue* queue, unsigned int num_events_in_wait_list,
+              _nq_cl_event* const* event_wait_list, _nq_cl_event** event) const override;
+
+private:
+    _nq_cl_mem* object_;
+    void* mapped_;
+};
+
+#if VORN_MERO_OPENCL >= 110
+/// Copies a box from a buffer to the host. Origins and region are bytes, rows and slices; a pitch of 0 means tightly
+/// packed. Since OpenCL 1.1.
+class VORN_MERO_EXPORT read_buffer_rect : public command {
+public:
+    read_buffer_rect(buffer const& source, bool blocking, std::array<std::size_t, 3> const& buffer_origin,
+                     std::array<std::size_t, 3> const& host_origin, std::array<std::size_t, 3> const& region,
+                     std::size_t buffer_row_pitch, std::size_t buffer_slice_pitch, std::size_t host_row_pitch,
+                     std::size_t host_slice_pitch, void* destination);
+    void call(nq::call_handle const& handle, _nq_cl_command_queue* queue, unsigned int num_events_in_wait_list,
+              _nq_cl_event* const* event_wait_list, _nq_cl_event** event) const override;
+
+private:
+    _nq_cl_mem* source_;
+    bool blocking_;
+    std::array<std::size_t, 3> buffer_origin_;
+    std::array<std::size_t, 3> host_origin_;
+    std::array<std::size_t, 3> region_;
+    std::size_t buffer_row_pitch_;
+    std::size_t buffer_slice_pitch_;
+    std::size_t host_row_pitch_;
+    std::size_t host_slice_pitch_;
+    void* destination_;
+};
+
+/// Copies a box from the host to a buffer. Since OpenCL 1.1.
+class VORN_MERO_EXPORT write_buffer_rect : public command {
+public:
+    write_buffer_rect(buffer& destination, bool blocking, std::array<std::size_t, 3> const& buffer_origin,
+                      std::array<std::size_t, 3> const& host_origin, std::array<std::size_t, 3> const& region,
+                      std::size_t buffer_row_pitch, std::size_t buffer_slice_pitch, std::size_t host_row_pitch,
+                      std::size_t host_slice_pitch, void const* source);
+    void call(nq::call_handle const& handle, _nq_cl_command_queue* queue, unsigned int num_events_in_wait_list,
+              _nq_cl_event* const* event_wait_list, _nq_cl_event** event) const override;
+
+private:
+    _nq_cl_mem* destination_;
+    bool blocking_;
+    std::array<std::size_t, 3> buffer_origin_;
+    std::array<std::size_t, 3> host_origin_;
+    std::array<std::size_t, 3> region_;
+    std::size_t buffer_row_pitch_;
+    std::size_t buffer_slice_pitch_;
+    std::size_t host_row_pitch_;
+    std::size_t host_slice_pitch_;
+    void const* source_;
+};
+
+/// Copies a box between buffers. Since OpenCL 1.1.
+class VORN_MERO_EXPORT copy_buffer_rect : public command {
+public:
+    copy_buffer_rect(buffer const& source, buffer& destination, std::array<std::size_t, 3> const& source_origin,
+                     std::array<std::size_t, 3> const& destination_origin, std::array<std::size_t, 3> const& region,
+                     std::size_t source_row_pitch, std::size_t source_slice_pitch, std::size_t destination_row_pitch,
+                     std::size_t destination_slice_pitch);
+    void call(nq::call_handle const& handle, _nq_cl_command_queue* queue, unsigned int num_events_in_wait_list,
+              _nq_cl_event* const* event_wait_list, _nq_cl_event** event) const override;
+
+private:
+    _nq_cl_mem* source_;
+    _nq_cl_mem* destination_;
+    std::array<std::size_t, 3> source_origin_;
+    std::array<std::size_t, 3> destination_origin_;
+    std::array<std::size_t, 3> region_;
+    std::size_t source_row_pitch_;
+    std::size_t source_slice_pitch_;
+    std::size_t destination_row_pitch_;
+    std::size_t destination_slice_pitch_;
+};
+#endif
+
+#if VORN_MERO_OPENCL >= 120
+/// Fills a region of a buffer with `count` repetitions of a pattern that the caller keeps. Since OpenCL 1.2.
+class VORN_MERO_EXPORT fill_buffer_base : public command {
+public:
+    fill_buffer_base(buffer& destination, void const* pattern, std::size_t pattern_size, std::size_t offset,
+                     std::size_t count);
+
+    /// Lets later enqueueings read the pattern elsewhere. Not while another thread enqueues this object.
+    void update_pattern_pointer(void const* pattern) noexcept { pattern_ = pattern; }
+
+    void call(nq::call_handle const& handle, _nq_cl_command_queue* queue, unsigned int num_events_in_wait_list,
+              _nq_cl_event* const* event_wait_list, _nq_cl_event** event) const override;
+
+private:
+    _nq_cl_mem* destination_;
+    void const* pattern_;
+    std::size_t pattern_size_;
+    std::size_t offset_;
+    std::size_t count_;
+};
+
+/// Fills a region of a buffer with `count` repetitions of a pattern that the command keeps. Since OpenCL 1.2.
+class VORN_MERO_EXPORT fill_buffer_bytes : public command {
+public:
+    fill_buffer_bytes(buffer& destination, std::vector<unsigned char> const& pattern, std::size_t offset,
+                      std::size_t count);
+    void call(nq::call_handle const& handle, _nq_cl_command_queue* queue, unsigned int num_events_in_wait_list,
+              _nq_cl_event* const* event_wait_list, _nq_cl_event** event) const override;
+
+private:
+    _nq_cl_mem* destination_;
+    std::vector<unsigned char> pattern_;
+    std::size_t offset_;
+    std::size_t count_;
+};
+
+/// Moves memory objects to the device of the queue, or to the host. Since OpenCL 1.2.
+class VORN_MERO_EXPORT migrate_mem_objects : public command {
+public:
+    migrate_mem_objects(std::vector<_nq_cl_mem*> const& objects, migration_flags flags);
+    void call(nq::call_handle const& handle, _nq_cl_command_queue* queue, unsigned int num_events_in_wait_list,
+              _nq_cl_event* const* event_wait_list, _nq_cl_event** event) const override;
+
+private:
+    std::vector<_nq_cl_mem*> objects_;
+    migration_flags flags_;
+};
+
+/// Fills a region of a buffer with `count` repetitions of an element of the size of an OpenCL scalar or vector, which
+/// the command keeps. Since OpenCL 1.2.
+template <class T>
+class fill_buffer : public fill_buffer_base {
+public:
+    fill_buffer(buffer& destination, T const& pattern, std::size_t offset, std::size_t count)
+        : fill_buffer_base(destination, nullptr, sizeof(T), offset, count), pattern_(pattern) {
+        update_pattern_pointer(std::addressof(pattern_));
+    }
+    fill_buffer(fill_buffer const& other) : fill_buffer_base(other), pattern_(other.pattern_) {
+        update_pattern_pointer(std::addressof(pattern_));
+    }
+    fill_buffer& operator=(fill_buffer const& other) {
+        fill_buffer_base::operator=(other);
+        pattern_ = other.pattern_;
+        update_pattern_pointer(std::addressof(pattern_));
+        return *this;
+    }
+
+private:
+    static_assert(std::is_trivially_copyable_v<T>, "OpenCL copies the pattern byte by byte");
+    T pattern_;
+};
+#endif
+
+} // namespace vorn::mero::VORN_MERO_NAMESPACE

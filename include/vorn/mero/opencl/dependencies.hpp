@@ -1,0 +1,21 @@
+#pragma once
+
+// What the bodies beside this file build on, the same for every version.
+
+#include <nq/call_handle.hpp>
+#include <nq/error.hpp>
+#include <vorn/mero/common/error.hpp>
+#include <vorn/mero/common/export.hpp>
+#include <vorn/mero/internal/check_error.hpp>
+#include <vorn/mero/internal/find_devices.hpp>
+#include <vorn/mero/internal/handle.hpp>
+#include <vorn/mero/internal/strings.hpp>
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <type_traits>
+#include <utility>
+#include <vector>

@@ -1,0 +1,105 @@
+// The names of a version's classes, and the tags of their constructors.
+#ifndef VORN_MERO_OPENCL
+#include <vorn/mero/opencl/standalone.hpp>
+#endif
+
+namespace vorn::mero::VORN_MERO_NAMESPACE {
+
+class platform;
+class device;
+class context;
+class memory_object;
+class buffer;
+class image;
+class image_2d;
+class image_3d;
+class sampler;
+class program;
+class kernel;
+class event;
+class command;
+
+#if VORN_MERO_OPENCL < 200
+class command_queue;
+#endif
+
+#if VORN_MERO_OPENCL >= 110
+class sub_buffer;
+class event_promise;
+#endif
+
+#if VORN_MERO_OPENCL >= 120
+class image_1d;
+class image_1d_array;
+class image_1d_buffer;
+class image_2d_array;
+#endif
+
+#if VORN_MERO_OPENCL >= 200
+class host_command_queue;
+class device_command_queue;
+class pipe;
+#endif
+
+namespace internal {
+
+/// Tag: the caller keeps its reference, the new object retains.
+struct create_reference {};
+
+/// Tag: the caller hands over a reference that it holds.
+struct take_ownership {};
+
+/// What the classes of an OpenCL version tell `vorn::mero::internal::owner` of themselves.
+template <class Raw>
+struct kind {
+    using raw_type = Raw;
+    using create_reference = internal::create_reference;
+    using take_ownership = internal::take_ownership;
+};
+
+struct VORN_MERO_EXPORT platform_kind : kind<_nq_cl_platform_id> {};
+struct VORN_MERO_EXPORT device_kind : kind<_nq_cl_device_id> {};
+struct VORN_MERO_EXPORT context_kind : kind<_nq_cl_context> {};
+struct VORN_MERO_EXPORT memory_object_kind : kind<_nq_cl_mem> {};
+struct VORN_MERO_EXPORT sampler_kind : kind<_nq_cl_sampler> {};
+struct VORN_MERO_EXPORT program_kind : kind<_nq_cl_program> {};
+struct VORN_MERO_EXPORT kernel_kind : kind<_nq_cl_kernel> {};
+struct VORN_MERO_EXPORT event_kind : kind<_nq_cl_event> {};
+
+#if VORN_MERO_OPENCL < 200
+struct VORN_MERO_EXPORT command_queue_kind : kind<_nq_cl_command_queue> {};
+#endif
+
+#if VORN_MERO_OPENCL >= 110
+struct VORN_MERO_EXPORT event_promise_kind : kind<_nq_cl_event> {};
+#endif
+
+#if VORN_MERO_OPENCL >= 200
+struct VORN_MERO_EXPORT host_command_queue_kind : kind<_nq_cl_command_queue> {};
+struct VORN_MERO_EXPORT device_command_queue_kind : kind<_nq_cl_command_queue> {};
+#endif
+
+} // namespace internal
+} // namespace vorn::mero::VORN_MERO_NAMESPACE
+
+#if VORN_MERO_OPENCL < 200
+extern template class vorn::mero::internal::owner<vorn::mero::VORN_MERO_NAMESPACE::internal::command_queue_kind>;
+#endif
+
+#if VORN_MERO_OPENCL >= 110
+extern template class vorn::mero::internal::owner<vorn::mero::VORN_MERO_NAMESPACE::internal::event_promise_kind>;
+#endif
+
+#if VORN_MERO_OPENCL >= 200
+extern template class vorn::mero::internal::owner<vorn::mero::VORN_MERO_NAMESPACE::internal::host_command_queue_kind>;
+extern template class vorn::mero::internal::owner<vorn::mero::VORN_MERO_NAMESPACE::internal::device_command_queue_kind>;
+#endif
+
+extern template class vorn::mero::internal::owner<vorn::mero::VORN_MERO_NAMESPACE::internal::platform_kind>;
+extern template class vorn::mero::internal::owner<vorn::mero::VORN_MERO_NAMESPACE::internal::device_kind>;
+extern template class vorn::mero::internal::owner<vorn::mero::VORN_MERO_NAMESPACE::internal::context_kind>;
+extern template class vorn::mero::internal::owner<vorn::mero::VORN_MERO_NAMESPACE::internal::memory_object_kind>;
+extern template class vorn::mero::internal::owner<vorn::mero::VORN_MERO_NAMESPACE::internal::sampler_kind>;
+extern template class vorn::mero::internal::owner<vorn::mero::VORN_MERO_NAMESPACE::internal::program_kind>;
+extern template class vorn::mero::internal::owner<vorn::mero::VORN_MERO_NAMESPACE::internal::kernel_kind>;
+extern template class vorn::mero::internal::owner<vorn::mero::VORN_MERO_NAMESPACE::internal::event_kind>;

@@ -1,0 +1,36 @@
+// Samplers: how a kernel reads an image.
+#ifndef VORN_MERO_OPENCL
+#include <vorn/mero/opencl/standalone.hpp>
+
+#include <vorn/mero/opencl/forward.hpp>
+#include <vorn/mero/opencl/types.hpp>
+#endif
+
+namespace vorn::mero::VORN_MERO_NAMESPACE {
+
+/// How a kernel reads an image: its coordinates, what lies outside, and what lies between elements. Made by
+/// `context::create_sampler`.
+class VORN_MERO_EXPORT sampler : public mero::internal::handle<internal::sampler_kind> {
+public:
+    using handle::handle;
+
+    /// Whether coordinates run from 0 to 1 rather than over the elements.
+    bool normalized_coords() const;
+    sampler_addressing_mode addressing_mode() const;
+    sampler_filter_mode filter_mode() const;
+    context get_context() const;
+};
+
+namespace raw {
+
+VORN_MERO_EXPORT _nq_cl_sampler* get_raw_sampler(sampler const& object) noexcept;
+VORN_MERO_EXPORT nq::call_handle const& get_call_handle(sampler const& object) noexcept;
+VORN_MERO_EXPORT void retain(sampler const& object);
+
+/// A status other than success is thrown as `common::bad_implementation`.
+VORN_MERO_EXPORT void release(sampler const& object);
+VORN_MERO_EXPORT std::uint32_t refcount(sampler const& object);
+VORN_MERO_EXPORT sampler create_sampler(nq::call_handle const& call_handle, _nq_cl_sampler* handle);
+
+} // namespace raw
+} // namespace vorn::mero::VORN_MERO_NAMESPACE

@@ -1,0 +1,11 @@
+#pragma once
+
+/// The object interface to OpenCL 1.0: namespace `vorn::mero::opencl_1_0`.
+
+#include <vorn/mero/opencl/dependencies.hpp>
+
+#define VORN_MERO_OPENCL 100
+#define VORN_MERO_NAMESPACE opencl_1_0
+#include <vorn/mero/opencl/version.hpp>
+#undef VORN_MERO_NAMESPACE
+#undef VORN_MERO_OPENCL

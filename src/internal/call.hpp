@@ -1,0 +1,46 @@
+#pragma once
+
+// One capability call: first the call layer's own result is checked, then the OpenCL status. Only when both pass may
+// the results in the block be used.
+
+#include <nq/call_handle.hpp>
+#include <nq/nq.hpp>
+#include <vorn/mero/internal/check_error.hpp>
+
+#include <cstdint>
+
+namespace vorn::mero::internal {
+
+/// Throws the `nq` exception of a result of libnq other than success.
+[[noreturn, gnu::cold]] void throw_call_failure(int result);
+
+inline void check_result(int result) {
+    if (result != nq::result::success) [[unlikely]] {
+        throw_call_failure(result);
+    }
+}
+
+/// Performs a command without looking at an OpenCL status.
+inline void call(nq_call_handle* handle, std::uint32_t command_id, void* block) {
+    check_result(nq_call_capability(handle, command_id, block, nullptr));
+}
+
+template <class Block>
+std::int32_t status_of(Block const& block) {
+    if constexpr (requires { block.status; }) {
+        return block.status;
+    } else {
+        return block.error_code;
+    }
+}
+
+/// Performs a command and throws whatever failed.
+template <class Block>
+void perform(nq_call_handle* handle, std::uint32_t command_id, Block& block) {
+    call(handle, command_id, &block);
+    if (status_of(block) != 0) [[unlikely]] {
+        check_error(status_of(block));
+    }
+}
+
+} // namespace vorn::mero::internal
