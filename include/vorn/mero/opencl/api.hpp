@@ -11,8 +11,8 @@
 
 namespace vorn::mero::VORN_MERO_NAMESPACE {
 
-/// The version's number (120 for OpenCL 1.2), its capability and the classes that a program meets first. Classes whose
-/// name changed with OpenCL 2.0 have one name here.
+/// The version's number (120 for OpenCL 1.2), its capability, its commands and the classes that a program meets first.
+/// Classes whose name changed with OpenCL 2.0 have one name here.
 struct api {
     static constexpr int number = VORN_MERO_OPENCL;
     static constexpr nq::capability capability = nq::capability::VORN_MERO_NAMESPACE;
@@ -36,15 +36,66 @@ struct api {
     using map_buffer = VORN_MERO_NAMESPACE::map_buffer;
     using unmap_mem_object = VORN_MERO_NAMESPACE::unmap_mem_object;
     using nd_range_kernel = VORN_MERO_NAMESPACE::nd_range_kernel;
+    using read_image = VORN_MERO_NAMESPACE::read_image;
+    using write_image = VORN_MERO_NAMESPACE::write_image;
+    using copy_image = VORN_MERO_NAMESPACE::copy_image;
+    using copy_image_to_buffer = VORN_MERO_NAMESPACE::copy_image_to_buffer;
+    using copy_buffer_to_image = VORN_MERO_NAMESPACE::copy_buffer_to_image;
+    using map_image = VORN_MERO_NAMESPACE::map_image;
+    using native_kernel = VORN_MERO_NAMESPACE::native_kernel;
     using context_property = VORN_MERO_NAMESPACE::context_property;
     using device_type = VORN_MERO_NAMESPACE::device_type;
     using mem_flags = VORN_MERO_NAMESPACE::mem_flags;
     using map_flags = VORN_MERO_NAMESPACE::map_flags;
+    using image_channel_order = VORN_MERO_NAMESPACE::image_channel_order;
+    using image_channel_type = VORN_MERO_NAMESPACE::image_channel_type;
     using image_format = VORN_MERO_NAMESPACE::image_format;
+    using event_execution_status = VORN_MERO_NAMESPACE::event_execution_status;
     using device_binary = VORN_MERO_NAMESPACE::device_binary;
     using local_memory = VORN_MERO_NAMESPACE::local_memory;
     using create_reference = internal::create_reference;
     using take_ownership = internal::take_ownership;
+
+#if VORN_MERO_OPENCL < 110
+    using task_kernel = VORN_MERO_NAMESPACE::task_kernel;
+#endif
+
+#if VORN_MERO_OPENCL >= 110
+    using event_promise = VORN_MERO_NAMESPACE::event_promise;
+    using read_buffer_rect = VORN_MERO_NAMESPACE::read_buffer_rect;
+    using write_buffer_rect = VORN_MERO_NAMESPACE::write_buffer_rect;
+    using copy_buffer_rect = VORN_MERO_NAMESPACE::copy_buffer_rect;
+    using commmand_exec_callback_type = VORN_MERO_NAMESPACE::commmand_exec_callback_type;
+#endif
+
+#if VORN_MERO_OPENCL >= 120
+    using fill_buffer_base = VORN_MERO_NAMESPACE::fill_buffer_base;
+    using fill_buffer_bytes = VORN_MERO_NAMESPACE::fill_buffer_bytes;
+    using fill_image_base = VORN_MERO_NAMESPACE::fill_image_base;
+    using migrate_mem_objects = VORN_MERO_NAMESPACE::migrate_mem_objects;
+    using migration_flags = VORN_MERO_NAMESPACE::migration_flags;
+
+    template <class T>
+    using fill_buffer = VORN_MERO_NAMESPACE::fill_buffer<T>;
+    template <class Channel>
+    using fill_image = VORN_MERO_NAMESPACE::fill_image<Channel>;
+#endif
+
+#if VORN_MERO_OPENCL >= 200
+    using svm_free = VORN_MERO_NAMESPACE::svm_free;
+    using svm_memcpy = VORN_MERO_NAMESPACE::svm_memcpy;
+    using fill_svm_base = VORN_MERO_NAMESPACE::fill_svm_base;
+    using svm_map = VORN_MERO_NAMESPACE::svm_map;
+    using svm_unmap = VORN_MERO_NAMESPACE::svm_unmap;
+    using svm_mem_flags = VORN_MERO_NAMESPACE::svm_mem_flags;
+
+    template <class T>
+    using fill_svm = VORN_MERO_NAMESPACE::fill_svm<T>;
+#endif
+
+#if VORN_MERO_OPENCL >= 210
+    using svm_migrate_mem = VORN_MERO_NAMESPACE::svm_migrate_mem;
+#endif
 
 #if VORN_MERO_OPENCL < 200
     /// The queue that the host enqueues to.
