@@ -1,0 +1,52 @@
+#pragma once
+
+// The C API, from the loader that the bridge loads too, and the objects that both sides of a comparison use.
+
+#define CL_TARGET_OPENCL_VERSION 300
+#include <CL/cl.h>
+
+#include <vorn/mero/opencl_2_1.hpp>
+
+#include <vector>
+
+namespace bench {
+
+namespace mero = vorn::mero::opencl_2_1;
+
+/// A function of the C API; ends the process when the loader lacks it.
+void* find(char const* name);
+
+/// A function of the C API under its own name, looked up once.
+#define OPENCL(name)                                                                                                   \
+    ([]() -> decltype(&name) {                                                                                         \
+        static auto const function = reinterpret_cast<decltype(&name)>(bench::find(#name));                            \
+        return function;                                                                                               \
+    }())
+
+/// The objects that the operations work on, on one device.
+struct fixture {
+    explicit fixture(mero::device const& on);
+
+    static constexpr std::size_t size = 4096;
+
+    mero::device device;
+    mero::context context;
+    mero::host_command_queue queue;
+    mero::program program;
+    mero::kernel kernel;
+    mero::buffer a;
+    mero::buffer b;
+    std::vector<unsigned char> host;
+
+    cl_device_id raw_device() const { return reinterpret_cast<cl_device_id>(mero::raw::get_raw_device_id(device)); }
+    cl_context raw_context() const { return reinterpret_cast<cl_context>(mero::raw::get_raw_context(context)); }
+    cl_command_queue raw_queue() const {
+        return reinterpret_cast<cl_command_queue>(mero::raw::get_raw_command_queue(queue));
+    }
+    cl_kernel raw_kernel() const { return reinterpret_cast<cl_kernel>(mero::raw::get_raw_kernel(kernel)); }
+    static cl_mem raw(mero::memory_object const& object) {
+        return reinterpret_cast<cl_mem>(mero::raw::get_raw_memory_object(object));
+    }
+};
+
+} // namespace bench
