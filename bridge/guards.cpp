@@ -156,6 +156,7 @@ void install_guards(std::string_view platform_name, functions& cl) noexcept {
     } else if (platform_name == rusticl) {
         replace(cl.clSetKernelArg, set_argument_unless_null<image_type>);
     } else if (platform_name == intel) {
+        cl.clCreateProgramWithBuiltInKernels = nullptr; // has no such kernels; releasing what it makes crashes
         replace(cl.clSetKernelArg, set_argument_unless_null<queue_type>);
     }
 }

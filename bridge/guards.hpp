@@ -34,9 +34,18 @@ cl_int missing_pointer(Block const&) noexcept {
     return CL_SUCCESS;
 }
 
-// A null in a list of events. Oclgrind, also in all enqueued commands.
+// No events, a null event: Oclgrind, also in the wait lists of commands.
+inline cl_int missing_event(_nq_cl_event* const* list, std::uint32_t count) noexcept {
+    if (count != 0 && list == nullptr) {
+        return CL_INVALID_VALUE;
+    }
+    return incomplete(list, count) ? CL_INVALID_EVENT : CL_SUCCESS;
+}
 inline cl_int missing_pointer(block::clWaitForEvents const& b) noexcept {
-    return b.event_list != nullptr && incomplete(b.event_list, b.num_events) ? CL_INVALID_EVENT : CL_SUCCESS;
+    return missing_event(b.event_list, b.num_events);
+}
+inline cl_int missing_pointer(block::clEnqueueWaitForEvents const& b) noexcept {
+    return missing_event(b.event_list, b.num_events);
 }
 
 // A null kernel. PoCL, Oclgrind.

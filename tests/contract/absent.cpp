@@ -1,0 +1,1 @@
+extern "C" int contract_absent() { return 0; }
