@@ -7,6 +7,7 @@
 #include <cstddef>
 #include <memory>
 #include <string>
+#include <type_traits>
 #include <utility>
 #include <vector>
 
@@ -17,7 +18,7 @@ namespace vorn::mero::internal {
 class info_query {
 public:
     template <class Query>
-    info_query(Query& query)
+    requires(!std::is_same_v<Query, info_query>) info_query(Query& query)
         : query_(std::addressof(query)), ask_([](void* self, std::size_t size, void* value, std::size_t* size_ret) {
               (*static_cast<Query*>(self))(size, value, size_ret);
           }) {}

@@ -20,9 +20,6 @@ using mero::internal::owner_access;
 
 inline constexpr nq::capability version = nq::capability::VORN_MERO_NAMESPACE;
 
-template <class Retain, class Release>
-using counted = mero::internal::counted<version, Retain, Release>;
-
 template <class Kind>
 auto* raw_of(owner<Kind> const& object) noexcept {
     return owner_access::raw(object);
