@@ -1,0 +1,277 @@
+#include "scripted/copies.hpp"
+#include "scripted/state.hpp"
+
+#include <algorithm>
+#include <tuple>
+
+// How every entry point is recorded and answered, made from the command lists of the wire.
+
+namespace scripted {
+namespace {
+
+namespace block = nq::block;
+
+constexpr std::uint64_t rubbish = 0xA5A5A5A5A5A5A5A0U;
+constexpr std::int32_t invalid_value = -30;
+
+// Where a mapping or an allocation of shared virtual memory is said to be.
+alignas(4096) std::array<unsigned char, 65536> host_memory;
+
+template <class T>
+constexpr bool is_raw_handle = std::is_pointer_v<T> && !std::is_void_v<std::remove_pointer_t<T>>;
+
+/// A block while it is answered.
+template <class Block>
+class answer {
+public:
+    answer(libnq& self, libnq::state& state, Block& block) : self_(self), state_(state), block_(block) {}
+
+    int run() {
+        if (auto const failure = state_.take_failure(name_of<Block>())) {
+            spoil();
+            if (failure->result == 0) {
+                set_status(failure->status);
+            }
+            return failure->result;
+        }
+        set_status(0);
+        if constexpr (requires { block_.result; }) {
+            block_.result = nullptr;
+        }
+        auto const scripted = state_.answers.find(name_of<Block>());
+        if (scripted == state_.answers.end() || !scripted->second(&block_)) {
+            act();
+        }
+        return nq::result::success;
+    }
+
+private:
+    static constexpr bool begins_with(std::string_view prefix) { return name_of<Block>().starts_with(prefix); }
+
+    void* object() const {
+        void* object;
+        std::memcpy(&object, &block_, sizeof object);
+        return object;
+    }
+
+    void set_status(std::int32_t status) {
+        if constexpr (requires { block_.status; }) {
+            block_.status = status;
+        } else if constexpr (requires { block_.error_code; }) {
+            block_.error_code = status;
+        }
+    }
+
+    void spoil() {
+        set_status(static_cast<std::int32_t>(rubbish >> 32));
+        if constexpr (requires { block_.result; }) {
+            block_.result = reinterpret_cast<decltype(block_.result)>(rubbish);
+        }
+        if constexpr (requires { *block_.event = nullptr; }) {
+            if (block_.event != nullptr) {
+                *block_.event = reinterpret_cast<_nq_cl_event*>(rubbish);
+            }
+        }
+    }
+
+    void act() {
+        if constexpr (std::same_as<Block, block::call_handle_device>) {
+            // answered where the call handle is known
+        } else if constexpr (begins_with("clRetain")) {
+            count(1);
+        } else if constexpr (begins_with("clRelease")) {
+            count(-1);
+        } else if constexpr (requires { block_.param_value_size_ret; }) {
+            info();
+        } else {
+            results();
+            listing();
+        }
+    }
+
+    // What OpenCL says of an object of a kind that it does not know.
+    static constexpr std::int32_t invalid_object() {
+        constexpr std::pair<std::string_view, std::int32_t> kinds[] = {
+            {"Device", -33},  {"Context", -34}, {"CommandQueue", -36}, {"MemObject", -38},
+            {"Sampler", -41}, {"Program", -44}, {"Kernel", -48},       {"Event", -58}};
+        for (auto const& [kind, status] : kinds) {
+            if (name_of<Block>().ends_with(kind)) {
+                return status;
+            }
+        }
+        return invalid_value;
+    }
+
+    void count(int change) {
+        auto const known = state_.references.find(object());
+        bool const held = known != state_.references.end() && known->second + change >= 0;
+        if (held) {
+            known->second += change;
+            return;
+        }
+        set_status(invalid_object());
+        if (object() != nullptr) {
+            state_.fault(std::string(name_of<Block>()) + " of a handle that nobody holds");
+        }
+    }
+
+    void info() {
+        auto const scripted = state_.replies.find({std::string(name_of<Block>()), block_.param_name});
+        if (scripted != state_.replies.end()) {
+            write(scripted->second);
+        } else if (is_reference_count(block_.param_name)) {
+            write({bytes_of(std::uint32_t(std::max(0, self_.references(object())))), {}, {}});
+        } else {
+            set_status(invalid_value);
+            state_.fault(std::string(name_of<Block>()) +
+                         " of a name that nobody scripted: " + std::to_string(block_.param_name));
+        }
+    }
+
+    static bool is_reference_count(std::uint32_t name) {
+        constexpr std::tuple<std::string_view, std::uint32_t> names[] = {
+            {"clGetDeviceInfo", 0x1047},    {"clGetContextInfo", 0x1080}, {"clGetCommandQueueInfo", 0x1092},
+            {"clGetMemObjectInfo", 0x1105}, {"clGetSamplerInfo", 0x1150}, {"clGetProgramInfo", 0x1160},
+            {"clGetKernelInfo", 0x1192},    {"clGetEventInfo", 0x11D2}};
+        return std::find(std::begin(names), std::end(names), std::tuple(name_of<Block>(), name)) != std::end(names);
+    }
+
+    void write(reply const& reply) {
+        bool const asks_for_size = block_.param_value == nullptr;
+        if (!asks_for_size) {
+            std::memcpy(block_.param_value, reply.bytes.data(), std::min(block_.param_value_size, reply.bytes.size()));
+        }
+        if (block_.param_value_size_ret != nullptr) {
+            *block_.param_value_size_ret =
+                (asks_for_size ? reply.first_size : reply.second_size).value_or(reply.bytes.size());
+        }
+    }
+
+    void results() {
+        if constexpr (requires { block_.result; }) {
+            if constexpr (is_raw_handle<decltype(block_.result)>) {
+                make(block_.result);
+            } else if constexpr (!begins_with("clGetExtensionFunctionAddress")) {
+                block_.result = host_memory.data();
+            }
+        }
+        if constexpr (requires { make(*block_.event); }) {
+            if (block_.event != nullptr) {
+                make(*block_.event);
+            }
+        }
+    }
+
+    template <class Raw>
+    void make(Raw*& handle) {
+        handle = self_.make<Raw>(1);
+    }
+
+    void listing() {
+        if constexpr (std::same_as<Block, block::clCreateSubDevices>) {
+            list(block_.out_devices, block_.num_devices, block_.num_devices_ret, 1);
+        } else if constexpr (std::same_as<Block, block::clCreateKernelsInProgram>) {
+            list(block_.kernels, block_.num_kernels, block_.num_kernels_ret, 1);
+        } else if constexpr (std::same_as<Block, block::clGetDeviceIDs>) {
+            list(block_.devices, block_.num_entries, block_.num_devices, 0);
+        } else if constexpr (std::same_as<Block, block::clGetSupportedImageFormats>) {
+            auto const scripted = state_.replies.find({std::string(name_of<Block>()), block_.image_type});
+            image_formats(scripted != state_.replies.end() ? scripted->second.bytes : std::string());
+        }
+    }
+
+    template <class Raw>
+    void list(Raw** handles, std::uint32_t capacity, std::uint32_t* count, int references) {
+        std::uint32_t const all = state_.count_of(name_of<Block>());
+        for (std::uint32_t i = 0; handles != nullptr && i != std::min(all, capacity); ++i) {
+            handles[i] = self_.make<Raw>(references);
+        }
+        if (count != nullptr) {
+            *count = all;
+        }
+    }
+
+    void image_formats(std::string const& bytes) {
+        constexpr std::size_t format_size = 8;
+        if (block_.image_formats != nullptr) {
+            std::memcpy(block_.image_formats, bytes.data(), std::min(bytes.size(), block_.num_entries * format_size));
+        }
+        if (block_.num_image_formats != nullptr) {
+            *block_.num_image_formats = static_cast<std::uint32_t>(bytes.size() / format_size);
+        }
+    }
+
+    libnq& self_;
+    libnq::state& state_;
+    Block& block_;
+};
+
+using performer = int (*)(libnq&, libnq::state&, nq_call_handle*, void*, call&);
+
+template <class Block>
+int perform_as(libnq& self, libnq::state& state, nq_call_handle* handle, void* memory, call& record) {
+    auto& block = *static_cast<Block*>(memory);
+    record.name = name_of<Block>();
+    record.block.assign(static_cast<char const*>(memory), sizeof(Block));
+    copier<Block>(block, record).run();
+    state.calls.push_back(record);
+    int const result = answer<Block>(self, state, block).run();
+    if constexpr (std::same_as<Block, block::call_handle_device>) {
+        if (result == nq::result::success && block.result == nullptr && handle != nullptr) {
+            auto& device = state.devices[handle->node.first];
+            device = device != nullptr ? device : self.make<_nq_cl_device_id>();
+            block.result = static_cast<_nq_cl_device_id*>(device);
+        }
+    }
+    return result;
+}
+
+template <class... Blocks>
+performer find(nq::command_list<Blocks...>*, std::uint32_t id) {
+    static constexpr std::array<performer, sizeof...(Blocks)> performers = {perform_as<Blocks>...};
+    return id != 0 && id <= performers.size() ? performers[id - 1] : nullptr;
+}
+
+template <nq::capability Version>
+performer find(std::uint32_t id) {
+    return find(static_cast<nq::commands<Version>*>(nullptr), id);
+}
+
+performer find(nq::capability version, std::uint32_t id) {
+    switch (version) {
+    case nq::capability::opencl_1_0:
+        return find<nq::capability::opencl_1_0>(id);
+    case nq::capability::opencl_1_1:
+        return find<nq::capability::opencl_1_1>(id);
+    case nq::capability::opencl_1_2:
+        return find<nq::capability::opencl_1_2>(id);
+    case nq::capability::opencl_2_0:
+        return find<nq::capability::opencl_2_0>(id);
+    case nq::capability::opencl_2_1:
+        return find<nq::capability::opencl_2_1>(id);
+    case nq::capability::opencl_2_2:
+        return find<nq::capability::opencl_2_2>(id);
+    }
+    return nullptr;
+}
+
+} // namespace
+
+int perform(libnq& self, libnq::state& state, nq_call_handle* handle, std::uint32_t id, void* block) {
+    call record{.handle = handle, .id = id};
+    bool const closed = handle != nullptr && !handle->open;
+    if (closed) {
+        state.fault("a call on a closed call handle");
+    }
+    record.version =
+        handle != nullptr ? nq::capability{handle->node.second} : state.null_version.value_or(nq::capability{});
+    bool const understood = record.version != nq::capability{} && !closed && block != nullptr;
+    performer const answer = understood ? find(record.version, id) : nullptr;
+    if (answer != nullptr) {
+        return answer(self, state, handle, block, record);
+    }
+    state.calls.push_back(record);
+    return understood ? nq::result::invalid_command_id : nq::result::unrecoverable;
+}
+
+} // namespace scripted
