@@ -21,14 +21,6 @@ namespace vorn::mero::VORN_MERO_NAMESPACE {
 
 using namespace detail;
 
-namespace {
-
-query<block::clGetDeviceInfo> ask(device const& object, std::uint32_t name) {
-    return {call_handle_of(object), {.device = raw_of(object), .param_name = name}};
-}
-
-} // namespace
-
 std::string device::name() const { return read_text(ask(*this, cl::device_name)); }
 std::string device::vendor() const { return read_text(ask(*this, cl::device_vendor)); }
 std::string device::driver_version() const { return read_text(ask(*this, cl::driver_version)); }

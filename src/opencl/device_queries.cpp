@@ -8,10 +8,6 @@ using namespace detail;
 
 namespace {
 
-query<block::clGetDeviceInfo> ask(device const& object, std::uint32_t name) {
-    return {call_handle_of(object), {.device = raw_of(object), .param_name = name}};
-}
-
 bool has_bit(device const& object, std::uint32_t name, unsigned int bit) {
     return (read_scalar<std::uint64_t>(ask(object, name)) >> bit & 1) != 0;
 }

@@ -1,51 +1,8 @@
-#include "opencl/wire.hpp"
-
-#include <stdexcept>
+#include "opencl/extension_function.hpp"
 
 namespace vorn::mero::VORN_MERO_NAMESPACE::extension {
 
 using namespace detail;
-
-namespace {
-
-#if VORN_MERO_OPENCL < 120
-template <class Object>
-void* find_function(Object const& owner, char const* name) {
-    return get_extension_function_address(call_handle_of(owner), name);
-}
-#endif
-
-#if VORN_MERO_OPENCL >= 120
-template <class Object>
-void* find_function(Object const& owner, char const* name) {
-    return get_extension_function_address_for_platform(call_handle_of(owner), owner.get_platform(), name);
-}
-#endif
-
-// The address of an extension function for an object's platform, or a `std::logic_error` with `otherwise`.
-template <class Function, class Object>
-Function* require_function(Object const& owner, char const* name, char const* otherwise) {
-    void* const address = find_function(owner, name);
-    if (address == nullptr) {
-        throw std::logic_error(otherwise);
-    }
-    return reinterpret_cast<Function*>(address);
-}
-
-// Reads a 64-bit number through `ask(size, value, &size_ret)`, which returns OpenCL's status.
-template <class Ask>
-std::uint64_t read_number(Ask ask) {
-    auto checked = [&](std::size_t size, void* value, std::size_t* size_ret) {
-        mero::internal::check_error(ask(size, value, size_ret));
-    };
-    return mero::internal::read_scalar<std::uint64_t>(checked);
-}
-
-query<block::clGetDeviceInfo> ask(device const& object, std::uint32_t name) {
-    return {call_handle_of(object), {.device = raw_of(object), .param_name = name}};
-}
-
-} // namespace
 
 namespace cl_amd_kernel_info {
 

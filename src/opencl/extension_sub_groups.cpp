@@ -1,6 +1,4 @@
-#include "opencl/wire.hpp"
-
-#include <stdexcept>
+#include "opencl/extension_function.hpp"
 
 // The extensions of OpenCL 1.2 and 2.0 that later versions took in.
 
@@ -18,17 +16,10 @@ using get_sub_group_info = std::int32_t(_nq_cl_kernel*, _nq_cl_device_id*, std::
 template <std::size_t N>
 std::uint64_t read_sub_group(kernel const& function, device const& target, std::uint32_t name,
                              std::array<std::size_t, N> const& local_size, char const* otherwise) {
-    void* const address = get_extension_function_address_for_platform(call_handle_of(target), target.get_platform(),
-                                                                      "clGetKernelSubGroupInfoKHR");
-    if (address == nullptr) {
-        throw std::logic_error(otherwise);
-    }
-    auto ask = [&, get = reinterpret_cast<get_sub_group_info*>(address)](std::size_t size, void* value,
-                                                                         std::size_t* size_ret) {
-        mero::internal::check_error(
-            get(raw_of(function), raw_of(target), name, sizeof local_size, local_size.data(), size, value, size_ret));
-    };
-    return mero::internal::read_scalar<std::uint64_t>(ask);
+    auto* const get = require_function<get_sub_group_info>(target, "clGetKernelSubGroupInfoKHR", otherwise);
+    return read_number([&](std::size_t size, void* value, std::size_t* size_ret) {
+        return get(raw_of(function), raw_of(target), name, sizeof local_size, local_size.data(), size, value, size_ret);
+    });
 }
 
 } // namespace
@@ -97,19 +88,15 @@ bool extension_available(device const& target) {
 }
 
 void terminate(context const& owner) {
-    void* const address = get_extension_function_address_for_platform(call_handle_of(owner), owner.get_platform(),
-                                                                      "clTerminateContextKHR");
-    if (address == nullptr) {
-        throw std::logic_error("Failed to extract clTerminateContextKHR function address, is the "
-                               "cl_khr_terminate_context extension actually supported?");
-    }
-    mero::internal::check_error(reinterpret_cast<std::int32_t (*)(_nq_cl_context*)>(address)(raw_of(owner)));
+    auto* const terminate_context = require_function<std::int32_t(_nq_cl_context*)>(
+        owner, "clTerminateContextKHR",
+        "Failed to extract clTerminateContextKHR function address, is the cl_khr_terminate_context extension actually "
+        "supported?");
+    mero::internal::check_error(terminate_context(raw_of(owner)));
 }
 
 bool is_terminate_supported(device const& target) {
-    query<block::clGetDeviceInfo> const ask{call_handle_of(target),
-                                            {.device = raw_of(target), .param_name = cl::device_terminate_capability}};
-    return (read_scalar<std::uint64_t>(ask) & terminate_capability_mask) != 0;
+    return (read_scalar<std::uint64_t>(ask(target, cl::device_terminate_capability)) & terminate_capability_mask) != 0;
 }
 
 bool is_execution_status_terminated(event_execution_status status) {

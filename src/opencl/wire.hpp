@@ -95,6 +95,10 @@ private:
     Block block_;
 };
 
+inline query<block::clGetDeviceInfo> ask(device const& object, std::uint32_t name) {
+    return {call_handle_of(object), {.device = raw_of(object), .param_name = name}};
+}
+
 template <class T, class Block>
 T read_scalar(query<Block> ask) {
     return mero::internal::read_scalar<T>(ask);
