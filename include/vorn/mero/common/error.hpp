@@ -70,312 +70,312 @@ public:
     explicit bad_implementation(std::string const& message);
 };
 
-/// `CL_DEVICE_NOT_FOUND`
+/// `CL_DEVICE_NOT_FOUND`: no device of the type asked for.
 class VORN_MERO_EXPORT device_not_found : public logic_error {
 public:
     device_not_found();
 };
-/// `CL_DEVICE_NOT_AVAILABLE`
+/// `CL_DEVICE_NOT_AVAILABLE`: the device cannot be used at the moment.
 class VORN_MERO_EXPORT device_not_available : public runtime_error {
 public:
     device_not_available();
 };
-/// `CL_COMPILER_NOT_AVAILABLE`
+/// `CL_COMPILER_NOT_AVAILABLE`: the program is source, the device has no compiler.
 class VORN_MERO_EXPORT compiler_not_available : public logic_error {
 public:
     compiler_not_available();
 };
-/// `CL_MEM_OBJECT_ALLOCATION_FAILURE`
+/// `CL_MEM_OBJECT_ALLOCATION_FAILURE`: no memory for a memory object.
 class VORN_MERO_EXPORT mem_object_allocation_failure : public runtime_error {
 public:
     mem_object_allocation_failure();
 };
-/// `CL_OUT_OF_RESOURCES`
+/// `CL_OUT_OF_RESOURCES`: the device lacks resources, or a command went wrong on it.
 class VORN_MERO_EXPORT out_of_resources : public runtime_error {
 public:
     out_of_resources();
 };
-/// `CL_OUT_OF_HOST_MEMORY`
+/// `CL_OUT_OF_HOST_MEMORY`: the OpenCL implementation lacks memory of the host.
 class VORN_MERO_EXPORT out_of_host_memory : public runtime_error {
 public:
     out_of_host_memory();
 };
-/// `CL_PROFILING_INFO_NOT_AVAILABLE`
+/// `CL_PROFILING_INFO_NOT_AVAILABLE`: no profiling on the queue, or the command is not complete.
 class VORN_MERO_EXPORT profiling_info_not_available : public logic_error {
 public:
     profiling_info_not_available();
 };
-/// `CL_MEM_COPY_OVERLAP`
+/// `CL_MEM_COPY_OVERLAP`: source and destination of a copy overlap.
 class VORN_MERO_EXPORT mem_copy_overlap : public logic_error {
 public:
     mem_copy_overlap();
 };
-/// `CL_IMAGE_FORMAT_MISMATCH`
+/// `CL_IMAGE_FORMAT_MISMATCH`: an image copy between two formats.
 class VORN_MERO_EXPORT image_format_mismatch : public logic_error {
 public:
     image_format_mismatch();
 };
-/// `CL_IMAGE_FORMAT_NOT_SUPPORTED`
+/// `CL_IMAGE_FORMAT_NOT_SUPPORTED`: the context supports no image of this format.
 class VORN_MERO_EXPORT image_format_not_supported : public logic_error {
 public:
     image_format_not_supported();
 };
-/// `CL_BUILD_PROGRAM_FAILURE`
+/// `CL_BUILD_PROGRAM_FAILURE`: the program does not build; `program::build` does not throw it.
 class VORN_MERO_EXPORT build_program_failure : public runtime_error {
 public:
     build_program_failure();
 };
-/// `CL_MAP_FAILURE`
+/// `CL_MAP_FAILURE`: the region cannot be mapped.
 class VORN_MERO_EXPORT map_failure : public runtime_error {
 public:
     map_failure();
 };
-/// `CL_MISALIGNED_SUB_BUFFER_OFFSET`
+/// `CL_MISALIGNED_SUB_BUFFER_OFFSET`: the sub-buffer begins where the device cannot address it.
 class VORN_MERO_EXPORT misaligned_sub_buffer_offset : public runtime_error {
 public:
     misaligned_sub_buffer_offset();
 };
-/// `CL_EXEC_STATUS_ERROR_FOR_EVENTS_IN_WAIT_LIST`
+/// `CL_EXEC_STATUS_ERROR_FOR_EVENTS_IN_WAIT_LIST`: an event that was waited for failed.
 class VORN_MERO_EXPORT exec_status_error_for_events_in_wait_list : public runtime_error {
 public:
     exec_status_error_for_events_in_wait_list();
 };
-/// `CL_COMPILE_PROGRAM_FAILURE`
+/// `CL_COMPILE_PROGRAM_FAILURE`: the program does not compile.
 class VORN_MERO_EXPORT compile_program_failure : public logic_error {
 public:
     compile_program_failure();
 };
-/// `CL_LINKER_NOT_AVAILABLE`
+/// `CL_LINKER_NOT_AVAILABLE`: the device has no linker.
 class VORN_MERO_EXPORT linker_not_available : public logic_error {
 public:
     linker_not_available();
 };
-/// `CL_LINK_PROGRAM_FAILURE`
+/// `CL_LINK_PROGRAM_FAILURE`: the programs do not link.
 class VORN_MERO_EXPORT link_program_failure : public runtime_error {
 public:
     link_program_failure();
 };
-/// `CL_DEVICE_PARTITION_FAILED`
+/// `CL_DEVICE_PARTITION_FAILED`: the device cannot be partitioned so, or not any further.
 class VORN_MERO_EXPORT device_partition_failed : public runtime_error {
 public:
     device_partition_failed();
 };
-/// `CL_KERNEL_ARG_INFO_NOT_AVAILABLE`
+/// `CL_KERNEL_ARG_INFO_NOT_AVAILABLE`: the program was built without `-cl-kernel-arg-info`.
 class VORN_MERO_EXPORT kernel_arg_info_not_available : public logic_error {
 public:
     kernel_arg_info_not_available();
 };
-/// `CL_INVALID_VALUE`
+/// `CL_INVALID_VALUE`: a value or a combination of values that OpenCL forbids.
 class VORN_MERO_EXPORT invalid_value : public logic_error {
 public:
     invalid_value();
 };
-/// `CL_INVALID_DEVICE_TYPE`
+/// `CL_INVALID_DEVICE_TYPE`: the device type is none.
 class VORN_MERO_EXPORT invalid_device_type : public logic_error {
 public:
     invalid_device_type();
 };
-/// `CL_INVALID_PLATFORM`
+/// `CL_INVALID_PLATFORM`: the property list names no platform.
 class VORN_MERO_EXPORT invalid_platform : public logic_error {
 public:
     invalid_platform();
 };
-/// `CL_INVALID_DEVICE`
+/// `CL_INVALID_DEVICE`: not a device, or none of the context or the program.
 class VORN_MERO_EXPORT invalid_device : public logic_error {
 public:
     invalid_device();
 };
-/// `CL_INVALID_CONTEXT`
+/// `CL_INVALID_CONTEXT`: not a context, or objects of different contexts.
 class VORN_MERO_EXPORT invalid_context : public logic_error {
 public:
     invalid_context();
 };
-/// `CL_INVALID_QUEUE_PROPERTIES`
+/// `CL_INVALID_QUEUE_PROPERTIES`: the device supports no queue of these properties.
 class VORN_MERO_EXPORT invalid_queue_properties : public logic_error {
 public:
     invalid_queue_properties();
 };
-/// `CL_INVALID_COMMAND_QUEUE`
+/// `CL_INVALID_COMMAND_QUEUE`: not a command queue of the kind asked for.
 class VORN_MERO_EXPORT invalid_command_queue : public logic_error {
 public:
     invalid_command_queue();
 };
-/// `CL_INVALID_HOST_PTR`
+/// `CL_INVALID_HOST_PTR`: the host pointer contradicts the flags.
 class VORN_MERO_EXPORT invalid_host_ptr : public logic_error {
 public:
     invalid_host_ptr();
 };
-/// `CL_INVALID_MEM_OBJECT`
+/// `CL_INVALID_MEM_OBJECT`: not a memory object, or of the wrong kind.
 class VORN_MERO_EXPORT invalid_mem_object : public logic_error {
 public:
     invalid_mem_object();
 };
-/// `CL_INVALID_IMAGE_FORMAT_DESCRIPTOR`
+/// `CL_INVALID_IMAGE_FORMAT_DESCRIPTOR`: not an image format.
 class VORN_MERO_EXPORT invalid_image_format_descriptor : public logic_error {
 public:
     invalid_image_format_descriptor();
 };
-/// `CL_INVALID_IMAGE_SIZE`
+/// `CL_INVALID_IMAGE_SIZE`: the image is larger than the device supports.
 class VORN_MERO_EXPORT invalid_image_size : public logic_error {
 public:
     invalid_image_size();
 };
-/// `CL_INVALID_SAMPLER`
+/// `CL_INVALID_SAMPLER`: not a sampler.
 class VORN_MERO_EXPORT invalid_sampler : public logic_error {
 public:
     invalid_sampler();
 };
-/// `CL_INVALID_BINARY`
+/// `CL_INVALID_BINARY`: the binary is damaged, or made for another device.
 class VORN_MERO_EXPORT invalid_binary : public runtime_error {
 public:
     invalid_binary();
 };
-/// `CL_INVALID_BUILD_OPTIONS`
+/// `CL_INVALID_BUILD_OPTIONS`: the build options are not understood.
 class VORN_MERO_EXPORT invalid_build_options : public logic_error {
 public:
     invalid_build_options();
 };
-/// `CL_INVALID_PROGRAM`
+/// `CL_INVALID_PROGRAM`: not a program.
 class VORN_MERO_EXPORT invalid_program : public logic_error {
 public:
     invalid_program();
 };
-/// `CL_INVALID_PROGRAM_EXECUTABLE`
+/// `CL_INVALID_PROGRAM_EXECUTABLE`: the program has not been built for the device.
 class VORN_MERO_EXPORT invalid_program_executable : public logic_error {
 public:
     invalid_program_executable();
 };
-/// `CL_INVALID_KERNEL_NAME`
+/// `CL_INVALID_KERNEL_NAME`: the program has no kernel of this name.
 class VORN_MERO_EXPORT invalid_kernel_name : public logic_error {
 public:
     invalid_kernel_name();
 };
-/// `CL_INVALID_KERNEL_DEFINITION`
+/// `CL_INVALID_KERNEL_DEFINITION`: the kernel differs between the devices of the program.
 class VORN_MERO_EXPORT invalid_kernel_definition : public logic_error {
 public:
     invalid_kernel_definition();
 };
-/// `CL_INVALID_KERNEL`
+/// `CL_INVALID_KERNEL`: not a kernel.
 class VORN_MERO_EXPORT invalid_kernel : public logic_error {
 public:
     invalid_kernel();
 };
-/// `CL_INVALID_ARG_INDEX`
+/// `CL_INVALID_ARG_INDEX`: the kernel has no argument of this index.
 class VORN_MERO_EXPORT invalid_arg_index : public logic_error {
 public:
     invalid_arg_index();
 };
-/// `CL_INVALID_ARG_VALUE`
+/// `CL_INVALID_ARG_VALUE`: null, or an object of another kind, for a kernel argument.
 class VORN_MERO_EXPORT invalid_arg_value : public logic_error {
 public:
     invalid_arg_value();
 };
-/// `CL_INVALID_ARG_SIZE`
+/// `CL_INVALID_ARG_SIZE`: the kernel argument has another size.
 class VORN_MERO_EXPORT invalid_arg_size : public logic_error {
 public:
     invalid_arg_size();
 };
-/// `CL_INVALID_KERNEL_ARGS`
+/// `CL_INVALID_KERNEL_ARGS`: an argument of the kernel has not been set.
 class VORN_MERO_EXPORT invalid_kernel_args : public logic_error {
 public:
     invalid_kernel_args();
 };
-/// `CL_INVALID_WORK_DIMENSION`
+/// `CL_INVALID_WORK_DIMENSION`: not one to three dimensions.
 class VORN_MERO_EXPORT invalid_work_dimension : public logic_error {
 public:
     invalid_work_dimension();
 };
-/// `CL_INVALID_WORK_GROUP_SIZE`
+/// `CL_INVALID_WORK_GROUP_SIZE`: the device or the kernel refuses this local size.
 class VORN_MERO_EXPORT invalid_work_group_size : public logic_error {
 public:
     invalid_work_group_size();
 };
-/// `CL_INVALID_WORK_ITEM_SIZE`
+/// `CL_INVALID_WORK_ITEM_SIZE`: the local size is too large in one dimension.
 class VORN_MERO_EXPORT invalid_work_item_size : public logic_error {
 public:
     invalid_work_item_size();
 };
-/// `CL_INVALID_GLOBAL_OFFSET`
+/// `CL_INVALID_GLOBAL_OFFSET`: the global offset and size exceed `size_t` of the device.
 class VORN_MERO_EXPORT invalid_global_offset : public logic_error {
 public:
     invalid_global_offset();
 };
-/// `CL_INVALID_EVENT_WAIT_LIST`
+/// `CL_INVALID_EVENT_WAIT_LIST`: null or an invalid event in a list, or a list without its count.
 class VORN_MERO_EXPORT invalid_event_wait_list : public logic_error {
 public:
     invalid_event_wait_list();
 };
-/// `CL_INVALID_EVENT`
+/// `CL_INVALID_EVENT`: not an event, or of another context.
 class VORN_MERO_EXPORT invalid_event : public logic_error {
 public:
     invalid_event();
 };
-/// `CL_INVALID_OPERATION`
+/// `CL_INVALID_OPERATION`: not allowed in this state, or not supported by the device.
 class VORN_MERO_EXPORT invalid_operation : public logic_error {
 public:
     invalid_operation();
 };
-/// `CL_INVALID_GL_OBJECT`
+/// `CL_INVALID_GL_OBJECT`: not an OpenGL object of the expected kind.
 class VORN_MERO_EXPORT invalid_gl_object : public logic_error {
 public:
     invalid_gl_object();
 };
-/// `CL_INVALID_BUFFER_SIZE`
+/// `CL_INVALID_BUFFER_SIZE`: zero, or larger than the device supports.
 class VORN_MERO_EXPORT invalid_buffer_size : public logic_error {
 public:
     invalid_buffer_size();
 };
-/// `CL_INVALID_MIP_LEVEL`
+/// `CL_INVALID_MIP_LEVEL`: no such level of the image.
 class VORN_MERO_EXPORT invalid_mip_level : public logic_error {
 public:
     invalid_mip_level();
 };
-/// `CL_INVALID_GLOBAL_WORK_SIZE`
+/// `CL_INVALID_GLOBAL_WORK_SIZE`: the global size is missing, zero or too large.
 class VORN_MERO_EXPORT invalid_global_work_size : public logic_error {
 public:
     invalid_global_work_size();
 };
-/// `CL_INVALID_PROPERTY`
+/// `CL_INVALID_PROPERTY`: a property is unknown, repeated or of an invalid value.
 class VORN_MERO_EXPORT invalid_property : public logic_error {
 public:
     invalid_property();
 };
-/// `CL_INVALID_IMAGE_DESCRIPTOR`
+/// `CL_INVALID_IMAGE_DESCRIPTOR`: the dimensions or pitches do not describe an image.
 class VORN_MERO_EXPORT invalid_image_descriptor : public logic_error {
 public:
     invalid_image_descriptor();
 };
-/// `CL_INVALID_COMPILER_OPTIONS`
+/// `CL_INVALID_COMPILER_OPTIONS`: the compiler options are not understood.
 class VORN_MERO_EXPORT invalid_compiler_options : public logic_error {
 public:
     invalid_compiler_options();
 };
-/// `CL_INVALID_LINKER_OPTIONS`
+/// `CL_INVALID_LINKER_OPTIONS`: the linker options are not understood.
 class VORN_MERO_EXPORT invalid_linker_options : public logic_error {
 public:
     invalid_linker_options();
 };
-/// `CL_INVALID_DEVICE_PARTITION_COUNT`
+/// `CL_INVALID_DEVICE_PARTITION_COUNT`: more sub-devices or compute units than there are.
 class VORN_MERO_EXPORT invalid_device_partition_count : public logic_error {
 public:
     invalid_device_partition_count();
 };
-/// `CL_INVALID_PIPE_SIZE`
+/// `CL_INVALID_PIPE_SIZE`: the packets are zero-sized or too large.
 class VORN_MERO_EXPORT invalid_pipe_size : public logic_error {
 public:
     invalid_pipe_size();
 };
-/// `CL_INVALID_DEVICE_QUEUE`
+/// `CL_INVALID_DEVICE_QUEUE`: not a queue on the device, as a kernel argument.
 class VORN_MERO_EXPORT invalid_device_queue : public logic_error {
 public:
     invalid_device_queue();
 };
-/// `CL_INVALID_SPEC_ID`
+/// `CL_INVALID_SPEC_ID`: the program has no specialization constant of this id.
 class VORN_MERO_EXPORT invalid_spec_id : public logic_error {
 public:
     invalid_spec_id();
 };
-/// `CL_MAX_SIZE_RESTRICTION_EXCEEDED`
+/// `CL_MAX_SIZE_RESTRICTION_EXCEEDED`: more memory than the kernel argument permits.
 class VORN_MERO_EXPORT max_size_restriction_exceeded : public logic_error {
 public:
     max_size_restriction_exceeded();
