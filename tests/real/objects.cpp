@@ -1,0 +1,5 @@
+#include "objects.hpp"
+
+int main(int count, char** words) {
+    return real::run(count, words, [] { real::add_memory_objects(); });
+}
