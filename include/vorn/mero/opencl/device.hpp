@@ -15,15 +15,28 @@ class VORN_MERO_EXPORT device : public mero::internal::handle<internal::device_k
 public:
     using handle::handle;
 
+    /// The name that a person knows the device by.
     std::string name() const;
+
+    /// Who made the device.
     std::string vendor() const;
+
+    /// The driver's own version, of any form.
     std::string driver_version() const;
+
+    /// "OpenCL", the version, and what the vendor adds, divided by blanks.
     std::string device_version() const;
+
+    /// The names of the extensions that the device supports, in OpenCL's order.
     std::vector<std::string> extensions() const;
+
+    /// The platform of the device, on the same call handle.
     platform get_platform() const;
 
     /// Whether the profile is "EMBEDDED_PROFILE"; any other is a full one.
     bool is_embedded_profile() const;
+
+    /// Whether the profile is not "EMBEDDED_PROFILE"; `platform::is_full_profile` asks for more.
     bool is_full_profile() const;
 
     // Each is true when the device has this type and no other.
@@ -32,23 +45,44 @@ public:
     bool is_type_gpu() const;
     bool is_type_accelerator() const;
 
+    /// Unique among the vendors; the PCI number where there is one.
     std::uint32_t vendor_id() const;
+
+    /// The parallel compute units, each of which runs whole work-groups.
     std::uint32_t max_compute_units() const;
     std::uint32_t max_clock_frequency() const; ///< In MHz.
+
+    /// The width of the device's addresses, 32 or 64 bits.
     std::uint32_t address_bits() const;
+
+    /// Whether the device can be used at the moment.
     bool available() const;
+
+    /// Whether programs can be built from source.
     bool compiler_available() const;
+
+    /// Whether the lowest byte of a number comes first.
     bool endian_little() const;
+
+    /// Whether all of the device's memory corrects errors.
     bool error_correction_support() const;
+
+    /// Whether the device runs kernels that OpenCL compiled.
     bool can_execute_kernels() const;
+
+    /// Whether `native_kernel` may be enqueued.
     bool can_execute_native_kernels() const;
 
+    /// How many dimensions a launch may have, at least 3.
     std::uint32_t max_work_item_dimensions() const;
+
+    /// The most work-items in a work-group; a kernel may allow fewer, see `kernel::max_work_group_size`.
     std::size_t max_work_group_size() const;
 
     /// In dimension order; throws `common::bad_implementation` for a device whose dimensions are not three.
     std::array<std::size_t, 3> max_work_item_sizes() const;
 
+    // The elements of a vector of the type that suits the device best, 0 where it lacks the type.
     std::uint32_t preferred_vector_width_char() const;
     std::uint32_t preferred_vector_width_short() const;
     std::uint32_t preferred_vector_width_int() const;
@@ -56,12 +90,16 @@ public:
     std::uint32_t preferred_vector_width_float() const;
     std::uint32_t preferred_vector_width_double() const;
 
+    // What the device does with `float`: whether it supports denormal numbers, infinities and not-a-number, each
+    // rounding mode, and the fused multiply-add.
     bool single_fp_denorms_supported() const;
     bool single_fp_inf_nan_supported() const;
     bool single_fp_round_to_nearest_supported() const;
     bool single_fp_round_to_zero_supported() const;
     bool single_fp_round_to_inf_supported() const;
     bool single_fp_fma_supported() const;
+
+    // The same for `double`; all are false where the device lacks the type.
     bool double_fp_denorms_supported() const;
     bool double_fp_inf_nan_supported() const;
     bool double_fp_round_to_nearest_supported() const;
@@ -69,23 +107,47 @@ public:
     bool double_fp_round_to_inf_supported() const;
     bool double_fp_fma_supported() const;
 
+    /// The most bytes of one memory object.
     std::uint64_t max_mem_alloc_size() const;
+
+    /// The most bytes of all arguments of a kernel.
     std::size_t max_parameter_size() const;
+
+    /// The bytes of global memory.
     std::uint64_t global_mem_size() const;
+
+    /// The bytes of the cache of global memory.
     std::uint64_t global_mem_cache_size() const;
+
+    /// The bytes of one line of that cache.
     std::uint32_t global_mem_cacheline_size() const;
+
+    // What the cache of global memory serves: nothing, reading, or reading and writing.
     bool is_global_mem_cache_type_none() const;
     bool is_global_mem_cache_type_read_only() const;
     bool is_global_mem_cache_type_read_write() const;
+
+    /// The bytes of local memory that a work-group can have.
     std::uint64_t local_mem_size() const;
+
+    /// Whether local memory is a storage of its own rather than a part of global memory.
     bool dedicated_local_memory() const;
+
+    /// The most bytes of one argument in constant memory.
     std::uint64_t max_constant_buffer_size() const;
+
+    /// How many arguments of a kernel may be in constant memory.
     std::uint32_t max_constant_args() const;
     std::uint32_t mem_base_addr_align() const;      ///< In bits.
     std::size_t profiling_timer_resolution() const; ///< In nanoseconds.
 
+    /// Whether there are images at all; the queries below say 0 or nothing of use where not.
     bool image_support() const;
+
+    /// How many images a kernel can read.
     std::uint32_t max_read_image_args() const;
+
+    /// How many samplers a kernel can use.
     std::uint32_t max_samplers() const;
     std::size_t image2d_max_width() const; ///< In pixels, as all image dimensions.
     std::size_t image2d_max_height() const;
@@ -94,22 +156,34 @@ public:
     std::size_t image3d_max_depth() const;
 
 #if VORN_MERO_OPENCL < 200
+    /// Whether queues may run commands out of order. Until OpenCL 1.2.
     bool out_of_order_command_queue_supported() const;
+
+    /// Whether queues may time commands. Until OpenCL 1.2.
     bool profiling_command_queue_supported() const;
+
+    /// How many images a kernel can write. Until OpenCL 1.2.
     std::uint32_t max_write_image_args() const;
 #endif
 
 #if VORN_MERO_OPENCL >= 110 && VORN_MERO_OPENCL < 120
+    /// The alignment in bytes that suits every type. In OpenCL 1.1 only.
     std::uint32_t min_data_type_align_size() const;
 #endif
 
 #if VORN_MERO_OPENCL >= 110 && VORN_MERO_OPENCL < 200
+    /// Whether device and host share one memory. In OpenCL 1.1 and 1.2 only.
     bool host_unified_memory() const;
 #endif
 
 #if VORN_MERO_OPENCL >= 110
+    /// "OpenCL C", the highest version of the language, and what the vendor adds. Since OpenCL 1.1.
     std::string opencl_c_version() const;
+
+    /// 0 where the device lacks the type. Since OpenCL 1.1.
     std::uint32_t preferred_vector_width_half() const;
+
+    // The elements of a vector of the type in the device's instructions, 0 where it lacks the type. Since OpenCL 1.1.
     std::uint32_t native_vector_width_char() const;
     std::uint32_t native_vector_width_short() const;
     std::uint32_t native_vector_width_int() const;
@@ -117,16 +191,29 @@ public:
     std::uint32_t native_vector_width_float() const;
     std::uint32_t native_vector_width_double() const;
     std::uint32_t native_vector_width_half() const;
+
+    // Whether software does the arithmetic. Since OpenCL 1.1.
     bool single_fp_software_emulated() const;
     bool double_fp_software_emulated() const;
 #endif
 
 #if VORN_MERO_OPENCL >= 120
+    /// Whether the device runs built-in kernels only. Since OpenCL 1.2.
     bool is_type_custom() const;
+
+    /// Whether programs can be linked. Since OpenCL 1.2.
     bool linker_available() const;
+
+    /// The names for `context::create_program_from_builtin_kernels`. Since OpenCL 1.2.
     std::vector<std::string> built_in_kernels() const;
+
+    /// The bytes that the `printf` calls of one launch may write. Since OpenCL 1.2.
     std::size_t printf_buffer_size() const;
+
+    /// Whether the program should synchronise with other interfaces itself. Since OpenCL 1.2.
     bool preferred_interop_user_sync() const;
+
+    /// Whether division and square root of `float` are rounded as IEEE 754 demands. Since OpenCL 1.2.
     bool single_fp_correctly_rounded_divide_sqrt() const;
     std::size_t image_max_buffer_size() const; ///< In pixels.
     std::size_t image_max_array_size() const;  ///< In images.
@@ -137,6 +224,7 @@ public:
     /// The device that this one was made from. Throws `std::logic_error` for a root device.
     device parent_device() const;
 
+    /// The most sub-devices that a partition can make. Since OpenCL 1.2.
     std::uint32_t partition_max_sub_devices() const;
 
     /// Whether the scheme is the only one that the device lists; throws `common::bad_implementation` when it lists
@@ -144,7 +232,10 @@ public:
     bool partition_equally_supported() const;
     bool partition_by_counts_supported() const;
 
+    /// Whether the device can be partitioned by any domain. Since OpenCL 1.2.
     bool partition_affinity_domain_supported() const;
+
+    /// The domains to partition by, none or more. Since OpenCL 1.2.
     device_affinity_domain partition_supported_affinity_domains() const;
 
     /// How this device was made from its parent; empty for a root device. Since OpenCL 1.2.
@@ -165,26 +256,50 @@ public:
 #endif
 
 #if VORN_MERO_OPENCL >= 200
+    // What queues of the host, and queues on the device, can be made with. Since OpenCL 2.0.
     bool host_out_of_order_command_queue_supported() const;
     bool host_profiling_command_queue_supported() const;
     bool device_out_of_order_command_queue_supported() const;
     bool device_profiling_command_queue_supported() const;
+
+    /// In bytes, of a queue on the device. Since OpenCL 2.0.
     std::uint32_t queue_on_device_preferred_size() const;
     std::uint32_t queue_on_device_max_size() const;
+
+    /// How many queues on the device there may be in a context. Since OpenCL 2.0.
     std::uint32_t max_on_device_queues() const;
+
+    /// How many events may be in use on the device. Since OpenCL 2.0.
     std::uint32_t max_on_device_events() const;
+
+    // The kinds of shared virtual memory. Since OpenCL 2.0.
     bool svm_coarse_grain_buffer_supported() const;
     bool svm_fine_grain_buffer_supported() const;
     bool svm_fine_grain_system_supported() const;
     bool svm_atomics_supported() const;
+
+    /// How many pipes a kernel can take. Since OpenCL 2.0.
     std::uint32_t max_pipe_args() const;
+
+    /// How many reservations of a pipe a work-item can hold. Since OpenCL 2.0.
     std::uint32_t pipe_max_active_reservations() const;
+
+    /// In bytes. Since OpenCL 2.0.
     std::uint32_t pipe_max_packet_size() const;
+
+    /// How many images a kernel can write, or both read and write. Since OpenCL 2.0.
     std::uint32_t max_read_write_image_args() const;
     std::uint32_t image_pitch_alignment() const;        ///< In pixels.
     std::uint32_t image_base_address_alignment() const; ///< In pixels.
+
+    /// In bytes, of one variable of a program. Since OpenCL 2.0.
     std::size_t max_global_variable_size() const;
+
+    /// In bytes, of all variables of a program. Since OpenCL 2.0.
     std::size_t global_variable_preferred_total_size() const;
+
+    // In bytes, of atomic types in memory shared with the host, in global and in local memory; 0 stands for the
+    // natural alignment. Since OpenCL 2.0.
     std::uint32_t preferred_platform_atomic_alignment() const;
     std::uint32_t preferred_global_atomic_alignment() const;
     std::uint32_t preferred_local_atomic_alignment() const;
@@ -193,7 +308,11 @@ public:
 #if VORN_MERO_OPENCL >= 210
     /// The intermediate languages that programs can be made from, divided by blanks. Since OpenCL 2.1.
     std::string il_version() const;
+
+    /// The most sub-groups of a work-group. Since OpenCL 2.1.
     std::uint32_t max_num_sub_groups() const;
+
+    /// Whether sub-groups advance when others of their work-group wait. Since OpenCL 2.1.
     bool sub_group_independent_forward_progress() const;
 
     /// The host's timestamp and the device's of the same moment, in this order, in nanoseconds. Since OpenCL 2.1.
