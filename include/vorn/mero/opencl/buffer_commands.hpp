@@ -13,6 +13,7 @@ namespace vorn::mero::VORN_MERO_NAMESPACE {
 /// Copies from a buffer to the host.
 class VORN_MERO_EXPORT read_buffer : public command {
 public:
+    /// `size` bytes from `offset` on go to `destination`. A `blocking` command is complete when it has been enqueued.
     read_buffer(buffer const& source, bool blocking, std::size_t offset, std::size_t size, void* destination);
     void call(nq::call_handle const& handle, _nq_cl_command_queue* queue, unsigned int num_events_in_wait_list,
               _nq_cl_event* const* event_wait_list, _nq_cl_event** event) const override;
@@ -28,6 +29,8 @@ private:
 /// Copies from the host to a buffer.
 class VORN_MERO_EXPORT write_buffer : public command {
 public:
+    /// `size` bytes at `source` go to `offset` and after. A `blocking` command lets go of `source` when it has been
+    /// enqueued.
     write_buffer(buffer& destination, bool blocking, std::size_t offset, std::size_t size, void const* source);
     void call(nq::call_handle const& handle, _nq_cl_command_queue* queue, unsigned int num_events_in_wait_list,
               _nq_cl_event* const* event_wait_list, _nq_cl_event** event) const override;
@@ -43,6 +46,7 @@ private:
 /// Copies between buffers.
 class VORN_MERO_EXPORT copy_buffer : public command {
 public:
+    /// `size` bytes. Throws `common::mem_copy_overlap` when enqueued where the regions of one buffer overlap.
     copy_buffer(buffer const& source, buffer& destination, std::size_t source_offset, std::size_t destination_offset,
                 std::size_t size);
     void call(nq::call_handle const& handle, _nq_cl_command_queue* queue, unsigned int num_events_in_wait_list,
@@ -60,6 +64,7 @@ private:
 /// which must live until then; one that fails leaves it alone.
 class VORN_MERO_EXPORT map_buffer : public command {
 public:
+    /// `size` bytes from `offset` on. Unless `blocking`, the memory may be used only once the event is complete.
     map_buffer(void*& mapped, buffer& source, bool blocking, map_flags flags, std::size_t offset, std::size_t size);
     void call(nq::call_handle const& handle, _nq_cl_command_queue* queue, unsigned int num_events_in_wait_list,
               _nq_cl_event* const* event_wait_list, _nq_cl_event** event) const override;
@@ -76,6 +81,7 @@ private:
 /// Ends a mapping; what was written through it is then in the memory object.
 class VORN_MERO_EXPORT unmap_mem_object : public command {
 public:
+    /// `mapped` is the address that mapping gave.
     unmap_mem_object(memory_object const& object, void* mapped);
     void call(nq::call_handle const& handle, _nq_cl_command_queue* queue, unsigned int num_events_in_wait_list,
               _nq_cl_event* const* event_wait_list, _nq_cl_event** event) const override;
@@ -90,6 +96,7 @@ private:
 /// packed. Since OpenCL 1.1.
 class VORN_MERO_EXPORT read_buffer_rect : public command {
 public:
+    /// The box `region` at `buffer_origin` goes to `host_origin` of the memory at `destination`.
     read_buffer_rect(buffer const& source, bool blocking, std::array<std::size_t, 3> const& buffer_origin,
                      std::array<std::size_t, 3> const& host_origin, std::array<std::size_t, 3> const& region,
                      std::size_t buffer_row_pitch, std::size_t buffer_slice_pitch, std::size_t host_row_pitch,
@@ -113,6 +120,7 @@ private:
 /// Copies a box from the host to a buffer. Since OpenCL 1.1.
 class VORN_MERO_EXPORT write_buffer_rect : public command {
 public:
+    /// The box `region` at `host_origin` of the memory at `source` goes to `buffer_origin`.
     write_buffer_rect(buffer& destination, bool blocking, std::array<std::size_t, 3> const& buffer_origin,
                       std::array<std::size_t, 3> const& host_origin, std::array<std::size_t, 3> const& region,
                       std::size_t buffer_row_pitch, std::size_t buffer_slice_pitch, std::size_t host_row_pitch,
@@ -136,6 +144,7 @@ private:
 /// Copies a box between buffers. Since OpenCL 1.1.
 class VORN_MERO_EXPORT copy_buffer_rect : public command {
 public:
+    /// The box `region` goes from `source_origin` to `destination_origin`.
     copy_buffer_rect(buffer const& source, buffer& destination, std::array<std::size_t, 3> const& source_origin,
                      std::array<std::size_t, 3> const& destination_origin, std::array<std::size_t, 3> const& region,
                      std::size_t source_row_pitch, std::size_t source_slice_pitch, std::size_t destination_row_pitch,
@@ -160,6 +169,8 @@ private:
 /// Fills a region of a buffer with `count` repetitions of a pattern that the caller keeps. Since OpenCL 1.2.
 class VORN_MERO_EXPORT fill_buffer_base : public command {
 public:
+    /// `pattern_size` is 1 to 128 and a power of two; `offset`, in bytes, is a multiple of it. `count` counts patterns,
+    /// not bytes.
     fill_buffer_base(buffer& destination, void const* pattern, std::size_t pattern_size, std::size_t offset,
                      std::size_t count);
 
@@ -180,6 +191,8 @@ private:
 /// Fills a region of a buffer with `count` repetitions of a pattern that the command keeps. Since OpenCL 1.2.
 class VORN_MERO_EXPORT fill_buffer_bytes : public command {
 public:
+    /// The pattern has 1 to 128 bytes, a power of two; `offset`, in bytes, is a multiple of it. `count` counts
+    /// patterns.
     fill_buffer_bytes(buffer& destination, std::vector<unsigned char> const& pattern, std::size_t offset,
                       std::size_t count);
     void call(nq::call_handle const& handle, _nq_cl_command_queue* queue, unsigned int num_events_in_wait_list,
@@ -195,6 +208,7 @@ private:
 /// Moves memory objects to the device of the queue, or to the host. Since OpenCL 1.2.
 class VORN_MERO_EXPORT migrate_mem_objects : public command {
 public:
+    /// The objects are raw handles, as `raw::get_raw_memory_object` gives them.
     migrate_mem_objects(std::vector<_nq_cl_mem*> const& objects, migration_flags flags);
     void call(nq::call_handle const& handle, _nq_cl_command_queue* queue, unsigned int num_events_in_wait_list,
               _nq_cl_event* const* event_wait_list, _nq_cl_event** event) const override;
@@ -209,6 +223,7 @@ private:
 template <class T>
 class fill_buffer : public fill_buffer_base {
 public:
+    /// `offset`, in bytes, is a multiple of the size of `T`; `count` counts elements.
     fill_buffer(buffer& destination, T const& pattern, std::size_t offset, std::size_t count)
         : fill_buffer_base(destination, nullptr, sizeof(T), offset, count), pattern_(pattern) {
         update_pattern_pointer(std::addressof(pattern_));

@@ -18,8 +18,11 @@ class VORN_MERO_EXPORT command_queue : public mero::internal::handle<internal::c
 public:
     using handle::handle;
 
+    /// Enqueues a command and gives the event of its completion. Makes one capability call and allocates nothing.
     event enqueue_command(command const& c);
     event enqueue_command(command const& c, unsigned int num_events, _nq_cl_event* const* wait_list);
+
+    /// The same where nothing is to wait for the command but the queue.
     void enqueue_command_without_event(command const& c);
     void enqueue_command_without_event(command const& c, unsigned int num_events, _nq_cl_event* const* wait_list);
 
@@ -55,9 +58,16 @@ public:
     /// Blocks until every command enqueued so far is complete.
     void finish();
 
+    /// The context of the queue, on the same call handle.
     context get_context() const;
+
+    /// The device of the queue, on the same call handle.
     device get_device() const;
+
+    /// Whether commands may run in another order than they were enqueued in.
     bool out_of_order_execution_enabled() const;
+
+    /// Whether events of the queue can be asked for their times.
     bool profiling_enabled() const;
 };
 #endif
@@ -72,8 +82,11 @@ class VORN_MERO_EXPORT host_command_queue : public mero::internal::handle<intern
 public:
     using handle::handle;
 
+    /// Enqueues a command and gives the event of its completion. Makes one capability call and allocates nothing.
     event enqueue_command(command const& c);
     event enqueue_command(command const& c, unsigned int num_events, _nq_cl_event* const* wait_list);
+
+    /// The same where nothing is to wait for the command but the queue.
     void enqueue_command_without_event(command const& c);
     void enqueue_command_without_event(command const& c, unsigned int num_events, _nq_cl_event* const* wait_list);
 
@@ -89,9 +102,16 @@ public:
     /// Blocks until every command enqueued so far is complete.
     void finish();
 
+    /// The context of the queue, on the same call handle.
     context get_context() const;
+
+    /// The device of the queue, on the same call handle.
     device get_device() const;
+
+    /// Whether commands may run in another order than they were enqueued in.
     bool out_of_order_execution_enabled() const;
+
+    /// Whether events of the queue can be asked for their times.
     bool profiling_enabled() const;
 
 #if VORN_MERO_OPENCL >= 210
@@ -106,8 +126,13 @@ class VORN_MERO_EXPORT device_command_queue : public mero::internal::handle<inte
 public:
     using handle::handle;
 
+    /// The context of the queue, on the same call handle.
     context get_context() const;
+
+    /// Whether events of the queue can be asked for their times.
     bool profiling_enabled() const;
+
+    /// Whether kernels enqueue here when they name no queue.
     bool is_default() const;
 
     /// In bytes.

@@ -18,6 +18,7 @@ class VORN_MERO_EXPORT context : public mero::internal::handle<internal::context
 public:
     using handle::handle;
 
+    /// The devices of the context, in OpenCL's order, on the same call handle.
     std::vector<device> get_devices() const;
 
     /// The list that the context was made with, its closing 0 included.
@@ -37,12 +38,15 @@ public:
     image_3d create_image_3d(mem_flags flags, image_format const& format, std::size_t width, std::size_t height,
                              std::size_t depth, std::size_t row_pitch, std::size_t slice_pitch, void* host_ptr);
 
+    /// The formats for images of a shape and a use, maybe none.
     std::vector<image_format> image_2d_supported_formats(mem_flags flags);
     std::vector<image_format> image_3d_supported_formats(mem_flags flags);
 
+    /// Coordinates run from 0 to 1 when normalized, else over the elements.
     sampler create_sampler(bool normalized_coords, sampler_addressing_mode addressing_mode,
                            sampler_filter_mode filter_mode);
 
+    /// The text is read up to its first zero.
     program create_program_from_source(std::string const& source);
 
     /// A null source is OpenCL's to judge.
@@ -56,6 +60,8 @@ public:
     void wait_for_events(std::uint32_t count, _nq_cl_event* const* events);
 
 #if VORN_MERO_OPENCL < 200
+    /// A queue that may run commands out of order, or times them for `event::profile_command_start` and the like. Until
+    /// OpenCL 1.2.
     command_queue create_command_queue(device const& target, bool out_of_order, bool profiling);
 #endif
 
@@ -68,6 +74,7 @@ public:
 #endif
 
 #if VORN_MERO_OPENCL >= 120
+    /// An image of one row. Since OpenCL 1.2.
     image_1d create_image_1d(mem_flags flags, image_format const& format, std::size_t width, std::size_t row_pitch,
                              void* host_ptr);
 
@@ -85,6 +92,7 @@ public:
                                          std::size_t height, std::size_t array_size, std::size_t slice_pitch,
                                          std::size_t row_pitch, void* host_ptr);
 
+    /// The formats for images of a shape and a use, maybe none. Since OpenCL 1.2.
     std::vector<image_format> image_1d_supported_formats(mem_flags flags);
     std::vector<image_format> image_1d_buffer_supported_formats(mem_flags flags);
     std::vector<image_format> image_1d_array_supported_formats(mem_flags flags);
@@ -105,6 +113,8 @@ public:
     /// A pipe of at most `max_packets` packets of `packet_size` bytes. Since OpenCL 2.0.
     pipe create_pipe(mem_flags flags, std::uint32_t packet_size, std::uint32_t max_packets);
 
+    /// A queue that may run commands out of order, or times them for `event::profile_command_start` and the like. Since
+    /// OpenCL 2.0.
     host_command_queue create_host_command_queue(device const& target, bool out_of_order, bool profiling);
 
     // Queues that kernels enqueue to; always out of order. A size is in bytes.
@@ -148,13 +158,22 @@ VORN_MERO_EXPORT context create_context_from_type(nq::call_handle const& call_ha
 
 namespace raw {
 
+/// Null for an object that was moved from.
 VORN_MERO_EXPORT _nq_cl_context* get_raw_context(context const& object) noexcept;
+
+/// The call handle that the object was made through.
 VORN_MERO_EXPORT nq::call_handle const& get_call_handle(context const& object) noexcept;
+
+/// Adds a reference that the caller has to release.
 VORN_MERO_EXPORT void retain(context const& object);
 
 /// A status other than success is thrown as `common::bad_implementation`.
 VORN_MERO_EXPORT void release(context const& object);
+
+/// OpenCL's count, which may have changed by the time that it is read.
 VORN_MERO_EXPORT std::uint32_t refcount(context const& object);
+
+/// Retains: the caller keeps its own reference.
 VORN_MERO_EXPORT context create_context(nq::call_handle const& call_handle, _nq_cl_context* handle);
 
 } // namespace raw

@@ -42,6 +42,7 @@ public:
     std::uint64_t profile_command_end() const;
 
 #if VORN_MERO_OPENCL >= 110
+    /// The context of the event, on the same call handle. Since OpenCL 1.1.
     context get_context() const;
 
     /// False for a user event. Since OpenCL 1.1.
@@ -73,24 +74,35 @@ public:
     event_promise(event_promise&&) noexcept = default;
     event_promise& operator=(event_promise&&) noexcept = default;
 
+    /// Completes the event; what waits for it starts.
     void set_status_success();
 
     /// Fails the event with one of the negative statuses.
     void set_status_failure(common::error_code code);
 
+    /// The event, for wait lists and callbacks. It may outlive the promise.
     event get_event() const;
 };
 #endif
 
 namespace raw {
 
+/// For wait lists; null for an object that was moved from.
 VORN_MERO_EXPORT _nq_cl_event* get_raw_event(event const& object) noexcept;
+
+/// The call handle that the object was made through.
 VORN_MERO_EXPORT nq::call_handle const& get_call_handle(event const& object) noexcept;
+
+/// Adds a reference that the caller has to release.
 VORN_MERO_EXPORT void retain(event const& object);
 
 /// A status other than success is thrown as `common::bad_implementation`.
 VORN_MERO_EXPORT void release(event const& object);
+
+/// OpenCL's count, which may have changed by the time that it is read.
 VORN_MERO_EXPORT std::uint32_t refcount(event const& object);
+
+/// Retains: the caller keeps its own reference.
 VORN_MERO_EXPORT event create_event(nq::call_handle const& call_handle, _nq_cl_event* handle);
 
 #if VORN_MERO_OPENCL >= 110

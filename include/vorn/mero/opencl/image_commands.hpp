@@ -13,6 +13,7 @@ namespace vorn::mero::VORN_MERO_NAMESPACE {
 /// Copies a box from an image to the host; a pitch of 0 means tightly packed.
 class VORN_MERO_EXPORT read_image : public command {
 public:
+    /// The box `region` at `origin`. A `blocking` command is complete when it has been enqueued.
     read_image(image const& source, bool blocking, std::array<std::size_t, 3> const& origin,
                std::array<std::size_t, 3> const& region, std::size_t row_pitch, std::size_t slice_pitch,
                void* destination);
@@ -32,6 +33,7 @@ private:
 /// Copies a box from the host to an image; a pitch of 0 means tightly packed.
 class VORN_MERO_EXPORT write_image : public command {
 public:
+    /// The box `region` at `origin`. A `blocking` command lets go of `source` when it has been enqueued.
     write_image(image& destination, bool blocking, std::array<std::size_t, 3> const& origin,
                 std::array<std::size_t, 3> const& region, std::size_t input_row_pitch, std::size_t input_slice_pitch,
                 void const* source);
@@ -51,6 +53,7 @@ private:
 /// Copies a box between images of the same format.
 class VORN_MERO_EXPORT copy_image : public command {
 public:
+    /// The box `region`. Throws `common::image_format_mismatch` when enqueued with images of two formats.
     copy_image(image const& source, image& destination, std::array<std::size_t, 3> const& source_origin,
                std::array<std::size_t, 3> const& destination_origin, std::array<std::size_t, 3> const& region);
     void call(nq::call_handle const& handle, _nq_cl_command_queue* queue, unsigned int num_events_in_wait_list,
@@ -67,6 +70,7 @@ private:
 /// Copies a box of an image into a buffer, tightly packed.
 class VORN_MERO_EXPORT copy_image_to_buffer : public command {
 public:
+    /// `destination_offset` is in bytes.
     copy_image_to_buffer(image const& source, buffer& destination, std::array<std::size_t, 3> const& source_origin,
                          std::array<std::size_t, 3> const& region, std::size_t destination_offset);
     void call(nq::call_handle const& handle, _nq_cl_command_queue* queue, unsigned int num_events_in_wait_list,
@@ -83,6 +87,7 @@ private:
 /// Copies tightly packed elements of a buffer into a box of an image.
 class VORN_MERO_EXPORT copy_buffer_to_image : public command {
 public:
+    /// `source_offset` is in bytes.
     copy_buffer_to_image(buffer const& source, image& destination, std::size_t source_offset,
                          std::array<std::size_t, 3> const& destination_origin,
                          std::array<std::size_t, 3> const& region);
@@ -102,6 +107,7 @@ private:
 /// alone. All three must live until then.
 class VORN_MERO_EXPORT map_image : public command {
 public:
+    /// The box `region` at `origin`. Unless `blocking`, the memory may be used only once the event is complete.
     map_image(void*& mapped, image& source, bool blocking, map_flags flags, std::array<std::size_t, 3> const& origin,
               std::array<std::size_t, 3> const& region, std::size_t& row_pitch, std::size_t& slice_pitch);
     void call(nq::call_handle const& handle, _nq_cl_command_queue* queue, unsigned int num_events_in_wait_list,
@@ -123,6 +129,7 @@ private:
 /// unsigned as the format of the image demands. Since OpenCL 1.2.
 class VORN_MERO_EXPORT fill_image_base : public command {
 public:
+    /// Fills the box `region` at `origin`.
     fill_image_base(image& destination, void const* fill_color, std::array<std::size_t, 3> const& origin,
                     std::array<std::size_t, 3> const& region);
 
@@ -144,6 +151,7 @@ private:
 template <class Channel>
 class fill_image : public fill_image_base {
 public:
+    /// Fills the box `region` at `origin`.
     fill_image(image& destination, std::array<Channel, 4> const& color, std::array<std::size_t, 3> const& origin,
                std::array<std::size_t, 3> const& region)
         : fill_image_base(destination, nullptr, origin, region), color_(color) {

@@ -43,26 +43,45 @@ public:
 
     /// A null memory object.
     void set_argument(unsigned int index, std::nullptr_t);
+
+    /// Local memory of a size, for a pointer in the `__local` address space.
     void set_argument(unsigned int index, local_memory const& size);
+
+    /// A memory object, which the kernel does not keep alive.
     void set_argument(unsigned int index, memory_object& object);
+
+    /// A sampler, which the kernel does not keep alive.
     void set_argument(unsigned int index, sampler& object);
 
     /// `size` bytes at `value`, which OpenCL copies.
     void set_argument_raw(unsigned int index, unsigned long size, void const* value);
 
+    /// The name of the function in the source.
     std::string function_name() const;
+
+    /// The number of arguments.
     unsigned int num_args() const;
+
+    /// The context of the kernel, on the same call handle.
     context get_context() const;
+
+    /// The program of the kernel, on the same call handle.
     program get_program() const;
 
+    /// The most work-items of a work-group of this kernel on a device.
     std::size_t max_work_group_size(device const& target) const;
 
     /// The work-group size that the source requires, all 0 when it requires none.
     std::array<std::size_t, 3> compile_work_group_size(device const& target) const;
+
+    /// The local memory that the kernel takes on a device, that of its arguments included.
     std::uint64_t local_mem_size(device const& target) const;
 
 #if VORN_MERO_OPENCL >= 110
+    /// A multiple that suits the device best; other sizes work as well. Since OpenCL 1.1.
     std::size_t preferred_work_group_size_multiple(device const& target) const;
+
+    /// The least memory that each work-item takes. Since OpenCL 1.1.
     std::uint64_t private_mem_per_work_item(device const& target) const;
 #endif
 
@@ -83,6 +102,7 @@ public:
 #endif
 
 #if VORN_MERO_OPENCL >= 200
+    /// A queue on the device, which the kernel does not keep alive. Since OpenCL 2.0.
     void set_argument(unsigned int index, device_command_queue& queue);
 
     /// A pointer into shared virtual memory. Since OpenCL 2.0.
@@ -106,6 +126,8 @@ public:
 
     /// A one-dimensional local size that gives `count` sub-groups, 0 when there is none.
     std::size_t get_local_size_for_sub_group_count(device const& target, unsigned long count) const;
+
+    /// The most sub-groups of a work-group of this kernel. Since OpenCL 2.1.
     std::size_t get_max_num_sub_groups(device const& target) const;
 
     /// The number of sub-groups that the source requires, 0 when it requires none.
@@ -115,12 +137,19 @@ public:
 
 namespace raw {
 
+/// Null for an object that was moved from.
 VORN_MERO_EXPORT _nq_cl_kernel* get_raw_kernel(kernel const& object) noexcept;
+
+/// The call handle that the object was made through.
 VORN_MERO_EXPORT nq::call_handle const& get_call_handle(kernel const& object) noexcept;
+
+/// Adds a reference that the caller has to release.
 VORN_MERO_EXPORT void retain(kernel const& object);
 
 /// A status other than success is thrown as `common::bad_implementation`.
 VORN_MERO_EXPORT void release(kernel const& object);
+
+/// OpenCL's count, which may have changed by the time that it is read.
 VORN_MERO_EXPORT std::uint32_t refcount(kernel const& object);
 
 } // namespace raw

@@ -14,6 +14,7 @@ namespace vorn::mero::VORN_MERO_NAMESPACE {
 /// Launches a kernel over a range of `work_dim` dimensions; only the first `work_dim` sizes count. Move-only.
 class VORN_MERO_EXPORT nd_range_kernel : public command {
 public:
+    /// Arguments set on the kernel later do not affect a launch that has been enqueued.
     nd_range_kernel(kernel const& function, unsigned int work_dim, std::array<std::size_t, 3> const& global_size,
                     std::array<std::size_t, 3> const& local_size);
     nd_range_kernel(nd_range_kernel&&) noexcept = default;
@@ -52,6 +53,7 @@ private:
 /// Move-only.
 class VORN_MERO_EXPORT nd_range_kernel : public command {
 public:
+    /// Arguments set on the kernel later do not affect a launch that has been enqueued.
     nd_range_kernel(kernel const& function, unsigned int work_dim, std::array<std::size_t, 3> const& global_offset,
                     std::array<std::size_t, 3> const& global_size, std::array<std::size_t, 3> const& local_size);
     nd_range_kernel(nd_range_kernel&&) noexcept = default;
@@ -75,6 +77,8 @@ private:
 /// function runs on a thread of OpenCL's choice and must not throw.
 class VORN_MERO_EXPORT native_kernel : public command {
 public:
+    /// `mem_list` holds `num_mem_objects` raw handles, `args_mem_loc` as many places; both null where there is none.
+    /// The arrays must live until the command has been enqueued.
     native_kernel(void (*user_func)(void*), void* args, std::size_t args_size, unsigned int num_mem_objects,
                   _nq_cl_mem* const* mem_list, void const** args_mem_loc);
     void call(nq::call_handle const& handle, _nq_cl_command_queue* queue, unsigned int num_events_in_wait_list,

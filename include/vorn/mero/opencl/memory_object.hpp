@@ -18,6 +18,7 @@ public:
     memory_object& operator=(memory_object&&) noexcept = default;
     virtual ~memory_object();
 
+    /// The flags that the object was made with.
     mem_flags flags() const;
 
     /// In bytes.
@@ -26,6 +27,7 @@ public:
     /// The host memory that the object was made with, null when there was none.
     void* host_ptr() const;
 
+    /// The context of the object, on the same call handle.
     context get_context() const;
 };
 
@@ -44,6 +46,7 @@ public:
     /// Where the region begins in its buffer, in bytes.
     std::size_t offset() const;
 
+    /// The buffer that this is a region of.
     buffer parent_buffer();
 };
 #endif
@@ -54,12 +57,23 @@ class VORN_MERO_EXPORT image : public memory_object {
 public:
     using memory_object::memory_object;
 
+    /// The channels of an element, their order and their type.
     image_format get_image_format() const;
+
+    /// Of one element, all its channels together.
     std::size_t element_size() const;
+
+    /// From one row to the next.
     std::size_t row_pitch() const;
+
+    /// From one slice, or one image of an array, to the next.
     std::size_t slice_pitch() const;
     std::size_t width() const;
+
+    /// 0 for a one-dimensional image.
     std::size_t height() const;
+
+    /// 0 for any but a three-dimensional image.
     std::size_t depth() const;
 
 #if VORN_MERO_OPENCL >= 120
@@ -70,11 +84,13 @@ public:
 #endif
 };
 
+/// An image of rows of pixels.
 class VORN_MERO_EXPORT image_2d : public image {
 public:
     using image::image;
 };
 
+/// An image of slices of rows of pixels.
 class VORN_MERO_EXPORT image_3d : public image {
 public:
     using image::image;
@@ -114,6 +130,8 @@ public:
 
     /// In bytes.
     std::uint32_t packet_size() const;
+
+    /// The most packets that the pipe can hold.
     std::uint32_t max_packets() const;
 };
 #endif
@@ -128,12 +146,17 @@ get_image_formats(nq::call_handle const& call_handle, _nq_cl_context* context, m
 
 namespace raw {
 
+/// Null for an object that was moved from.
 VORN_MERO_EXPORT _nq_cl_mem* get_raw_memory_object(memory_object const& object) noexcept;
 VORN_MERO_EXPORT nq::call_handle const& get_call_handle(memory_object const& object) noexcept;
+
+/// Adds a reference that the caller has to release.
 VORN_MERO_EXPORT void retain(memory_object const& object);
 
 /// A status other than success is thrown as `common::bad_implementation`.
 VORN_MERO_EXPORT void release(memory_object const& object);
+
+/// OpenCL's count, which may have changed by the time that it is read.
 VORN_MERO_EXPORT std::uint32_t refcount(memory_object const& object);
 
 // Each retains: the caller keeps its own reference.

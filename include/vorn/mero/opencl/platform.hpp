@@ -12,9 +12,16 @@ class VORN_MERO_EXPORT platform : public mero::internal::handle<internal::platfo
 public:
     using handle::handle;
 
+    /// The name that a person knows the platform by.
     std::string name() const;
+
+    /// Who made the platform.
     std::string vendor() const;
+
+    /// "OpenCL", the version, and what the vendor adds, divided by blanks.
     std::string version() const;
+
+    /// The names of the extensions that all devices of the platform support.
     std::vector<std::string> extensions() const;
 
     /// Whether the profile is exactly "FULL_PROFILE".
@@ -46,7 +53,10 @@ VORN_MERO_EXPORT void* get_extension_function_address_for_platform(nq::call_hand
 
 namespace raw {
 
+/// Null for an object that was moved from.
 VORN_MERO_EXPORT _nq_cl_platform_id* get_raw_platform_id(platform const& object) noexcept;
+
+/// The call handle that the object was made through.
 VORN_MERO_EXPORT nq::call_handle const& get_call_handle(platform const& object) noexcept;
 
 /// Does nothing.
@@ -58,6 +68,7 @@ VORN_MERO_EXPORT void release(platform const& object);
 /// Always 1.
 VORN_MERO_EXPORT std::uint32_t refcount(platform const& object);
 
+/// Wraps a raw handle; makes no call.
 VORN_MERO_EXPORT platform create_platform(nq::call_handle const& call_handle, _nq_cl_platform_id* handle);
 
 } // namespace raw

@@ -29,12 +29,22 @@ public:
     void build(std::vector<device> const& devices, std::string const& options, void (*notify)(_nq_cl_program*, void*),
                void* user_data);
 
+    /// How the last build for a device of the program ended, or whether it is running.
     program_build_status build_status(device const& target) const;
+
+    /// The options of the last build for a device.
     std::string build_options(device const& target) const;
+
+    /// What the compiler said of the last build for a device.
     std::string build_log(device const& target) const;
 
+    /// The context of the program, on the same call handle.
     context get_context() const;
+
+    /// The devices that the program was made for.
     std::vector<device> get_devices() const;
+
+    /// The source; empty or of no use for a program that was not made from source.
     std::string source_code() const;
 
     /// One binary for each device of the program, in the order of `get_devices`; empty for a device without.
@@ -47,8 +57,13 @@ public:
     std::vector<kernel> create_all_kernels();
 
 #if VORN_MERO_OPENCL >= 120
+    /// What the program holds for a device. Since OpenCL 1.2.
     program_binary_type binary_type(device const& target) const;
+
+    /// Throws `common::invalid_program_executable` for a program that was not built. Since OpenCL 1.2.
     unsigned long num_kernels() const;
+
+    /// Throws `common::invalid_program_executable` for a program that was not built. Since OpenCL 1.2.
     std::vector<std::string> kernel_names() const;
 #endif
 
@@ -63,7 +78,10 @@ public:
 #endif
 
 #if VORN_MERO_OPENCL >= 220
+    /// Whether the program runs constructors of its global variables. Since OpenCL 2.2.
     bool global_constructors_present() const;
+
+    /// Whether the program runs destructors of its global variables. Since OpenCL 2.2.
     bool global_destructors_present() const;
 
     /// Gives a specialization constant a value of `size` bytes, for the next build. Since OpenCL 2.2.
@@ -80,13 +98,22 @@ public:
 
 namespace raw {
 
+/// Null for an object that was moved from.
 VORN_MERO_EXPORT _nq_cl_program* get_raw_program(program const& object) noexcept;
+
+/// The call handle that the object was made through.
 VORN_MERO_EXPORT nq::call_handle const& get_call_handle(program const& object) noexcept;
+
+/// Adds a reference that the caller has to release.
 VORN_MERO_EXPORT void retain(program const& object);
 
 /// A status other than success is thrown as `common::bad_implementation`.
 VORN_MERO_EXPORT void release(program const& object);
+
+/// OpenCL's count, which may have changed by the time that it is read.
 VORN_MERO_EXPORT std::uint32_t refcount(program const& object);
+
+/// Retains: the caller keeps its own reference.
 VORN_MERO_EXPORT program create_program(nq::call_handle const& call_handle, _nq_cl_program* handle);
 
 } // namespace raw

@@ -16,20 +16,35 @@ public:
 
     /// Whether coordinates run from 0 to 1 rather than over the elements.
     bool normalized_coords() const;
+
+    /// What is read outside the image.
     sampler_addressing_mode addressing_mode() const;
+
+    /// What is read between elements.
     sampler_filter_mode filter_mode() const;
+
+    /// The context of the sampler, on the same call handle.
     context get_context() const;
 };
 
 namespace raw {
 
+/// Null for an object that was moved from.
 VORN_MERO_EXPORT _nq_cl_sampler* get_raw_sampler(sampler const& object) noexcept;
+
+/// The call handle that the object was made through.
 VORN_MERO_EXPORT nq::call_handle const& get_call_handle(sampler const& object) noexcept;
+
+/// Adds a reference that the caller has to release.
 VORN_MERO_EXPORT void retain(sampler const& object);
 
 /// A status other than success is thrown as `common::bad_implementation`.
 VORN_MERO_EXPORT void release(sampler const& object);
+
+/// OpenCL's count, which may have changed by the time that it is read.
 VORN_MERO_EXPORT std::uint32_t refcount(sampler const& object);
+
+/// Retains: the caller keeps its own reference.
 VORN_MERO_EXPORT sampler create_sampler(nq::call_handle const& call_handle, _nq_cl_sampler* handle);
 
 } // namespace raw

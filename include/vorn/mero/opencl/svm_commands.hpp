@@ -16,6 +16,8 @@ namespace vorn::mero::VORN_MERO_NAMESPACE {
 class VORN_MERO_EXPORT svm_free : public command {
 public:
     explicit svm_free(std::vector<void*> const& pointers);
+
+    /// `callback` is given the queue, the number of pointers, the pointers, and `user_data`.
     svm_free(std::vector<void*> const& pointers, void (*callback)(_nq_cl_command_queue*, std::uint32_t, void**, void*),
              void* user_data);
     void call(nq::call_handle const& handle, _nq_cl_command_queue* queue, unsigned int num_events_in_wait_list,
@@ -30,6 +32,7 @@ private:
 /// Copies within memory that host and device share. `blocking` is passed on as given. Since OpenCL 2.0.
 class VORN_MERO_EXPORT svm_memcpy : public command {
 public:
+    /// `size` bytes. Throws `common::mem_copy_overlap` when enqueued where the regions overlap.
     svm_memcpy(std::uint32_t blocking, void* destination, void const* source, std::size_t size);
     void call(nq::call_handle const& handle, _nq_cl_command_queue* queue, unsigned int num_events_in_wait_list,
               _nq_cl_event* const* event_wait_list, _nq_cl_event** event) const override;
@@ -44,6 +47,8 @@ private:
 /// Fills shared virtual memory with `count` repetitions of a pattern that the caller keeps. Since OpenCL 2.0.
 class VORN_MERO_EXPORT fill_svm_base : public command {
 public:
+    /// `pattern_size` is 1 to 128 and a power of two, of which `destination` is a multiple. `count` counts patterns,
+    /// not bytes.
     fill_svm_base(void* destination, void const* pattern, std::size_t pattern_size, std::size_t count);
 
     /// Lets later enqueueings read the pattern elsewhere. Not while another thread enqueues this object.
@@ -62,6 +67,7 @@ private:
 /// Lets the host use a region of coarse-grained shared virtual memory. Since OpenCL 2.0.
 class VORN_MERO_EXPORT svm_map : public command {
 public:
+    /// `size` bytes at `pointer`. Unless `blocking`, the memory may be used only once the event is complete.
     svm_map(bool blocking, map_flags flags, void* pointer, std::size_t size);
     void call(nq::call_handle const& handle, _nq_cl_command_queue* queue, unsigned int num_events_in_wait_list,
               _nq_cl_event* const* event_wait_list, _nq_cl_event** event) const override;
@@ -76,6 +82,7 @@ private:
 /// Gives a mapped region back to the devices. Since OpenCL 2.0.
 class VORN_MERO_EXPORT svm_unmap : public command {
 public:
+    /// `pointer` is that of the mapping.
     explicit svm_unmap(void* pointer);
     void call(nq::call_handle const& handle, _nq_cl_command_queue* queue, unsigned int num_events_in_wait_list,
               _nq_cl_event* const* event_wait_list, _nq_cl_event** event) const override;
@@ -88,6 +95,7 @@ private:
 template <class T>
 class fill_svm : public fill_svm_base {
 public:
+    /// `destination` is aligned to the size of `T`; `count` counts elements.
     fill_svm(void* destination, T const& pattern, std::size_t count)
         : fill_svm_base(destination, nullptr, sizeof(T), count), pattern_(pattern) {
         update_pattern_pointer(std::addressof(pattern_));
