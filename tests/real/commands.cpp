@@ -1,0 +1,8 @@
+#include "commands.hpp"
+
+int main(int count, char** words) {
+    return real::run(count, words, [] {
+        real::add_buffer_commands();
+        real::add_kernel_commands();
+    });
+}

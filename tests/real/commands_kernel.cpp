@@ -1,0 +1,110 @@
+#include "commands.hpp"
+
+#include <functional>
+
+namespace real {
+namespace {
+
+// Adds to each element what identifies its work-item; an element that two items reach, or none, shows.
+constexpr char const* mark_source = R"(
+kernel void f(global int* grid, int width, int height) {
+    int const at = (int)((get_global_id(2) * height + get_global_id(1)) * width + get_global_id(0));
+    grid[at] += 1 + at + 1000 * (int)get_work_dim() + 10000 * (int)(get_local_size(0) + 10 * get_local_size(1));
+})";
+
+constexpr std::int32_t width = 8, height = 6, depth = 4;
+
+numbers marked(unsigned int dimensions, box const& offset, box const& size, box const& local) {
+    numbers grid(width * height * depth);
+    auto const item = static_cast<std::int32_t>(1000 * dimensions + 10000 * (local[0] + 10 * local[1]) + 1);
+    for (std::size_t z = offset[2]; z < offset[2] + size[2]; ++z) {
+        for (std::size_t y = offset[1]; y < offset[1] + size[1]; ++y) {
+            for (std::size_t x = offset[0]; x < offset[0] + size[0]; ++x) {
+                std::size_t const at = (z * height + y) * width + x;
+                grid.at(at) = item + static_cast<std::int32_t>(at);
+            }
+        }
+    }
+    return grid;
+}
+
+/// What a range makes of the unused dimensions.
+box used(box values, unsigned int dimensions, std::size_t rest) {
+    std::fill(values.begin() + dimensions, values.end(), rest);
+    return values;
+}
+
+auto const launches = []<class Api>(bench<Api>& b) {
+    box const size{4, 4, 2}, local{2, 2, 1};
+    auto program = b.build(mark_source);
+    for (unsigned int dimensions = 1; dimensions <= 3; ++dimensions) {
+        for (box const& offset : {box{0, 0, 0}, box{3, 1, 2}}) {
+            auto grid = b.store(numbers(width * height * depth));
+            auto kernel = program.create_kernel("f");
+            b.set_arguments(kernel, grid, width, height);
+            if constexpr (Api::number < 110) {
+                if (offset != box{}) {
+                    continue;
+                }
+                b.run(typename Api::nd_range_kernel(kernel, dimensions, size, local));
+            } else {
+                b.run(typename Api::nd_range_kernel(kernel, dimensions, offset, size, local));
+            }
+            EXPECT_EQ(b.load(grid), marked(dimensions, used(offset, dimensions, 0), used(size, dimensions, 1),
+                                           used(local, dimensions, 1)))
+                << dimensions;
+        }
+    }
+};
+
+auto const runs_tasks = []<class Api>(bench<Api>& b) {
+    auto values = b.store(counting(10));
+    auto total = b.store(numbers(1));
+    auto const kernel = b.function(R"(
+kernel void f(global int const* values, int count, global int* total) {
+    for (int i = 0; i < count; ++i) { *total += values[i] * (int)get_global_size(0); }
+})",
+                                   values, std::int32_t{10}, total);
+    b.run(typename Api::task_kernel(kernel));
+    EXPECT_EQ(b.load(total), numbers{55});
+};
+
+struct native_arguments {
+    std::int32_t const* source;
+    std::int32_t* destination;
+    std::size_t count;
+    std::thread::id* thread;
+};
+
+void negate(void* block) {
+    auto const* const arguments = static_cast<native_arguments*>(block);
+    std::transform(arguments->source, arguments->source + arguments->count, arguments->destination,
+                   [](std::int32_t value) { return -value; });
+    *arguments->thread = std::this_thread::get_id();
+}
+
+auto const runs_native_kernels = []<class Api>(bench<Api>& b) {
+    auto source = b.store(counting(32));
+    auto destination = b.store(numbers(32));
+    std::thread::id thread;
+    native_arguments arguments{nullptr, nullptr, 32, &thread};
+    std::array<_nq_cl_mem*, 2> const objects{raw_of(source), raw_of(destination)};
+    std::array<void const*, 2> places{&arguments.source, &arguments.destination};
+    typename Api::native_kernel const command(negate, &arguments, sizeof arguments, 2, objects.data(), places.data());
+    b.run(command);
+    EXPECT_TRUE(b.device.can_execute_native_kernels());
+    auto expected = counting(32);
+    std::ranges::transform(expected, expected.begin(), std::negate{});
+    EXPECT_EQ(b.load(destination), expected);
+    tell_thread("the native kernel", thread);
+};
+
+} // namespace
+
+void add_kernel_commands() {
+    add_scenario<100>("launches_kernels_in_each_dimension", "kernel launches", launches);
+    add_scenario<100, 100>("runs_tasks", "tasks", runs_tasks);
+    add_scenario<100>("runs_native_kernels", "native kernels", runs_native_kernels);
+}
+
+} // namespace real
