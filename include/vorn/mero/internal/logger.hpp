@@ -1,6 +1,7 @@
 #pragma once
 
-// The process-wide logger. The only installed header that includes spdlog; nothing else includes this one.
+// The process-wide logger. The only installed header that includes spdlog; nothing else includes this one. A program
+// that does links the shared spdlog itself, so that it and the library share one registry of loggers.
 
 #include <vorn/mero/common/export.hpp>
 
