@@ -5,6 +5,8 @@
 #include <cctype>
 #include <iterator>
 #include <map>
+#include <sys/mman.h>
+#include <unistd.h>
 
 namespace contract {
 namespace {
@@ -76,6 +78,12 @@ std::string short_name(std::string const& platform) {
 char const* text_of(nq::capability version) {
     constexpr std::array texts{"opencl_1_0", "opencl_1_1", "opencl_1_2", "opencl_2_0", "opencl_2_1", "opencl_2_2"};
     return texts.at(static_cast<std::size_t>(version) - 1);
+}
+
+bool is_mapped(std::uintptr_t address) {
+    unsigned char resident = 0;
+    auto const page = static_cast<std::uintptr_t>(sysconf(_SC_PAGESIZE));
+    return mincore(reinterpret_cast<void*>(address & ~(page - 1)), 1, &resident) == 0;
 }
 
 std::vector<nq::capability_node> list_nodes(nq::capability version) {

@@ -62,6 +62,9 @@ void for_each_version(Action action) {
     action.template operator()<opencl_2_2>();
 }
 
+/// Whether there is memory at an address.
+bool is_mapped(std::uintptr_t address);
+
 /// What the tests of a platform are named: the short name of one that they know, else its own in lower case.
 std::string short_name(std::string const& platform);
 
@@ -183,19 +186,32 @@ private:
     }
 
     template <class Block>
+    static std::size_t offset_of_code(Block const& block) {
+        auto const* const begin = reinterpret_cast<char const*>(&block);
+        if constexpr (requires { block.status; }) {
+            return static_cast<std::size_t>(reinterpret_cast<char const*>(&block.status) - begin);
+        } else if constexpr (requires { block.error_code; }) {
+            return static_cast<std::size_t>(reinterpret_cast<char const*>(&block.error_code) - begin);
+        } else {
+            return sizeof block;
+        }
+    }
+
+    template <class Block>
     void null_each_pointer(Block const& block) {
         constexpr std::uint32_t id = nq::command_id<Version, Block>;
         // The memory must not be freed twice, and PoCL aborts where a program made from a binary is built twice.
         if (std::is_same_v<Block, nq::block::clEnqueueSVMFree> || std::is_same_v<Block, nq::block::clBuildProgram>) {
             return;
         }
+        std::size_t const code = offset_of_code(block) / sizeof(void*) * sizeof(void*);
         for (std::size_t offset = 0; offset < sizeof block; offset += sizeof(void*)) {
             Block copy = block;
             std::uintptr_t word = 0;
             auto* const place = reinterpret_cast<unsigned char*>(&copy) + offset;
             std::memcpy(&word, place, sizeof word);
-            if (word >> 40 == 0) {
-                continue; // no pointer, but numbers or flags
+            if (offset == code || !is_mapped(word)) {
+                continue; // no pointer, but numbers, flags or padding
             }
             std::memset(place, 0, sizeof word);
             std::printf("%s %s %s without the pointer at %zu\n", name.c_str(), text_of(Version),
