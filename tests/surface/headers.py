@@ -1,0 +1,102 @@
+#!/usr/bin/env python3
+"""Compiles every installed header alone, and measures what the umbrella headers cost over the standard library's.
+
+headers.py COMPILER INCLUDE-DIRECTORY
+"""
+
+import concurrent.futures
+import os
+import pathlib
+import re
+import resource
+import subprocess
+import sys
+
+BUDGET_S = 0.15
+GENEROUS = 4  # the machine may be busy
+FORBIDDEN = re.compile(r"/(CL|spdlog|fmt)/")
+ALL = "vorn/mero/opencl.hpp"
+LARGEST = "vorn/mero/opencl_2_2.hpp"
+PART = "vorn/mero/opencl/version.hpp"  # a piece of the umbrella headers
+STRICT = ["-Wall", "-Wextra", "-Wpedantic", "-Wshadow", "-Wconversion", "-Wold-style-cast", "-Werror"]
+
+
+class Headers:
+    def __init__(self, command, include):
+        self.command, self.include = command, pathlib.Path(include)
+        self.names = sorted(str(path.relative_to(include)) for path in self.include.glob("**/*.hpp"))
+        self.umbrellas = [name for name in self.names if re.fullmatch(r"vorn/mero/opencl(_\d_\d)?\.hpp", name)]
+
+    def compile(self, source, *flags):
+        return subprocess.run([self.command, f"-I{self.include}", *flags, "-x", "c++", "-"], input=source, text=True,
+                              capture_output=True)
+
+    def alone(self, standard, name):
+        done = self.compile(f"#include <{name}>\n", f"-std={standard}", "-fsyntax-only", *STRICT)
+        return f"{name} in {standard}:\n{done.stderr}" if done.returncode else None
+
+    def forbidden(self, name):
+        listed = self.compile(f"#include <{name}>\n", "-std=c++20", "-M").stdout
+        return [f"{name} includes {path}" for path in sorted(set(listed.split())) if FORBIDDEN.search(path)]
+
+    def standards(self):
+        usable = []
+        for standard in ("c++20", "c++23", "c++2b"):
+            if not (standard == "c++2b" and "c++23" in usable) and self.compile("", f"-std={standard}", "-fsyntax-only").returncode == 0:
+                usable.append(standard)
+        return usable
+
+    def standard_headers(self, name):
+        """The standard headers that a header includes, through others of ours too."""
+        found, seen, left = set(), set(), [name]
+        while left:
+            path = self.include / left.pop()
+            if path in seen or not path.exists():
+                continue
+            seen.add(path)
+            for included in re.findall(r"#include <([^>]+)>", path.read_text()):
+                if "/" in included:
+                    left.append(included)
+                else:
+                    found.add(included)
+        return "".join(f"#include <{included}>\n" for included in sorted(found))
+
+    def seconds(self, source, repetitions=3):
+        """Processor time of the compiler, the least of some runs."""
+        def children():
+            usage = resource.getrusage(resource.RUSAGE_CHILDREN)
+            return usage.ru_utime + usage.ru_stime
+
+        def once():
+            before = children()
+            self.compile(source, "-std=c++20", "-S", "-O0", "-o", os.devnull)
+            return children() - before
+
+        return min(once() for _ in range(repetitions))
+
+    def lines(self, source):
+        return self.compile(source, "-std=c++20", "-E", "-P").stdout.count("\n")
+
+
+def main():
+    headers = Headers(*sys.argv[1:])
+    standards = headers.standards()
+    work = [(standard, name) for name in headers.names if name != PART for standard in standards
+            if standard == standards[0] or name == ALL]
+    with concurrent.futures.ThreadPoolExecutor(os.cpu_count()) as pool:
+        faults = [fault for fault in pool.map(headers.alone, *zip(*work)) if fault]
+    faults += [fault for name in headers.umbrellas for fault in headers.forbidden(name)]
+    print(f"{len(work)} compilations of {len(headers.names)} headers in {', '.join(standards)} with {headers.command}")
+
+    for name in (LARGEST, ALL):
+        base, ours = headers.standard_headers(name), f"#include <{name}>\n"
+        cost = headers.seconds(ours) - headers.seconds(base)
+        more = headers.lines(ours) - headers.lines(base)
+        print(f"{name}: {cost:+.3f} s and {more:+d} lines over the standard headers that it includes (budget {BUDGET_S} s)")
+        if name == LARGEST and cost > GENEROUS * BUDGET_S:
+            faults.append(f"{name} costs {cost:.3f} s, more than {GENEROUS} times its budget")
+    print(*faults, f"{len(faults)} faults", sep="\n")
+    return 1 if faults else 0
+
+
+sys.exit(main())
