@@ -221,26 +221,11 @@ private:
 /// Fills a region of a buffer with `count` repetitions of an element of the size of an OpenCL scalar or vector, which
 /// the command keeps. Since OpenCL 1.2.
 template <class T>
-class fill_buffer : public fill_buffer_base {
+class fill_buffer
+    : public mero::internal::kept_pattern<fill_buffer_base, T, &fill_buffer_base::update_pattern_pointer> {
 public:
-    /// `offset`, in bytes, is a multiple of the size of `T`; `count` counts elements.
     fill_buffer(buffer& destination, T const& pattern, std::size_t offset, std::size_t count)
-        : fill_buffer_base(destination, nullptr, sizeof(T), offset, count), pattern_(pattern) {
-        update_pattern_pointer(std::addressof(pattern_));
-    }
-    fill_buffer(fill_buffer const& other) : fill_buffer_base(other), pattern_(other.pattern_) {
-        update_pattern_pointer(std::addressof(pattern_));
-    }
-    fill_buffer& operator=(fill_buffer const& other) {
-        fill_buffer_base::operator=(other);
-        pattern_ = other.pattern_;
-        update_pattern_pointer(std::addressof(pattern_));
-        return *this;
-    }
-
-private:
-    static_assert(std::is_trivially_copyable_v<T>, "OpenCL copies the pattern byte by byte");
-    T pattern_;
+        : fill_buffer::kept_pattern(pattern, destination, nullptr, sizeof(T), offset, count) {}
 };
 #endif
 

@@ -149,29 +149,17 @@ private:
 /// Fills a box of an image with a colour that the command keeps, of channels of type `float`, `std::int32_t` or
 /// `std::uint32_t` as the format of the image demands. Since OpenCL 1.2.
 template <class Channel>
-class fill_image : public fill_image_base {
+class fill_image : public mero::internal::kept_pattern<fill_image_base, std::array<Channel, 4>,
+                                                       &fill_image_base::update_fill_color_pointer> {
 public:
-    /// Fills the box `region` at `origin`.
     fill_image(image& destination, std::array<Channel, 4> const& color, std::array<std::size_t, 3> const& origin,
                std::array<std::size_t, 3> const& region)
-        : fill_image_base(destination, nullptr, origin, region), color_(color) {
-        update_fill_color_pointer(color_.data());
-    }
-    fill_image(fill_image const& other) : fill_image_base(other), color_(other.color_) {
-        update_fill_color_pointer(color_.data());
-    }
-    fill_image& operator=(fill_image const& other) {
-        fill_image_base::operator=(other);
-        color_ = other.color_;
-        update_fill_color_pointer(color_.data());
-        return *this;
-    }
+        : fill_image::kept_pattern(color, destination, nullptr, origin, region) {}
 
 private:
     static_assert(std::is_same_v<Channel, float> || std::is_same_v<Channel, std::int32_t> ||
                       std::is_same_v<Channel, std::uint32_t>,
                   "OpenCL's fill colours are four float, int or unsigned int values");
-    std::array<Channel, 4> color_;
 };
 #endif
 

@@ -93,26 +93,10 @@ private:
 
 /// Fills shared virtual memory with `count` repetitions of an element, which the command keeps. Since OpenCL 2.0.
 template <class T>
-class fill_svm : public fill_svm_base {
+class fill_svm : public mero::internal::kept_pattern<fill_svm_base, T, &fill_svm_base::update_pattern_pointer> {
 public:
-    /// `destination` is aligned to the size of `T`; `count` counts elements.
     fill_svm(void* destination, T const& pattern, std::size_t count)
-        : fill_svm_base(destination, nullptr, sizeof(T), count), pattern_(pattern) {
-        update_pattern_pointer(std::addressof(pattern_));
-    }
-    fill_svm(fill_svm const& other) : fill_svm_base(other), pattern_(other.pattern_) {
-        update_pattern_pointer(std::addressof(pattern_));
-    }
-    fill_svm& operator=(fill_svm const& other) {
-        fill_svm_base::operator=(other);
-        pattern_ = other.pattern_;
-        update_pattern_pointer(std::addressof(pattern_));
-        return *this;
-    }
-
-private:
-    static_assert(std::is_trivially_copyable_v<T>, "OpenCL copies the pattern byte by byte");
-    T pattern_;
+        : fill_svm::kept_pattern(pattern, destination, nullptr, sizeof(T), count) {}
 };
 #endif
 

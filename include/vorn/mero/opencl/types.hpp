@@ -85,9 +85,7 @@ enum class sampler_addressing_mode : std::uint32_t {
     clamp_to_edge = 0x1131,
     clamp = 0x1132,
     repeat = 0x1133,
-#if VORN_MERO_OPENCL >= 110
-    mirrored_repeat = 0x1134,
-#endif
+    mirrored_repeat = 0x1134, ///< A constant of OpenCL since 1.1; refused by implementations of 1.0.
 };
 
 /// How a sampler reads between elements (`cl_filter_mode`).

@@ -1,0 +1,36 @@
+#pragma once
+
+#include <type_traits>
+#include <utility>
+
+namespace vorn::mero::internal {
+
+/// A fill command that keeps its pattern: `PointTo` is the member of `Base` that says where the pattern lies, which is
+/// told anew of each copy.
+template <class Base, class Pattern, void (Base::*PointTo)(void const*) noexcept>
+class kept_pattern : public Base {
+public:
+    template <class... Arguments>
+    explicit kept_pattern(Pattern const& pattern, Arguments&&... arguments)
+        : Base(std::forward<Arguments>(arguments)...), pattern_(pattern) {
+        point_to_own();
+    }
+
+    kept_pattern(kept_pattern const& other) : Base(other), pattern_(other.pattern_) { point_to_own(); }
+
+    kept_pattern& operator=(kept_pattern const& other) {
+        Base::operator=(other);
+        pattern_ = other.pattern_;
+        point_to_own();
+        return *this;
+    }
+
+private:
+    static_assert(std::is_trivially_copyable_v<Pattern>, "OpenCL copies the pattern byte by byte");
+
+    void point_to_own() noexcept { (this->*PointTo)(&pattern_); }
+
+    Pattern pattern_;
+};
+
+} // namespace vorn::mero::internal
