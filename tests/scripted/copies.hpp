@@ -8,8 +8,8 @@
 
 namespace scripted {
 
-/// The words of a property list: pairs up to a zero in the place of a name, or a list of counts, which has a zero of
-/// its own in front of that.
+/// The words of a property list: pairs up to a zero in the place of a name, or a list of counts up to the zero that ends
+/// it.
 template <class Word>
 std::size_t property_words(Word const* list) {
     constexpr Word partition_by_counts = 0x1087;
@@ -18,7 +18,7 @@ std::size_t property_words(Word const* list) {
         while (list[n] != 0) {
             ++n;
         }
-        return n + 2;
+        return n + 1;
     }
     while (list[n] != 0) {
         n += 2;
