@@ -5,5 +5,7 @@ int main(int count, char** words) {
         real::add_buffer_commands();
         real::add_image_commands();
         real::add_kernel_commands();
+        real::add_queues();
+        real::add_events();
     });
 }

@@ -33,7 +33,8 @@ inline void tell_thread(char const* what, std::thread::id caller) {
 void add_buffer_commands();
 void add_image_commands();
 void add_kernel_commands();
-void add_queues_and_events();
+void add_queues();
+void add_events();
 void add_shared_virtual_memory();
 void add_device_queues_and_pipes();
 void add_extensions();

@@ -1,0 +1,199 @@
+#include "commands.hpp"
+
+#include <optional>
+
+namespace real {
+namespace {
+
+/// A user event where the version has one; it holds back what waits for it.
+template <class Api>
+class gate {
+public:
+    explicit gate(bench<Api>& b) {
+        if constexpr (Api::number >= 110) {
+            promise_.emplace(b.context.create_user_event());
+        }
+    }
+
+    typename Api::event run(bench<Api>& b, typename Api::command const& command) {
+        if constexpr (Api::number >= 110) {
+            return b.run_after(command, promise_->get_event());
+        } else {
+            return b.queue.enqueue_command(command);
+        }
+    }
+
+    void expect_pending(typename Api::event& held) const {
+        if constexpr (Api::number >= 110) {
+            EXPECT_GT(held.execution_status(), Api::event_execution_status::complete);
+        }
+    }
+
+    void open() {
+        if constexpr (Api::number >= 110) {
+            promise_->set_status_success();
+        }
+    }
+
+private:
+    struct nothing {};
+    template <class A>
+    struct promise_of {
+        using type = nothing;
+    };
+    template <class A>
+    requires(A::number >= 110) struct promise_of<A> {
+        using type = typename A::event_promise;
+    };
+    std::optional<typename promise_of<Api>::type> promise_;
+};
+
+template <class Api>
+bool out_of_order_supported(bench<Api>& b) {
+    if constexpr (Api::number < 200) {
+        return b.device.out_of_order_command_queue_supported();
+    } else {
+        return b.device.host_out_of_order_command_queue_supported();
+    }
+}
+
+constexpr char const* combine_source = R"(
+kernel void f(global int const* a, global int const* b, global int* out, int product) {
+    size_t const i = get_global_id(0);
+    out[i] = product ? a[i] * b[i] : a[i] + b[i];
+})";
+
+// Two commands wait for the first and the last for both; nothing starts before all are enqueued.
+auto const runs_diamond = []<class Api>(bench<Api>& b) {
+    auto const values = counting(64);
+    auto first = b.store(numbers(64)), threes = b.store(numbers(64, 3));
+    auto left = b.store(numbers(64)), right = b.store(numbers(64)), last = b.store(numbers(64));
+    auto program = b.build(combine_source);
+    auto add = program.create_kernel("f"), multiply = program.create_kernel("f"), join = program.create_kernel("f");
+    b.set_arguments(add, first, threes, left, 0);
+    b.set_arguments(multiply, first, threes, right, 1);
+    b.set_arguments(join, left, right, last, 1);
+
+    gate<Api> held(b);
+    auto const top = held.run(b, typename Api::write_buffer(first, false, 0, 64 * 4, values.data()));
+    auto const one_side = b.run_after(Api::launch(add, 64, 8), top);
+    auto const other_side = b.run_after(Api::launch(multiply, 64, 8), top);
+    auto bottom = b.run_after(Api::launch(join, 64, 8), one_side, other_side);
+    numbers result(64);
+    auto const read = b.run_after(typename Api::read_buffer(last, false, 0, 64 * 4, result.data()), bottom);
+    held.expect_pending(bottom);
+    held.open();
+    b.wait_for(read);
+    numbers expected;
+    std::ranges::transform(values, std::back_inserter(expected), [](auto value) { return (value + 3) * value * 3; });
+    EXPECT_EQ(result, expected);
+};
+
+template <class Scenario>
+auto out_of_order(Scenario scenario) {
+    return [scenario]<class Api>(bench<Api>& b) {
+        b.queue = Api::create_queue(b.context, b.device, true, false);
+        EXPECT_TRUE(out_of_order_supported(b) || b.name == "rusticl"); // makes one since 2.0, of which it says no
+        EXPECT_TRUE(b.queue.out_of_order_execution_enabled());
+        scenario(b);
+    };
+}
+
+template <class Api>
+typename Api::event mark(typename Api::host_queue& queue, Api) {
+    if constexpr (Api::number < 120) {
+        queue.barrier();
+        return queue.enqueue_marker();
+    } else {
+        auto const barrier = queue.barrier(0, nullptr);
+        auto const list = raw_of(barrier);
+        return queue.enqueue_marker(1, &list);
+    }
+}
+
+auto const keeps_order_by_barriers = []<class Api>(bench<Api>& b) {
+    auto const values = counting(64);
+    auto first = b.store(numbers(64)), second = b.store(numbers(64));
+    gate<Api> held(b);
+    held.run(b, typename Api::write_buffer(first, false, 0, 64 * 4, values.data()));
+    auto marker = mark(b.queue, Api{});
+    b.run(typename Api::copy_buffer(first, second, 0, 0, 64 * 4));
+    held.expect_pending(marker);
+    held.open();
+    b.wait_for(marker);
+    EXPECT_EQ(marker.execution_status(), Api::event_execution_status::complete);
+    EXPECT_EQ(b.load(second), values);
+};
+
+auto const waits_for_listed_events = []<class Api>(bench<Api>& b) {
+    auto const values = counting(64);
+    auto first = b.store(numbers(64)), second = b.store(numbers(64));
+    auto promise = b.context.create_user_event();
+    auto const held =
+        b.run_after(typename Api::write_buffer(first, false, 0, 64 * 4, values.data()), promise.get_event());
+    auto const list = raw_of(held);
+    auto marker = b.queue.enqueue_marker(1, &list);
+    auto barrier = b.queue.barrier(1, &list);
+    b.run(typename Api::copy_buffer(first, second, 0, 0, 64 * 4));
+    EXPECT_GT(marker.execution_status(), Api::event_execution_status::complete);
+    EXPECT_GT(barrier.execution_status(), Api::event_execution_status::complete);
+    promise.set_status_success();
+    b.wait_for(marker, barrier);
+    EXPECT_EQ(b.load(second), values);
+};
+
+auto const enqueues_wait_for_events = []<class Api>(bench<Api>& b) {
+    auto const values = counting(64);
+    auto first = b.store(numbers(64)), second = b.store(numbers(64));
+    auto const written = b.queue.enqueue_command(typename Api::write_buffer(first, false, 0, 64 * 4, values.data()));
+    auto const list = raw_of(written);
+    b.queue.enqueue_wait_for_events(1, &list);
+    b.run(typename Api::copy_buffer(first, second, 0, 0, 64 * 4));
+    EXPECT_EQ(b.load(second), values);
+};
+
+auto const switches_properties_on = []<class Api>(bench<Api>& b) {
+    b.queue.enable_profiling();
+    b.queue.enable_out_of_order_execution();
+    if (b.name == "oclgrind") {
+        skip("answers success and changes nothing");
+    }
+    EXPECT_TRUE(b.queue.profiling_enabled());
+    EXPECT_TRUE(b.queue.out_of_order_execution_enabled());
+};
+
+auto const answers_queries = []<class Api>(bench<Api>& b) {
+    auto profiled = Api::create_queue(b.context, b.device, false, true);
+    EXPECT_TRUE(profiled.profiling_enabled());
+    EXPECT_FALSE(profiled.out_of_order_execution_enabled());
+    EXPECT_FALSE(b.queue.profiling_enabled());
+    EXPECT_EQ(b.queue.get_context(), b.context);
+    EXPECT_EQ(b.queue.get_device(), b.device);
+    auto values = counting(4);
+    auto target = b.store(values);
+    auto const written = profiled.enqueue_command(typename Api::write_buffer(target, false, 0, 16, values.data()));
+    profiled.flush();
+    b.wait_for(written);
+    EXPECT_EQ(written.get_command_queue(), profiled);
+    constexpr std::uint32_t write_buffer_type = 0x11F4;
+    EXPECT_EQ(written.get_command_type(), write_buffer_type);
+    if constexpr (Api::number >= 110) {
+        EXPECT_TRUE(written.has_associated_command_queue());
+        EXPECT_EQ(written.get_context(), b.context);
+    }
+};
+
+} // namespace
+
+void add_queues() {
+    add_scenario<100>("runs_a_diamond_in_order", "wait lists", runs_diamond);
+    add_scenario<100>("runs_a_diamond_out_of_order", "out-of-order queues", out_of_order(runs_diamond));
+    add_scenario<100>("keeps_order_by_barriers", "out-of-order queues", out_of_order(keeps_order_by_barriers));
+    add_scenario<100>("marks_and_bars_in_order", "markers and barriers", keeps_order_by_barriers);
+    add_scenario<120>("waits_for_listed_events", "out-of-order queues", out_of_order(waits_for_listed_events));
+    add_scenario<100, 100>("enqueues_wait_for_events", "waits for events in a queue", enqueues_wait_for_events);
+    add_scenario<100, 100>("switches_properties_on", "queue properties switched on", switches_properties_on);
+    add_scenario<100>("answers_queries_of_queues", "queue queries", answers_queries);
+}
+
+} // namespace real
