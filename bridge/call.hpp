@@ -46,34 +46,20 @@ void invoke(Block& block, Function function, Fields... fields) {
     block.status = function != nullptr ? function(argument{fields}...) : CL_INVALID_OPERATION;
 }
 
-/// A function that returns an object or a pointer, and its status through its last parameter.
+/// A function that returns an object or a pointer, and its status through its last parameter. The block of a failed one
+/// shows null; an object that came beside the error is returned instead.
 template <class Block, class Function, class... Fields>
-void create(Block& block, Function function, Fields... fields) {
+auto create(Block& block, Function function, Fields... fields) {
+    using object = decltype(function(argument{fields}..., nullptr));
     if (function == nullptr) {
-        return refuse(block, CL_INVALID_OPERATION);
+        refuse(block, CL_INVALID_OPERATION);
+        return object{nullptr};
     }
     cl_int code = CL_SUCCESS;
-    block.result = argument{function(argument{fields}..., &code)};
+    object made = function(argument{fields}..., &code);
+    block.result = argument{code == CL_SUCCESS ? made : nullptr};
     block.error_code = code;
-    if (code != CL_SUCCESS) [[unlikely]] {
-        block.result = nullptr;
-    }
-}
-
-/// As `create`, for the two functions that can leave an object beside their error: nobody else would release it.
-template <class Block, class Function, class Release, class... Fields>
-void create_or_release(Block& block, Function function, Release release, Fields... fields) {
-    if (function == nullptr) {
-        return refuse(block, CL_INVALID_OPERATION);
-    }
-    cl_int code = CL_SUCCESS;
-    auto* object = function(argument{fields}..., &code);
-    if (code != CL_SUCCESS && object != nullptr) {
-        release(object);
-        object = nullptr;
-    }
-    block.result = argument{object};
-    block.error_code = code;
+    return code == CL_SUCCESS ? nullptr : made;
 }
 
 } // namespace nq::bridge

@@ -29,6 +29,8 @@ namespace nq::bridge {
 
 STATUS(clCreateSubDevices, b.in_device, b.properties, b.num_devices, b.out_devices, b.num_devices_ret)
 CREATE(clCreateContext, b.properties, b.num_devices, b.devices, b.pfn_notify, b.user_data)
+// Beside an error PoCL hands out a context without devices; its release would abort, so nobody gets it.
+CREATE(clCreateContextFromType, b.properties, b.device_type, b.pfn_notify, b.user_data)
 CREATE(clCreateCommandQueue, b.context, b.device, b.properties)
 CREATE(clCreateCommandQueueWithProperties, b.context, b.device, b.properties)
 STATUS(clSetDefaultDeviceCommandQueue, b.context, b.device, b.command_queue)
@@ -41,12 +43,6 @@ CREATE(clCreateUserEvent, b.context)
 STATUS(clSetUserEventStatus, b.event, b.execution_status)
 STATUS(clSetEventCallback, b.event, b.command_exec_callback_type, b.pfn_notify, b.user_data)
 STATUS(clWaitForEvents, b.num_events, b.event_list)
-
-inline void perform(nq_call_handle const& handle, block::clCreateContextFromType& b) {
-    functions const& cl = handle.owner->cl;
-    create_or_release(b, cl.clCreateContextFromType, cl.clReleaseContext, b.properties, b.device_type, b.pfn_notify,
-                      b.user_data);
-}
 
 // References
 
@@ -109,10 +105,14 @@ STATUS(clSetKernelArg, b.kernel, b.arg_index, b.arg_size, b.arg_value)
 STATUS(clSetKernelArgSVMPointer, b.kernel, b.arg_index, b.arg_value)
 STATUS(clSetKernelExecInfo, b.kernel, b.param_name, b.param_value_size, b.param_value)
 
+// A failed link can leave a program that holds the log, as rusticl's and Intel's do.
 inline void perform(nq_call_handle const& handle, block::clLinkProgram& b) {
     functions const& cl = handle.owner->cl;
-    create_or_release(b, cl.clLinkProgram, cl.clReleaseProgram, b.context, b.num_devices, b.device_list, b.options,
-                      b.num_input_programs, b.input_programs, b.pfn_notify, b.user_data);
+    auto* const left = create(b, cl.clLinkProgram, b.context, b.num_devices, b.device_list, b.options,
+                              b.num_input_programs, b.input_programs, b.pfn_notify, b.user_data);
+    if (left != nullptr) {
+        cl.clReleaseProgram(left);
+    }
 }
 
 // The loader's own clUnloadCompiler asks no implementation.

@@ -30,6 +30,10 @@ void context_of_a_type(session<Version>& s) {
     devices.resize(size / sizeof(void*));
     EXPECT_NE(std::ranges::find(devices, s.device), devices.end());
     s.ok(clReleaseContext{made});
+    // PoCL hands out a context without devices beside its error
+    auto const none = s.call(clCreateContextFromType{properties.data(), device_type_custom});
+    EXPECT_NE(none.error_code, success);
+    EXPECT_EQ(none.result, nullptr);
 }
 
 // No implementation here carries it out: Oclgrind says success and changes nothing, the others refuse.

@@ -103,6 +103,22 @@ void compiled_and_linked(session<Version>& s) {
     }
 }
 
+// rusticl and Intel's runtime hand out a program beside the error of a failed link.
+template <nq::capability Version>
+void not_to_be_linked(session<Version>& s) {
+    auto* const object = make_program(s, "void missing(void); __kernel void all(void) { missing(); }");
+    s.ok(clCompileProgram{.program = object, .device_list = &s.device, .options = "", .num_devices = 1});
+    auto const made = s.call(clLinkProgram{.context = s.context,
+                                           .device_list = &s.device,
+                                           .options = "",
+                                           .input_programs = &object,
+                                           .num_devices = 1,
+                                           .num_input_programs = 1});
+    EXPECT_NE(made.error_code, success);
+    EXPECT_EQ(made.result, nullptr);
+    s.ok(clReleaseProgram{object});
+}
+
 template <nq::capability Version>
 void built_in(session<Version>& s) {
     std::string names = s.text(clGetDeviceInfo{s.device}, device_built_in_kernels);
@@ -192,6 +208,9 @@ void programs(session<Version>& s) {
     } else {
         s.ok(clUnloadPlatformCompiler{s.platform});
         compiled_and_linked(s);
+        if (s.name != "oclgrind") { // it links anything
+            not_to_be_linked(s);
+        }
         built_in(s);
     }
     if constexpr (nq::has_command<Version, clCreateProgramWithIL>) {

@@ -13,7 +13,7 @@ inline constexpr std::int32_t success = 0, invalid_value = -30, invalid_platform
                               invalid_event = -58, invalid_operation = -59, invalid_image_descriptor = -65;
 
 inline constexpr std::uint32_t platform_name = 0x0902;
-inline constexpr std::uint64_t device_type_all = 0xFFFFFFFF;
+inline constexpr std::uint64_t device_type_custom = 16, device_type_all = 0xFFFFFFFF;
 inline constexpr std::uint32_t device_platform = 0x1031, device_version = 0x102F, device_built_in_kernels = 0x103F,
                                device_parent = 0x1042, device_reference_count = 0x1047;
 inline constexpr std::int64_t context_platform = 0x1084, partition_equally = 0x1086;
