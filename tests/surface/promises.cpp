@@ -71,8 +71,9 @@ constexpr bool keeps_its_promises() {
     static_assert(std::is_empty_v<typename Api::create_reference> && std::is_empty_v<typename Api::take_ownership>);
 
     using binary = typename Api::device_binary;
-    static_assert(std::is_aggregate_v<binary> &&
-                  std::is_constructible_v<binary, typename Api::device, std::vector<unsigned char>>);
+    static_assert(std::is_aggregate_v<binary> && requires(typename Api::device const& target) {
+        binary{target, {0, 1}};
+    });
     static_assert(offsetof(binary, device) == 0 &&
                   sizeof(binary) == sizeof(typename Api::device) + sizeof(std::vector<unsigned char>));
 

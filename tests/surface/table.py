@@ -155,5 +155,8 @@ def read():
         elif current.kind == "errors":
             current.rows.append((int(versions), *text.split()))
         else:
-            current.rows.append(parse_row(current, both(versions_of(versions), current.versions), text))
+            listed = versions_of(versions)
+            if listed and listed.start < current.versions.start:
+                raise ValueError(f"{current.name} has a member before it exists: {line}")
+            current.rows.append(parse_row(current, both(listed, current.versions), text))
     return sections
