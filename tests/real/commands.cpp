@@ -7,5 +7,8 @@ int main(int count, char** words) {
         real::add_kernel_commands();
         real::add_queues();
         real::add_events();
+        real::add_shared_virtual_memory();
+        real::add_device_queues_and_pipes();
+        real::add_extensions();
     });
 }

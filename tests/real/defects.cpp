@@ -21,6 +21,10 @@ std::vector<defect> const& known_defects() {
         {"pocl", "pipes", invalid_operation, "has no pipes"},
         {"rusticl", "pipes", invalid_operation, "has no pipes"},
         {"oclgrind", "pipes", invalid_operation, "has no pipes"},
+        {"rusticl", "SVM", invalid_operation, "has no shared virtual memory"},
+        {"pocl", "device queues", invalid_queue_properties, "would end the process"},
+        {"rusticl", "device queues", success, "makes a queue of the host instead"},
+        {"rusticl", "cl_khr_spir", invalid_value, "does not have it"},
     };
     return all;
 }
