@@ -113,6 +113,11 @@ void libnq::set_failure(std::string_view name, failure how, unsigned n) {
     state_->faults_to_come.push_back({std::string(name), how, n});
 }
 
+void libnq::stop_failing() {
+    std::lock_guard const lock(state_->mutex);
+    state_->faults_to_come.clear();
+}
+
 std::vector<call> libnq::calls() const {
     std::lock_guard const lock(state_->mutex);
     return state_->calls;

@@ -59,7 +59,9 @@ SCRIPTED_EXPORT int nq_find_capability_nodes(nq::device device, nq::capability c
               .capacity = capacity,
               .has_array = nodes != nullptr},
              reserved);
-    return answer(nq.self.nodes[{device, capability}], capacity, nodes, count);
+    auto const found = nq.self.nodes.find({device, capability});
+    return answer(found != nq.self.nodes.end() ? found->second : scripted::listing<nq::capability_node>(), capacity,
+                  nodes, count);
 }
 
 SCRIPTED_EXPORT int nq_create_call_handle(nq::capability_node node, nq_call_handle** handle, void* reserved) {

@@ -205,6 +205,8 @@ public:
     void fail(failure how, unsigned n = 1) {
         set_failure(name_of<Block>(), how, n);
     }
+    /// Forgets the failures that are still to come.
+    void stop_failing();
 
     // What was called since the start, or since `forget_calls`.
     std::vector<call> calls() const;
