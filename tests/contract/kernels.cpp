@@ -15,7 +15,7 @@ void add_to_first(void* arguments) {
 template <nq::capability Version>
 void native(session<Version>& s, _nq_cl_mem* buffer) {
     std::array<void*, 1> arguments{};
-    void const* place = &arguments[0];
+    void const* place = arguments.data();
     auto const before = read(s, buffer)[0];
     clEnqueueNativeKernel request{.command_queue = s.queue,
                                   .user_func = add_to_first,
