@@ -16,23 +16,20 @@ void compare_copies(fixture& on, std::function<void()> const& finish) {
     auto const b = on.raw(on.b);
     auto* const host = on.host.data();
     compare(
-        "read_buffer", [=] { OPENCL(clEnqueueReadBuffer)
-                             (queue, a, CL_FALSE, 0, bytes, host, 0, nullptr, nullptr); },
+        "read_buffer", [=] { c_api().clEnqueueReadBuffer(queue, a, CL_FALSE, 0, bytes, host, 0, nullptr, nullptr); },
         [&, host] { on.queue.enqueue_command_without_event(mero::read_buffer(on.a, false, 0, bytes, host)); }, finish);
     compare(
-        "write_buffer", [=] { OPENCL(clEnqueueWriteBuffer)
-                              (queue, a, CL_FALSE, 0, bytes, host, 0, nullptr, nullptr); },
+        "write_buffer", [=] { c_api().clEnqueueWriteBuffer(queue, a, CL_FALSE, 0, bytes, host, 0, nullptr, nullptr); },
         [&, host] { on.queue.enqueue_command_without_event(mero::write_buffer(on.a, false, 0, bytes, host)); }, finish);
     compare(
-        "copy_buffer", [=] { OPENCL(clEnqueueCopyBuffer)
-                             (queue, a, b, 0, 0, bytes, 0, nullptr, nullptr); },
+        "copy_buffer", [=] { c_api().clEnqueueCopyBuffer(queue, a, b, 0, 0, bytes, 0, nullptr, nullptr); },
         [&] { on.queue.enqueue_command_without_event(mero::copy_buffer(on.a, on.b, 0, 0, bytes)); }, finish);
     compare(
         "map_buffer+unmap_mem_object",
         [=] {
             void* const mapped =
-                OPENCL(clEnqueueMapBuffer)(queue, a, CL_FALSE, CL_MAP_READ, 0, bytes, 0, nullptr, nullptr, nullptr);
-            OPENCL(clEnqueueUnmapMemObject)(queue, a, mapped, 0, nullptr, nullptr);
+                c_api().clEnqueueMapBuffer(queue, a, CL_FALSE, CL_MAP_READ, 0, bytes, 0, nullptr, nullptr, nullptr);
+            c_api().clEnqueueUnmapMemObject(queue, a, mapped, 0, nullptr, nullptr);
         },
         [&] {
             void* mapped = nullptr;
@@ -51,8 +48,8 @@ void compare_boxes(fixture& on, std::function<void()> const& finish) {
     compare(
         "read_buffer_rect",
         [=] {
-            OPENCL(clEnqueueReadBufferRect)
-            (queue, a, CL_FALSE, origin.data(), origin.data(), box.data(), 0, 0, 0, 0, host, 0, nullptr, nullptr);
+            c_api().clEnqueueReadBufferRect(queue, a, CL_FALSE, origin.data(), origin.data(), box.data(), 0, 0, 0, 0,
+                                            host, 0, nullptr, nullptr);
         },
         [&, host] {
             on.queue.enqueue_command_without_event(
@@ -62,8 +59,8 @@ void compare_boxes(fixture& on, std::function<void()> const& finish) {
     compare(
         "write_buffer_rect",
         [=] {
-            OPENCL(clEnqueueWriteBufferRect)
-            (queue, a, CL_FALSE, origin.data(), origin.data(), box.data(), 0, 0, 0, 0, host, 0, nullptr, nullptr);
+            c_api().clEnqueueWriteBufferRect(queue, a, CL_FALSE, origin.data(), origin.data(), box.data(), 0, 0, 0, 0,
+                                             host, 0, nullptr, nullptr);
         },
         [&, host] {
             on.queue.enqueue_command_without_event(
@@ -73,8 +70,8 @@ void compare_boxes(fixture& on, std::function<void()> const& finish) {
     compare(
         "copy_buffer_rect",
         [=] {
-            OPENCL(clEnqueueCopyBufferRect)
-            (queue, a, b, origin.data(), origin.data(), box.data(), 0, 0, 0, 0, 0, nullptr, nullptr);
+            c_api().clEnqueueCopyBufferRect(queue, a, b, origin.data(), origin.data(), box.data(), 0, 0, 0, 0, 0,
+                                            nullptr, nullptr);
         },
         [&] {
             on.queue.enqueue_command_without_event(mero::copy_buffer_rect(on.a, on.b, origin, origin, box, 0, 0, 0, 0));
@@ -87,7 +84,7 @@ void compare_fills(fixture& on, std::function<void()> const& finish) {
     auto const a = on.raw(on.a);
     static constexpr cl_uint pattern = 7;
     auto const fill = [=] {
-        OPENCL(clEnqueueFillBuffer)(queue, a, &pattern, sizeof pattern, 0, bytes, 0, nullptr, nullptr);
+        c_api().clEnqueueFillBuffer(queue, a, &pattern, sizeof pattern, 0, bytes, 0, nullptr, nullptr);
     };
     compare(
         "fill_buffer_base", fill,
@@ -103,8 +100,7 @@ void compare_fills(fixture& on, std::function<void()> const& finish) {
         },
         finish);
     compare(
-        "migrate_mem_objects", [=] { OPENCL(clEnqueueMigrateMemObjects)
-                                     (queue, 1, &a, 0, 0, nullptr, nullptr); },
+        "migrate_mem_objects", [=] { c_api().clEnqueueMigrateMemObjects(queue, 1, &a, 0, 0, nullptr, nullptr); },
         [&, command = mero::migrate_mem_objects({mero::raw::get_raw_memory_object(on.a)}, mero::migration_flags{})] {
             on.queue.enqueue_command_without_event(command);
         },

@@ -29,8 +29,8 @@ void compare_transfers(fixture& on, std::shared_ptr<images> const& of, std::func
     compare(
         "read_image",
         [=] {
-            OPENCL(clEnqueueReadImage)
-            (queue, image, CL_FALSE, origin.data(), region.data(), 0, 0, host, 0, nullptr, nullptr);
+            c_api().clEnqueueReadImage(queue, image, CL_FALSE, origin.data(), region.data(), 0, 0, host, 0, nullptr,
+                                       nullptr);
         },
         [&on, of, host] {
             on.queue.enqueue_command_without_event(mero::read_image(of->first, false, origin, region, 0, 0, host));
@@ -39,8 +39,8 @@ void compare_transfers(fixture& on, std::shared_ptr<images> const& of, std::func
     compare(
         "write_image",
         [=] {
-            OPENCL(clEnqueueWriteImage)
-            (queue, image, CL_FALSE, origin.data(), region.data(), 0, 0, host, 0, nullptr, nullptr);
+            c_api().clEnqueueWriteImage(queue, image, CL_FALSE, origin.data(), region.data(), 0, 0, host, 0, nullptr,
+                                        nullptr);
         },
         [&on, of, host] {
             on.queue.enqueue_command_without_event(mero::write_image(of->first, false, origin, region, 0, 0, host));
@@ -51,9 +51,9 @@ void compare_transfers(fixture& on, std::shared_ptr<images> const& of, std::func
         [=] {
             std::size_t row = 0;
             std::size_t slice = 0;
-            void* const mapped = OPENCL(clEnqueueMapImage)(queue, image, CL_FALSE, CL_MAP_READ, origin.data(),
+            void* const mapped = c_api().clEnqueueMapImage(queue, image, CL_FALSE, CL_MAP_READ, origin.data(),
                                                            region.data(), &row, &slice, 0, nullptr, nullptr, nullptr);
-            OPENCL(clEnqueueUnmapMemObject)(queue, image, mapped, 0, nullptr, nullptr);
+            c_api().clEnqueueUnmapMemObject(queue, image, mapped, 0, nullptr, nullptr);
         },
         [&on, of] {
             void* mapped = nullptr;
@@ -74,8 +74,8 @@ void compare_moves(fixture& on, std::shared_ptr<images> const& of, std::function
     compare(
         "copy_image",
         [=] {
-            OPENCL(clEnqueueCopyImage)
-            (queue, first, second, origin.data(), origin.data(), region.data(), 0, nullptr, nullptr);
+            c_api().clEnqueueCopyImage(queue, first, second, origin.data(), origin.data(), region.data(), 0, nullptr,
+                                       nullptr);
         },
         [&on, of] {
             on.queue.enqueue_command_without_event(mero::copy_image(of->first, of->second, origin, origin, region));
@@ -84,8 +84,8 @@ void compare_moves(fixture& on, std::shared_ptr<images> const& of, std::function
     compare(
         "copy_image_to_buffer",
         [=] {
-            OPENCL(clEnqueueCopyImageToBuffer)
-            (queue, first, buffer, origin.data(), region.data(), 0, 0, nullptr, nullptr);
+            c_api().clEnqueueCopyImageToBuffer(queue, first, buffer, origin.data(), region.data(), 0, 0, nullptr,
+                                               nullptr);
         },
         [&on, of] {
             on.queue.enqueue_command_without_event(mero::copy_image_to_buffer(of->first, on.a, origin, region, 0));
@@ -94,8 +94,8 @@ void compare_moves(fixture& on, std::shared_ptr<images> const& of, std::function
     compare(
         "copy_buffer_to_image",
         [=] {
-            OPENCL(clEnqueueCopyBufferToImage)
-            (queue, buffer, first, 0, origin.data(), region.data(), 0, nullptr, nullptr);
+            c_api().clEnqueueCopyBufferToImage(queue, buffer, first, 0, origin.data(), region.data(), 0, nullptr,
+                                               nullptr);
         },
         [&on, of] {
             on.queue.enqueue_command_without_event(mero::copy_buffer_to_image(on.a, of->first, 0, origin, region));
@@ -104,8 +104,7 @@ void compare_moves(fixture& on, std::shared_ptr<images> const& of, std::function
     compare(
         "fill_image_base",
         [=] {
-            OPENCL(clEnqueueFillImage)
-            (queue, first, color.data(), origin.data(), region.data(), 0, nullptr, nullptr);
+            c_api().clEnqueueFillImage(queue, first, color.data(), origin.data(), region.data(), 0, nullptr, nullptr);
         },
         [&on, of] {
             on.queue.enqueue_command_without_event(mero::fill_image_base(of->first, color.data(), origin, region));

@@ -12,7 +12,7 @@ constexpr std::array<std::size_t, 3> one{1, 1, 1};
 void do_nothing(void*) {}
 
 void launch(cl_command_queue queue, cl_kernel kernel, cl_event* event) {
-    OPENCL(clEnqueueNDRangeKernel)(queue, kernel, 1, origin.data(), one.data(), one.data(), 0, nullptr, event);
+    c_api().clEnqueueNDRangeKernel(queue, kernel, 1, origin.data(), one.data(), one.data(), 0, nullptr, event);
 }
 
 } // namespace
@@ -29,13 +29,12 @@ void compare_kernel_commands(fixture& on) {
         [=] {
             cl_event event = nullptr;
             launch(queue, kernel, &event);
-            OPENCL(clReleaseEvent)(event);
+            c_api().clReleaseEvent(event);
         },
         [&] { on.queue.enqueue_command(mero::nd_range_kernel(on.kernel, 1, origin, one, one)); }, finish);
     compare(
         "native_kernel",
-        [=] { OPENCL(clEnqueueNativeKernel)
-              (queue, do_nothing, nullptr, 0, 0, nullptr, nullptr, 0, nullptr, nullptr); },
+        [=] { c_api().clEnqueueNativeKernel(queue, do_nothing, nullptr, 0, 0, nullptr, nullptr, 0, nullptr, nullptr); },
         [&] {
             on.queue.enqueue_command_without_event(mero::native_kernel(do_nothing, nullptr, 0, 0, nullptr, nullptr));
         },

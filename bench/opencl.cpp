@@ -26,6 +26,11 @@ void* find(char const* name) {
     return function;
 }
 
+c_functions const& c_api() {
+    static c_functions const functions;
+    return functions;
+}
+
 fixture::fixture(mero::device const& on)
     : device(on), context(mero::create_context({}, {on}, nullptr, nullptr)),
       queue(context.create_host_command_queue(on, false, false)), program(build(context)),

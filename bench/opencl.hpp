@@ -13,15 +13,30 @@ namespace bench {
 
 namespace mero = vorn::mero::opencl_2_1;
 
-/// A function of the C API; ends the process when the loader lacks it.
+// The functions of the C API that are compared with.
+// clang-format off
+#define BENCH_FUNCTIONS(X) \
+    X(clEnqueueCopyBuffer) X(clEnqueueCopyBufferRect) X(clEnqueueCopyBufferToImage) X(clEnqueueCopyImage) \
+    X(clEnqueueCopyImageToBuffer) X(clEnqueueFillBuffer) X(clEnqueueFillImage) X(clEnqueueMapBuffer) \
+    X(clEnqueueMapImage) X(clEnqueueMarkerWithWaitList) X(clEnqueueMigrateMemObjects) \
+    X(clEnqueueNDRangeKernel) X(clEnqueueNativeKernel) X(clEnqueueReadBuffer) X(clEnqueueReadBufferRect) \
+    X(clEnqueueReadImage) X(clEnqueueSVMFree) X(clEnqueueSVMMap) X(clEnqueueSVMMemFill) X(clEnqueueSVMMemcpy) \
+    X(clEnqueueSVMMigrateMem) X(clEnqueueSVMUnmap) X(clEnqueueUnmapMemObject) X(clEnqueueWriteBuffer) \
+    X(clEnqueueWriteBufferRect) X(clEnqueueWriteImage) X(clGetDeviceInfo) X(clReleaseContext) \
+    X(clReleaseEvent) X(clRetainContext) X(clSVMAlloc) X(clSetKernelArg)
+// clang-format on
+
+/// A function of the OpenCL loader; ends the process when it lacks it.
 void* find(char const* name);
 
-/// A function of the C API under its own name, looked up once.
-#define OPENCL(name)                                                                                                   \
-    ([]() -> decltype(&name) {                                                                                         \
-        static auto const function = reinterpret_cast<decltype(&name)>(bench::find(#name));                            \
-        return function;                                                                                               \
-    }())
+/// The functions of the C API under their own names.
+struct c_functions {
+#define BENCH_FUNCTION(name) decltype(&::name) name = reinterpret_cast<decltype(&::name)>(find(#name));
+    BENCH_FUNCTIONS(BENCH_FUNCTION)
+#undef BENCH_FUNCTION
+};
+
+c_functions const& c_api();
 
 /// The objects that the operations work on, on one device.
 struct fixture {

@@ -27,16 +27,14 @@ void compare_moves(fixture& on, std::shared_ptr<allocation> const& of, std::func
     auto* const memory = static_cast<unsigned char*>(of->memory);
     compare(
         "svm_memcpy",
-        [=] { OPENCL(clEnqueueSVMMemcpy)
-              (queue, CL_FALSE, memory, memory + bytes, bytes, 0, nullptr, nullptr); },
+        [=] { c_api().clEnqueueSVMMemcpy(queue, CL_FALSE, memory, memory + bytes, bytes, 0, nullptr, nullptr); },
         [&on, of, memory] {
             on.queue.enqueue_command_without_event(mero::svm_memcpy(0, memory, memory + bytes, bytes));
         },
         finish);
     compare(
         "fill_svm_base",
-        [=] { OPENCL(clEnqueueSVMMemFill)
-              (queue, memory, &pattern, sizeof pattern, bytes, 0, nullptr, nullptr); },
+        [=] { c_api().clEnqueueSVMMemFill(queue, memory, &pattern, sizeof pattern, bytes, 0, nullptr, nullptr); },
         [&on, of, memory] {
             on.queue.enqueue_command_without_event(
                 mero::fill_svm_base(memory, &pattern, sizeof pattern, bytes / sizeof pattern));
@@ -45,8 +43,8 @@ void compare_moves(fixture& on, std::shared_ptr<allocation> const& of, std::func
     compare(
         "svm_map+svm_unmap",
         [=] {
-            OPENCL(clEnqueueSVMMap)(queue, CL_FALSE, CL_MAP_READ, memory, bytes, 0, nullptr, nullptr);
-            OPENCL(clEnqueueSVMUnmap)(queue, memory, 0, nullptr, nullptr);
+            c_api().clEnqueueSVMMap(queue, CL_FALSE, CL_MAP_READ, memory, bytes, 0, nullptr, nullptr);
+            c_api().clEnqueueSVMUnmap(queue, memory, 0, nullptr, nullptr);
         },
         [&on, of, memory] {
             on.queue.enqueue_command_without_event(mero::svm_map(false, mero::map_flags::read, memory, bytes));
@@ -61,8 +59,7 @@ void compare_ownership(fixture& on, std::shared_ptr<allocation> const& of, std::
     static void const* migrated = of->memory;
     compare(
         "svm_migrate_mem",
-        [=] { OPENCL(clEnqueueSVMMigrateMem)
-              (queue, 1, &migrated, nullptr, 0, 0, nullptr, nullptr); },
+        [=] { c_api().clEnqueueSVMMigrateMem(queue, 1, &migrated, nullptr, 0, 0, nullptr, nullptr); },
         [&on, of, command = mero::svm_migrate_mem({of->memory}, {0}, mero::migration_flags{})] {
             on.queue.enqueue_command_without_event(command);
         },
@@ -70,8 +67,8 @@ void compare_ownership(fixture& on, std::shared_ptr<allocation> const& of, std::
     compare(
         "svm_allocate+svm_free",
         [=] {
-            void* memory = OPENCL(clSVMAlloc)(context, CL_MEM_READ_WRITE, bytes, 0);
-            OPENCL(clEnqueueSVMFree)(queue, 1, &memory, nullptr, nullptr, 0, nullptr, nullptr);
+            void* memory = c_api().clSVMAlloc(context, CL_MEM_READ_WRITE, bytes, 0);
+            c_api().clEnqueueSVMFree(queue, 1, &memory, nullptr, nullptr, 0, nullptr, nullptr);
         },
         [&on] {
             void* const memory = on.context.svm_allocate(mero::svm_mem_flags::read_write, bytes, 0);
