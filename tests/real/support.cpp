@@ -59,13 +59,17 @@ defect const* find_defect(scenario_name const& name, common::error_code status) 
     return found != all.end() ? &*found : nullptr;
 }
 
+std::string about(scenario_name const& name) {
+    return name.implementation.empty() ? "" : name.implementation + ", " + name.feature + ": ";
+}
+
 std::string explain(scenario_name const& name, common::opencl_error const& error) {
     defect const* const known = find_defect(name, error.code());
     if (known == nullptr && is_known(name.implementation)) {
         ADD_FAILURE() << "status " << static_cast<int>(error.code()) << ": " << error.what();
     }
-    return name.implementation + ", " + name.feature + ": " + refused + std::to_string(static_cast<int>(error.code())) +
-           ", " + (known != nullptr ? known->reason : error.what());
+    return about(name) + refused + std::to_string(static_cast<int>(error.code())) + ", " +
+           (known != nullptr ? known->reason : error.what());
 }
 
 class scenario_test : public testing::Test {
@@ -74,7 +78,7 @@ public:
 
     void TestBody() override {
         if (defect const* const known = find_defect(name_, common::error_code::success)) {
-            GTEST_SKIP() << name_.implementation << ", " << name_.feature << ": " << known->reason;
+            GTEST_SKIP() << about(name_) << known->reason;
         }
         run_body();
         expect_no_context();
@@ -85,7 +89,7 @@ private:
         try {
             body_();
         } catch (skipped const& reason) {
-            GTEST_SKIP() << name_.implementation << ", " << name_.feature << ": " << reason.what();
+            GTEST_SKIP() << about(name_) << reason.what();
         } catch (common::opencl_error const& error) {
             GTEST_SKIP() << explain(name_, error);
         }

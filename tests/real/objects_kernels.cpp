@@ -1,0 +1,200 @@
+#include "c_answers.hpp"
+#include "objects.hpp"
+
+namespace real {
+namespace {
+
+using integers = std::vector<std::int32_t>;
+
+char const* const source = "__kernel __attribute__((reqd_work_group_size(8, 1, 1)))"
+                           "void f(__global int* restrict out, __constant int* in, __local int* scratch,"
+                           "       const int scale, __read_only image2d_t picture) {"
+                           "  scratch[get_local_id(0)] = in[get_global_id(0)] * scale;"
+                           "  barrier(CLK_LOCAL_MEM_FENCE);"
+                           "  out[get_global_id(0)] = scratch[7 - get_local_id(0)] + get_image_width(picture); }";
+
+template <class Api>
+void queries(bench<Api>& b) {
+    auto const program = b.build(source);
+    auto kernel = typename Api::program(program).create_kernel("f");
+    EXPECT_EQ(kernel.function_name(), "f");
+    EXPECT_EQ(kernel.num_args(), 5U);
+    EXPECT_EQ(raw_of(kernel.get_context()), raw_of(b.context));
+    EXPECT_EQ(kernel.get_program(), program);
+    EXPECT_EQ(kernel.compile_work_group_size(b.device), (std::array<std::size_t, 3>{8, 1, 1}));
+    auto const raw = reinterpret_cast<cl_kernel>(raw_of(kernel));
+    auto const device = reinterpret_cast<cl_device_id>(raw_of(b.device));
+    auto const expect = [&](char const* member, cl_kernel_work_group_info name, auto call) {
+        expect_same<decltype(call())>(member, ask(REAL_C_API(clGetKernelWorkGroupInfo), raw, device, name), call,
+                                      [](auto value) { return value; });
+    };
+    expect("max_work_group_size", CL_KERNEL_WORK_GROUP_SIZE, [&] { return kernel.max_work_group_size(b.device); });
+    expect("local_mem_size", CL_KERNEL_LOCAL_MEM_SIZE, [&] { return kernel.local_mem_size(b.device); });
+    if constexpr (Api::number >= 110) {
+        expect("preferred_work_group_size_multiple", CL_KERNEL_PREFERRED_WORK_GROUP_SIZE_MULTIPLE,
+               [&] { return kernel.preferred_work_group_size_multiple(b.device); });
+        expect("private_mem_per_work_item", CL_KERNEL_PRIVATE_MEM_SIZE,
+               [&] { return kernel.private_mem_per_work_item(b.device); });
+    }
+    if constexpr (Api::number >= 120) {
+        expect("max_global_work_size", CL_KERNEL_GLOBAL_WORK_SIZE,
+               [&] { return kernel.max_global_work_size(b.device); });
+    }
+}
+
+template <class Api>
+void attributes(bench<Api>& b) {
+    std::string all;
+    for (auto const& part : b.build(source).create_kernel("f").attributes()) {
+        all += part;
+    }
+    EXPECT_NE(all.find("reqd_work_group_size(8"), std::string::npos) << all;
+}
+
+template <class Api>
+void arguments(bench<Api>& b) {
+    integers const in{1, 2, 3, 4, 5, 6, 7, 8};
+    auto out = b.store(integers(8));
+    auto constants = b.store(in);
+    auto picture = b.context.create_image_2d(Api::mem_flags::read_only,
+                                             {Api::image_channel_order::rgba, Api::image_channel_type::unsigned_int8},
+                                             5, 1, 0, nullptr);
+    auto kernel = b.function(source, out, constants, typename Api::local_memory(32), 10, picture);
+    b.launch(kernel, 8, 8);
+    EXPECT_EQ(b.load(out), (integers{85, 75, 65, 55, 45, 35, 25, 15}));
+    auto copied = b.function("__kernel void f(__global int* out, __global int* in) { *out = in == 0 ? 1 : 2; }", out);
+    copied.set_argument(1, nullptr);
+    b.launch(copied, 1);
+    EXPECT_EQ(b.load(out).front(), 1);
+    EXPECT_THROW(kernel.set_argument(5, out), common::invalid_arg_index);
+}
+
+template <class Api>
+void argument_info(bench<Api>& b) {
+    auto const kernel = b.build(source, "-cl-kernel-arg-info").create_kernel("f");
+    struct row {
+        cl_kernel_arg_address_qualifier address;
+        cl_kernel_arg_access_qualifier access;
+        cl_kernel_arg_type_qualifier type;
+        char const* type_name;
+        char const* name;
+    };
+    unsigned int index = 0;
+    for (row const& each :
+         {row{CL_KERNEL_ARG_ADDRESS_GLOBAL, CL_KERNEL_ARG_ACCESS_NONE, CL_KERNEL_ARG_TYPE_RESTRICT, "int*", "out"},
+          {CL_KERNEL_ARG_ADDRESS_CONSTANT, CL_KERNEL_ARG_ACCESS_NONE, CL_KERNEL_ARG_TYPE_CONST, "int*", "in"},
+          {CL_KERNEL_ARG_ADDRESS_LOCAL, CL_KERNEL_ARG_ACCESS_NONE, 0, "int*", "scratch"},
+          {CL_KERNEL_ARG_ADDRESS_PRIVATE, CL_KERNEL_ARG_ACCESS_NONE, 0, "int", "scale"},
+          {CL_KERNEL_ARG_ADDRESS_GLOBAL, CL_KERNEL_ARG_ACCESS_READ_ONLY, 0, "image2d_t", "picture"}}) {
+        EXPECT_EQ(static_cast<cl_uint>(kernel.argument_address_qualifier(index)), each.address) << each.name;
+        EXPECT_EQ(static_cast<cl_uint>(kernel.argument_access_qualifier(index)), each.access) << each.name;
+        EXPECT_EQ(static_cast<cl_ulong>(kernel.argument_type_qualifier(index)), each.type) << each.name;
+        EXPECT_EQ(kernel.argument_type_name(index), each.type_name);
+        EXPECT_EQ(kernel.argument_name(index), each.name);
+        ++index;
+    }
+    EXPECT_THROW(kernel.argument_name(index), common::logic_error);
+}
+
+template <class Api>
+void clones(bench<Api>& b) {
+    auto out = b.store(integers(1));
+    auto const result_of = [&](typename Api::kernel const& kernel) {
+        b.launch(kernel, 1);
+        return b.load(out).front();
+    };
+    // Intel's runtime forgets a program that only its kernels hold
+    auto program = b.build("__kernel void f(__global int* out, int value) { *out = value; }");
+    auto kernel = program.create_kernel("f");
+    b.set_arguments(kernel, out, 1);
+    auto fresh = kernel.clone();
+    EXPECT_EQ(fresh.function_name(), "f");
+    EXPECT_THROW(b.launch(fresh, 1), common::invalid_kernel_args);
+    b.set_arguments(fresh, out, 2);
+    EXPECT_EQ(result_of(fresh), 2);
+    EXPECT_EQ(result_of(kernel), 1);
+    if constexpr (Api::number >= 210) {
+        auto copied = kernel.copy();
+        auto constructed(kernel);
+        EXPECT_EQ(result_of(copied), 1);
+        b.set_arguments(copied, out, 3);
+        b.set_arguments(constructed, out, 4);
+        EXPECT_EQ(result_of(kernel), 1);
+        EXPECT_EQ(result_of(copied), 3);
+        EXPECT_EQ(result_of(constructed), 4);
+        constructed = kernel;
+        b.set_arguments(constructed, out, 5);
+        EXPECT_EQ(result_of(kernel), 5);
+    }
+}
+
+template <std::size_t N, class Api>
+void expect_sub_groups(bench<Api>& b, typename Api::kernel const& kernel, std::array<std::size_t, N> const& local) {
+    auto const ask_for = [&](cl_kernel_sub_group_info name) {
+        return ask(REAL_C_API(clGetKernelSubGroupInfo), reinterpret_cast<cl_kernel>(raw_of(kernel)),
+                   reinterpret_cast<cl_device_id>(raw_of(b.device)), name, sizeof local, local.data());
+    };
+    auto const same = [](std::size_t value) { return value; };
+    expect_same<std::size_t>(
+        "get_max_sub_group_size_for_nd_range", ask_for(CL_KERNEL_MAX_SUB_GROUP_SIZE_FOR_NDRANGE),
+        [&] { return kernel.get_max_sub_group_size_for_nd_range(b.device, local); }, same);
+    expect_same<std::size_t>(
+        "get_sub_group_count_for_nd_range", ask_for(CL_KERNEL_SUB_GROUP_COUNT_FOR_NDRANGE),
+        [&] { return kernel.get_sub_group_count_for_nd_range(b.device, local); }, same);
+}
+
+/// Whether a query reports its size; one that does not is refused by the library.
+bool reports_size(cl_kernel kernel, cl_device_id device, cl_kernel_sub_group_info name) {
+    std::size_t const count = 1;
+    std::size_t size = 0;
+    REAL_C_API(clGetKernelSubGroupInfo)(kernel, device, name, sizeof count, &count, 0, nullptr, &size);
+    return size != 0;
+}
+
+template <class Api>
+void expect_local_size(bench<Api>& b, typename Api::kernel const& kernel, std::size_t count, std::size_t expected) {
+    if (reports_size(reinterpret_cast<cl_kernel>(raw_of(kernel)), reinterpret_cast<cl_device_id>(raw_of(b.device)),
+                     CL_KERNEL_LOCAL_SIZE_FOR_SUB_GROUP_COUNT)) {
+        EXPECT_EQ(kernel.get_local_size_for_sub_group_count(b.device, count), expected);
+    } else {
+        EXPECT_THROW(kernel.get_local_size_for_sub_group_count(b.device, count), common::bad_implementation);
+    }
+}
+
+template <class Api>
+void sub_groups(bench<Api>& b) {
+    if (b.device.max_num_sub_groups() == 0) {
+        auto const kernel = b.build("__kernel void f() {}").create_kernel("f");
+        EXPECT_THROW(kernel.get_max_num_sub_groups(b.device), common::invalid_operation);
+        skip("the device has no sub-groups");
+    }
+    auto sizes = b.store(integers(2));
+    auto kernel = b.function("#pragma OPENCL EXTENSION cl_khr_subgroups : enable\n"
+                             "__kernel void f(__global int* sizes) { if (get_global_id(0) == 0) {"
+                             "  sizes[0] = get_max_sub_group_size(); sizes[1] = get_num_sub_groups(); } }",
+                             sizes);
+    std::array<std::size_t, 1> const local{40};
+    auto const largest = kernel.get_max_sub_group_size_for_nd_range(b.device, local);
+    auto const count = kernel.get_sub_group_count_for_nd_range(b.device, local);
+    b.launch(kernel, 40, 40);
+    EXPECT_EQ(b.load(sizes), (integers{static_cast<std::int32_t>(largest), static_cast<std::int32_t>(count)}));
+    expect_sub_groups(b, kernel, local);
+    expect_sub_groups(b, kernel, std::array<std::size_t, 2>{16, 4});
+    expect_sub_groups(b, kernel, std::array<std::size_t, 3>{8, 4, 2});
+    expect_local_size(b, kernel, count, largest * count);
+    EXPECT_GE(kernel.get_max_num_sub_groups(b.device), count);
+    EXPECT_EQ(kernel.compile_num_sub_groups(b.device), 0U);
+}
+
+} // namespace
+
+void add_kernels() {
+    add_scenario<100>("kernel_queries", "kernel queries", [](auto& b) { queries(b); });
+    add_scenario<100>("arguments", "kernel arguments", [](auto& b) { arguments(b); });
+    add_scenario<120>("argument_info", "kernel argument info", [](auto& b) { argument_info(b); });
+    add_scenario<120>("attributes", "kernel attributes", [](auto& b) { attributes(b); });
+    add_scenario<100>("clones", "kernel clones", [](auto& b) { clones(b); });
+    add_scenario<210>("sub_groups", "sub-groups", [](auto& b) { sub_groups(b); });
+}
+
+} // namespace real

@@ -1,0 +1,210 @@
+#include "c_answers.hpp"
+#include "objects.hpp"
+
+#include <nq/commands.hpp>
+#include <nq/nq.hpp>
+
+#include <algorithm>
+#include <fstream>
+#include <iterator>
+
+namespace real {
+namespace {
+
+using integers = std::vector<std::int32_t>;
+
+char const* const two_kernels = "__kernel void doubles(__global int* v) { v[get_global_id(0)] *= 2; }"
+                                "__kernel void negates(__global int* v) { v[get_global_id(0)] *= SIGN; }";
+
+integers const sent{1, 2, 3, -4};
+
+/// What a kernel with one buffer as its argument makes of `sent`.
+template <class Api>
+integers result_of(bench<Api>& b, typename Api::kernel kernel) {
+    auto values = b.store(sent);
+    b.set_arguments(kernel, values);
+    b.launch(kernel, sent.size());
+    return b.load(values);
+}
+
+integers negated(int summand = 0) {
+    integers values = sent;
+    std::ranges::for_each(values, [=](auto& value) { value = -(value + summand); });
+    return values;
+}
+
+template <class Api>
+void from_source(bench<Api>& b) {
+    auto program = b.context.create_program_from_source(two_kernels);
+    EXPECT_EQ(program.source_code(), two_kernels);
+    program.build({}, "-DSIGN=-1", nullptr, nullptr);
+    EXPECT_EQ(static_cast<int>(program.build_status(b.device)), 0) << program.build_log(b.device);
+    EXPECT_EQ(program.build_options(b.device), "-DSIGN=-1");
+    EXPECT_EQ(raw_of(program.get_context()), raw_of(b.context));
+    ASSERT_EQ(program.get_devices().size(), 1U);
+    EXPECT_EQ(program.get_devices().front(), b.device);
+    EXPECT_EQ(program.create_all_kernels().size(), 2U);
+    EXPECT_EQ(result_of(b, program.create_kernel("negates")), negated());
+    EXPECT_THROW(program.create_kernel("absent"), common::invalid_kernel_name);
+    if constexpr (Api::number >= 120) {
+        auto names = program.kernel_names();
+        std::ranges::sort(names);
+        EXPECT_EQ(names, (std::vector<std::string>{"doubles", "negates"}));
+        EXPECT_EQ(program.num_kernels(), 2U);
+        EXPECT_EQ(program.binary_type(b.device), decltype(program.binary_type(b.device))::executable);
+    }
+}
+
+template <class Api>
+void with_syntax_error(bench<Api>& b) {
+    auto program = b.context.create_program_from_source("__kernel void f() { this is no OpenCL C }");
+    program.build({b.device}, "", nullptr, nullptr);
+    EXPECT_EQ(static_cast<int>(program.build_status(b.device)), CL_BUILD_ERROR);
+    EXPECT_NE(program.build_log(b.device).find("error"), std::string::npos) << program.build_log(b.device);
+    EXPECT_THROW(program.create_kernel("f"), common::opencl_error);
+}
+
+template <class Api>
+void from_binaries(bench<Api>& b) {
+    auto const binaries = b.build(two_kernels, "-DSIGN=-1").binaries();
+    ASSERT_EQ(binaries.size(), 1U);
+    EXPECT_EQ(binaries.front().device, b.device);
+    ASSERT_FALSE(binaries.front().binary.empty());
+    bench<Api> fresh(b.name, b.device);
+    auto program = fresh.context.create_program_from_binary(binaries);
+    fresh.build(program);
+    EXPECT_EQ(result_of(fresh, program.create_kernel("negates")), negated());
+    EXPECT_EQ(program.binaries().size(), 1U);
+}
+
+/// Compiles without linking, which the library leaves to programs that speak to libnq.
+template <class Api>
+typename Api::program compile(bench<Api>& b, char const* source) {
+    auto program = b.context.create_program_from_source(source);
+    nq::block::clCompileProgram block{};
+    block.program = raw_of(program);
+    block.options = "";
+    auto const& handle = vorn::mero::internal::owner_access::call_handle(program);
+    EXPECT_EQ(
+        nq_call_capability(handle.get(), nq::command_id<Api::capability, nq::block::clCompileProgram>, &block, nullptr),
+        0);
+    EXPECT_EQ(block.status, 0) << program.build_log(b.device);
+    return program;
+}
+
+template <class Api>
+void linked_alone(bench<Api>& b) {
+    auto const compiled = compile(b, "__kernel void f(__global int* v) { v[get_global_id(0)] *= -1; }");
+    EXPECT_EQ(static_cast<int>(compiled.binary_type(b.device)), CL_PROGRAM_BINARY_TYPE_COMPILED_OBJECT);
+    auto program = b.context.link_programs({}, {compiled}, "", nullptr, nullptr);
+    EXPECT_EQ(static_cast<int>(program.binary_type(b.device)), CL_PROGRAM_BINARY_TYPE_EXECUTABLE);
+    EXPECT_EQ(program.kernel_names(), std::vector<std::string>{"f"});
+    EXPECT_EQ(result_of(b, program.create_kernel("f")), negated());
+}
+
+template <class Api>
+void linked(bench<Api>& b) {
+    auto const caller = compile(b, "int negate(int); __kernel void f(__global int* v)"
+                                   "{ v[get_global_id(0)] = negate(v[get_global_id(0)]); }");
+    auto const callee = compile(b, "int negate(int value) { return -value; }");
+    auto program = b.context.link_programs({}, {caller, callee}, "", nullptr, nullptr);
+    EXPECT_EQ(result_of(b, program.create_kernel("f")), negated());
+    auto const library = b.context.link_programs({b.device}, {callee}, "-create-library", nullptr, nullptr);
+    EXPECT_EQ(static_cast<int>(library.binary_type(b.device)), CL_PROGRAM_BINARY_TYPE_LIBRARY);
+    auto over_library = b.context.link_programs({b.device}, {caller, library}, "", nullptr, nullptr);
+    EXPECT_EQ(result_of(b, over_library.create_kernel("f")), negated());
+}
+
+std::vector<unsigned char> const& intermediate_language() {
+    static std::vector<unsigned char> const module = [] {
+        std::ifstream file(REAL_IL, std::ios::binary);
+        return std::vector<unsigned char>(std::istreambuf_iterator<char>(file), {});
+    }();
+    return module;
+}
+
+template <class Api>
+void from_il(bench<Api>& b) {
+    ASSERT_FALSE(intermediate_language().empty());
+    auto program = b.context.create_program_from_il(intermediate_language());
+    EXPECT_EQ(program.il(), intermediate_language());
+    EXPECT_EQ(program.source_code(), "");
+    b.build(program);
+    EXPECT_EQ(result_of(b, program.create_kernel("f")), (integers{101, 102, 103, 96}));
+    EXPECT_TRUE(b.build(two_kernels, "-DSIGN=1").il().empty());
+}
+
+template <class Api>
+void specialized(bench<Api>& b) {
+    auto program = b.context.create_program_from_il(intermediate_language());
+    auto other = b.context.create_program_from_il(intermediate_language());
+    std::int32_t const summand = 5;
+    program.set_specialization_constant_raw(7, sizeof summand, &summand);
+    program.set_specialization_constant(8, true);
+    b.build(program);
+    b.build(other);
+    EXPECT_EQ(result_of(b, program.create_kernel("f")), negated(5));
+    EXPECT_EQ(result_of(b, other.create_kernel("f")), (integers{101, 102, 103, 96}));
+    EXPECT_THROW(other.set_specialization_constant(9, true), common::invalid_spec_id);
+}
+
+template <class Api>
+void from_builtin_kernels(bench<Api>& b) {
+    auto const names = b.device.built_in_kernels();
+    if (names.empty()) {
+        skip("the device lists no built-in kernels");
+    }
+    auto program = b.context.create_program_from_builtin_kernels({b.device}, names);
+    for (auto const& name : names) {
+        EXPECT_EQ(program.create_kernel(name).function_name(), name);
+    }
+}
+
+template <class Api>
+void program_scope(bench<Api>& b) {
+    auto const program = b.build(two_kernels, "-DSIGN=1");
+    auto const raw = reinterpret_cast<cl_program>(raw_of(program));
+    auto const device = reinterpret_cast<cl_device_id>(raw_of(b.device));
+    expect_same<std::size_t>(
+        "build_global_variable_total_size",
+        ask(REAL_C_API(clGetProgramBuildInfo), raw, device,
+            cl_program_build_info{CL_PROGRAM_BUILD_GLOBAL_VARIABLE_TOTAL_SIZE}),
+        [&] { return program.build_global_variable_total_size(b.device); }, [](std::size_t value) { return value; });
+    if constexpr (Api::number >= 220) {
+        expect_same<cl_bool>(
+            "global_constructors_present",
+            ask(REAL_C_API(clGetProgramInfo), raw, cl_program_info{CL_PROGRAM_SCOPE_GLOBAL_CTORS_PRESENT}),
+            [&] { return program.global_constructors_present(); }, [](cl_bool value) { return value != 0; });
+        expect_same<cl_bool>(
+            "global_destructors_present",
+            ask(REAL_C_API(clGetProgramInfo), raw, cl_program_info{CL_PROGRAM_SCOPE_GLOBAL_DTORS_PRESENT}),
+            [&] { return program.global_destructors_present(); }, [](cl_bool value) { return value != 0; });
+    }
+}
+
+template <class Api>
+void release_callback(bench<Api>& b) {
+    int calls = 0;
+    {
+        auto program = b.context.create_program_from_source(two_kernels);
+        program.set_release_callback([](_nq_cl_program*, void* count) { ++*static_cast<int*>(count); }, &calls);
+    }
+    EXPECT_EQ(calls, 1);
+}
+
+} // namespace
+
+void add_programs() {
+    add_scenario<100>("source", "programs from source", [](auto& b) { from_source(b); });
+    add_scenario<100>("syntax_error", "programs with an error", [](auto& b) { with_syntax_error(b); });
+    add_scenario<100>("binaries", "programs from binaries", [](auto& b) { from_binaries(b); });
+    add_scenario<120>("linked_alone", "programs compiled and linked", [](auto& b) { linked_alone(b); });
+    add_scenario<120>("linked", "programs linked from two", [](auto& b) { linked(b); });
+    add_scenario<120>("builtin_kernels", "built-in kernels", [](auto& b) { from_builtin_kernels(b); });
+    add_scenario<200>("program_scope", "program scope queries", [](auto& b) { program_scope(b); });
+    add_scenario<210>("il", "intermediate language", [](auto& b) { from_il(b); });
+    add_scenario<220>("specialized", "specialization constants", [](auto& b) { specialized(b); });
+    add_scenario<220>("release_callback", "program release callbacks", [](auto& b) { release_callback(b); });
+}
+
+} // namespace real
