@@ -1,5 +1,6 @@
 #include "commands.hpp"
 
+#include <atomic>
 #include <functional>
 
 namespace real {
@@ -73,7 +74,7 @@ struct native_arguments {
     std::int32_t const* source;
     std::int32_t* destination;
     std::size_t count;
-    std::thread::id* thread;
+    std::atomic<std::thread::id>* thread;
 };
 
 void negate(void* block) {
@@ -86,7 +87,7 @@ void negate(void* block) {
 auto const runs_native_kernels = []<class Api>(bench<Api>& b) {
     auto source = b.store(counting(32));
     auto destination = b.store(numbers(32));
-    std::thread::id thread;
+    std::atomic<std::thread::id> thread;
     native_arguments arguments{nullptr, nullptr, 32, &thread};
     std::array<_nq_cl_mem*, 2> const objects{raw_of(source), raw_of(destination)};
     std::array<void const*, 2> places{&arguments.source, &arguments.destination};

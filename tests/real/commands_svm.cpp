@@ -1,5 +1,6 @@
 #include "commands.hpp"
 
+#include <atomic>
 #include <cstdlib>
 
 namespace real {
@@ -103,6 +104,7 @@ struct freeing {
     std::vector<void*> pointers{};
     _nq_cl_command_queue* queue = nullptr;
     std::thread::id thread{};
+    std::atomic<int> calls = 0;
 
     static void run(_nq_cl_command_queue* queue, std::uint32_t count, void** pointers, void* user_data) {
         auto* const self = static_cast<freeing*>(user_data);
@@ -112,6 +114,7 @@ struct freeing {
         for (void* const each : self->pointers) {
             self->context.svm_free(each);
         }
+        ++self->calls;
     }
 };
 
@@ -132,6 +135,7 @@ auto const frees_by_own_function = []<class Api>(bench<Api>& b) {
     freeing<Api> seen{b.context};
     b.run(typename Api::svm_free(memory, freeing<Api>::run, &seen));
     b.queue.finish();
+    EXPECT_EQ(seen.calls, 1);
     EXPECT_EQ(seen.pointers, memory);
     EXPECT_EQ(seen.queue, raw_of(b.queue));
     tell_thread("the function that frees shared memory", seen.thread);
