@@ -181,6 +181,17 @@ void query_device(bench<Api>& b) {
 }
 
 template <class Api>
+void* extension_function(typename Api::platform const& platform, char const* name) {
+    auto const& handle = vorn::mero::internal::owner_access::call_handle(platform);
+    if constexpr (Api::number >= 120) {
+        return get_extension_function_address_for_platform(handle, platform, name);
+    } else {
+        return Api::number == 100 ? opencl_1_0::get_extension_function_address(handle, name)
+                                  : opencl_1_1::get_extension_function_address(handle, name);
+    }
+}
+
+template <class Api>
 void query_platform(bench<Api>& b) {
     auto const platform = b.device.get_platform();
     auto const answer_to = [&](cl_platform_info name) {
@@ -193,12 +204,36 @@ void query_platform(bench<Api>& b) {
     EXPECT_EQ(platform.is_full_profile(), answer_to(CL_PLATFORM_PROFILE).text() == "FULL_PROFILE");
     EXPECT_EQ(platform.is_embedded_profile(), answer_to(CL_PLATFORM_PROFILE).text() == "EMBEDDED_PROFILE");
     EXPECT_EQ(b.context.get_platform(), platform);
+    EXPECT_EQ(extension_function<Api>(platform, "clIcdGetPlatformIDsKHR"),
+              REAL_C_API(clGetExtensionFunctionAddressForPlatform)(reinterpret_cast<cl_platform_id>(raw_of(platform)),
+                                                                   "clIcdGetPlatformIDsKHR"));
+    EXPECT_EQ(extension_function<Api>(platform, "clNoSuchFunction"), nullptr);
     auto const devices = platform.get_raw_devices();
     EXPECT_NE(std::ranges::find(devices, raw_of(b.device)), devices.end());
     if constexpr (Api::number >= 210) {
         expect_same<cl_ulong>(
             "host_timer_resolution", answer_to(CL_PLATFORM_HOST_TIMER_RESOLUTION),
             [&] { return platform.host_timer_resolution(); }, [](cl_ulong value) { return value; });
+    }
+}
+
+template <class Api>
+void contexts(bench<Api>& b) {
+    using property = typename Api::context_property;
+    auto const platform = b.device.get_platform();
+    std::vector<property> const properties{property::platform, reinterpret_cast<std::intptr_t>(raw_of(platform)), 0};
+    auto const made = create_context(properties, std::vector{b.device}, nullptr, nullptr);
+    EXPECT_EQ(made.get_properties(), properties);
+    EXPECT_EQ(made.get_devices(), std::vector{b.device});
+    EXPECT_EQ(made.get_platform(), platform);
+    EXPECT_FALSE(made == b.context);
+    auto const& handle = vorn::mero::internal::owner_access::call_handle(b.device);
+    auto const of_type = create_context_from_type(handle, properties, Api::device_type::all, nullptr, nullptr);
+    auto const devices = of_type.get_devices();
+    EXPECT_NE(std::ranges::find(devices, b.device), devices.end());
+    std::vector<property> const unknown{property(0x7777), property(1), property(0)};
+    if (b.name != "oclgrind") { // takes any property
+        EXPECT_THROW(create_context(unknown, std::vector{b.device}, nullptr, nullptr), common::invalid_property);
     }
 }
 
@@ -218,6 +253,7 @@ void read_timers(bench<Api>& b) {
 void add_devices() {
     add_scenario<100>("queries_device", "device queries", [](auto& b) { query_device(b); });
     add_scenario<100>("queries_platform", "platform queries", [](auto& b) { query_platform(b); });
+    add_scenario<100>("contexts", "contexts", [](auto& b) { contexts(b); });
     add_scenario<210>("reads_timers", "device and host timers", [](auto& b) { read_timers(b); });
 }
 

@@ -56,11 +56,11 @@ void query_image(bench<Api>& b, typename Api::image const& image, std::size_t wi
 /// Writes the whole image by command, reads it back and asks for its properties.
 template <class Api>
 void use_image(bench<Api>& b, typename Api::image image, box const& region) {
+    expect_counted(image);
     auto const sent = counting(pixel_size * region[0] * region[1] * region[2]);
     b.run(typename Api::write_image(image, true, {0, 0, 0}, region, 0, 0, sent.data()));
     EXPECT_EQ(load_image(b, image, region), sent);
     query_image(b, image, region[0]);
-    expect_counted(image);
 }
 
 /// The content of a 7 x 3 x 2 image with rows of 40 and slices of 200 bytes, where the unused bytes are 0.
