@@ -72,6 +72,11 @@ outcome run_self(std::vector<std::string> arguments, std::map<std::string, std::
     return made;
 }
 
+std::string with_option(char const* variable, std::string const& option) {
+    char const* const options = std::getenv(variable);
+    return options != nullptr ? options + (":" + option) : option;
+}
+
 std::string tail(outcome const& child) {
     std::size_t const length = std::min<std::size_t>(child.output.size(), 1500);
     return child.output.substr(child.output.size() - length);

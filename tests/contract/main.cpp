@@ -55,13 +55,16 @@ void comes_back(std::string const& mode, std::string const& platform) {
 
 void forks(std::string const& platform) {
     bool const broken = platform == "pocl" || platform == "rusticl";
-    auto const before = run_self({"fork_before", platform});
+    std::map<std::string, std::string> environment{{"NQ_BRIDGE_VERBOSE", "1"},
+                                                   {"TSAN_OPTIONS", with_option("TSAN_OPTIONS", "die_after_fork=0")}};
+    auto const before = run_self({"fork_before", platform}, environment);
     EXPECT_TRUE(before.ended_well) << tail(before);
-    auto const after = run_self({broken ? "fork_after_broken" : "fork_after", platform}, {{"NQ_BRIDGE_VERBOSE", "1"}});
+    auto const after = run_self({broken ? "fork_after_broken" : "fork_after", platform}, environment);
     EXPECT_TRUE(after.ended_well) << tail(after);
     EXPECT_EQ(after.output.find("would hang in this process") != std::string::npos, broken) << tail(after);
     if (platform == "pocl") {
-        auto const basic = run_self({"fork_after", platform}, {{"POCL_DEVICES", "basic"}});
+        environment["POCL_DEVICES"] = "basic";
+        auto const basic = run_self({"fork_after", platform}, environment);
         EXPECT_TRUE(basic.ended_well) << tail(basic);
     }
 }

@@ -83,7 +83,8 @@ TEST(wire, refuses_unknown_commands_null_blocks_and_closed_handles) {
 
 TEST(process, many_threads_discover_at_once) {
     for (int round = 0; round < 3; ++round) {
-        auto const child = run_self({"threads"});
+        // implementations replace the signal stacks of the threads that call them, which AddressSanitizer then frees
+        auto const child = run_self({"threads"}, {{"ASAN_OPTIONS", with_option("ASAN_OPTIONS", "use_sigaltstack=0")}});
         EXPECT_TRUE(child.ended_well) << tail(child);
     }
 }
