@@ -8,8 +8,8 @@
 
 namespace scripted {
 
-/// The words of a property list: pairs up to a zero in the place of a name, or a list of counts up to the zero that ends
-/// it.
+/// The words of a property list: pairs up to a zero in the place of a name, or a list of counts up to the zero that
+/// ends it.
 template <class Word>
 std::size_t property_words(Word const* list) {
     constexpr Word partition_by_counts = 0x1087;
