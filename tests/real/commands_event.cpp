@@ -49,6 +49,7 @@ auto const tells_running = []<class Api>(bench<Api>& b) {
     on.may_end = true;
     b.wait_for(event);
     EXPECT_EQ(event.execution_status(), Api::event_execution_status::complete);
+    b.queue.finish();
 };
 
 /// What a callback was told.
@@ -111,9 +112,8 @@ auto const completes_from_another_thread = []<class Api>(bench<Api>& b) {
         skip("may be used by one thread only");
     }
     held_write<Api> write(b);
-    std::thread other([&write] { write.promise.set_status_success(); });
+    std::jthread other([&write] { write.promise.set_status_success(); });
     b.wait_for(write.event);
-    other.join();
     EXPECT_EQ(b.load(write.target), write.values);
 };
 
@@ -141,6 +141,7 @@ auto const calls_back = []<class Api>(bench<Api>& b) {
         EXPECT_TRUE(late.comes());
         EXPECT_EQ(late.status, 0);
     }
+    b.queue.finish();
 };
 
 /// What becomes of a command whose wait list failed with `out_of_resources`.
