@@ -18,11 +18,15 @@ namespace unit {
 
 namespace block = nq::block;
 namespace common = vorn::mero::common;
-using vorn::mero::internal::owner;
 using vorn::mero::internal::owner_access;
 
 using versions = testing::Types<vorn::mero::opencl_1_0::api, vorn::mero::opencl_1_1::api, vorn::mero::opencl_1_2::api,
                                 vorn::mero::opencl_2_0::api, vorn::mero::opencl_2_1::api, vorn::mero::opencl_2_2::api>;
+
+template <class T>
+concept owning = requires(T const& object) {
+    owner_access::raw(object);
+};
 
 /// A value as it stands in a block.
 using word = std::uint64_t;
@@ -33,7 +37,7 @@ word word_of(T const& value) {
         return reinterpret_cast<word>(value);
     } else if constexpr (std::is_array_v<T>) {
         return reinterpret_cast<word>(&value[0]);
-    } else if constexpr (requires { owner_access::raw(value); }) {
+    } else if constexpr (owning<T>) {
         return word_of(owner_access::raw(value));
     } else {
         return static_cast<word>(value);
@@ -42,9 +46,14 @@ word word_of(T const& value) {
 
 inline word word_of(std::nullptr_t) { return 0; }
 
-template <class Object>
-nq_call_handle* handle_of(Object const& object) {
-    return owner_access::call_handle(object).get();
+/// The call handle of an object, or one itself.
+template <class T>
+nq_call_handle* handle_of(T const& object) {
+    if constexpr (owning<T>) {
+        return owner_access::call_handle(object).get();
+    } else {
+        return object.get();
+    }
 }
 
 /// Any value of any enumeration.
@@ -96,204 +105,47 @@ struct results {
     std::size_t through = nowhere; ///< A pointer to the 8 bytes of an object.
 };
 
-using calls = std::vector<std::string>;
-
-/// One call of a member.
-struct action {
-    std::string_view entry_point;
-    nq_call_handle* handle;
-    results at;
-    std::vector<field> fields;
-    std::function<word()> act; ///< Returns what became of the object in the results.
-    std::vector<pointee> pointees{};
-    calls after{}; ///< The calls that end the result's life.
-    void (*prepare)(scripted::libnq&, action const&, std::int32_t status, void* made) = nullptr;
-};
-
-/// Writes results where the offsets of an action say.
+/// Writes the results of a call.
 void answer(void* block, results const& at, std::int32_t status, void* made);
-
-template <class Block>
-action does(nq_call_handle* handle, results at, std::vector<field> fields, std::function<word()> act,
-            std::vector<pointee> pointees = {}, calls after = {}) {
-    return {scripted::name_of<Block>(),
-            handle,
-            at,
-            std::move(fields),
-            std::move(act),
-            std::move(pointees),
-            std::move(after),
-            [](scripted::libnq& libnq, action const& self, std::int32_t status, void* made) {
-                libnq.on<Block>([=, at = self.at](Block& block) {
-                    bool const scripted = status != 0 || made != nullptr;
-                    if (scripted) {
-                        answer(&block, at, status, made);
-                    }
-                    return scripted;
-                });
-            }};
-}
 
 /// Where the block of an info entry point has the fields that every read fills.
 struct info_layout {
     std::size_t param_name, size, value, size_ret, status;
 };
-inline constexpr info_layout device_info{24, 32, 8, 16, 40};
-inline constexpr info_layout declared_info{8, 16, 24, 32, 40};
-inline constexpr info_layout plain_info{36, 8, 16, 24, 32};
-inline constexpr info_layout two_object_info{44, 16, 24, 32, 40};
-inline constexpr info_layout argument_info{40, 8, 16, 24, 32};
-inline constexpr info_layout sub_group_info{60, 32, 40, 48, 56};
-
-/// One info query of two calls.
-struct query {
-    std::string_view entry_point;
-    nq_call_handle* handle;
-    info_layout layout;
-    std::vector<field> fields;
-    std::uint32_t param_name;
-    std::string reply;
-    word expected;
-    std::function<word()> act;
-    calls after{}; ///< The calls that the conversion makes and that end the result's life.
-    void (*prepare)(scripted::libnq&, query const&) = nullptr;
-    void (*refuse)(scripted::libnq&, query const&) = nullptr;
-};
-
 template <class Block>
-query asks(nq_call_handle* handle, info_layout layout, std::vector<field> fields, std::uint32_t param_name,
-           std::string reply, word expected, std::function<word()> act, calls after = {}) {
-    return {scripted::name_of<Block>(),
-            handle,
-            layout,
-            std::move(fields),
-            param_name,
-            std::move(reply),
-            expected,
-            std::move(act),
-            std::move(after),
-            [](scripted::libnq& libnq, query const& self) {
-                libnq.on<Block>([](Block&) { return false; });
-                libnq.reply<Block>(self.param_name, self.reply);
-            },
-            [](scripted::libnq& libnq, query const& self) {
-                libnq.on<Block>(
-                    [at = self.layout.status](Block& block) { answer(&block, {.status = at}, -5, nullptr); });
-            }};
-}
+inline constexpr info_layout layout_of{36, 8, 16, 24, 32};
+template <>
+inline constexpr info_layout layout_of<block::clGetDeviceInfo>{24, 32, 8, 16, 40};
+template <>
+inline constexpr info_layout layout_of<block::clGetPlatformInfo>{8, 16, 24, 32, 40};
+template <>
+inline constexpr info_layout layout_of<block::clGetContextInfo>{8, 16, 24, 32, 40};
+template <>
+inline constexpr info_layout layout_of<block::clGetProgramBuildInfo>{44, 16, 24, 32, 40};
+template <>
+inline constexpr info_layout layout_of<block::clGetKernelWorkGroupInfo>{44, 16, 24, 32, 40};
+template <>
+inline constexpr info_layout layout_of<block::clGetKernelArgInfo>{40, 8, 16, 24, 32};
+template <>
+inline constexpr info_layout layout_of<block::clGetKernelSubGroupInfo>{60, 32, 40, 48, 56};
 
-/// The same of what gives nothing.
-template <class Work>
-std::function<word()> performs(Work work) {
-    return [work] {
-        work();
-        return word{0};
-    };
-}
-
-/// An object of every class, and the checks of what its members send.
-template <class Api>
-class members : public scripted::versioned<Api> {
-protected:
-    static constexpr int number = Api::number;
-    using world_type = world<Api>;
-
-    members() { this->libnq.forget_calls(); }
-    ~members() override { forget(); }
-
-    /// Forgets the calls after a look at their ids.
-    void forget() {
-        for (scripted::call const& call : this->libnq.calls()) {
-            EXPECT_EQ(call.name, entry_point(number, call.id));
-        }
-        this->libnq.forget_calls();
-    }
-
-    void check(action const& expected);
-    void check(query const& expected);
-
-    /// Checks a query of one object alone, with the layout that most have.
-    template <class Block>
-    void reads(auto const& object, std::uint32_t name, std::string const& reply, word expected,
-               std::function<word()> const& read, calls const& after = {}) {
-        check(asks<Block>(handle_of(object), plain_info, {u8(0, object)}, name, reply, expected, read, after));
-    }
-
-    /// The same of a query that finds another object, which is then of the same call handle.
-    template <class Block>
-    void finds(auto const& object, std::uint32_t name, auto const& other, auto read, calls const& life) {
-        reads<Block>(
-            object, name, scripted::bytes_of(word_of(other)), word_of(other),
-            [&] {
-                auto const found = read();
-                EXPECT_EQ(handle_of(found), handle_of(object));
-                return word_of(found);
-            },
-            life);
-    }
-
-    world_type objects{this->libnq};
-
-private:
-    template <class Exception>
-    void expect_failure(std::string_view entry_point, std::function<word()> const& act) {
-        forget();
-        EXPECT_THROW(act(), Exception) << entry_point;
-        EXPECT_EQ(this->libnq.names(), calls{std::string(entry_point)});
-    }
+/// Where the block of a listing has the room that the caller gives, the array and the pointer to the count.
+struct listing_layout {
+    std::size_t capacity, array, count;
 };
 
-template <class Api>
-void members<Api>::check(action const& expected) {
-    SCOPED_TRACE(std::string(expected.entry_point));
-    void* const made = this->libnq.template make<_nq_cl_mem>(expected.after.empty() ? 0 : 1);
-    expected.prepare(this->libnq, expected, 0, made);
-    forget();
-    EXPECT_EQ(expected.act(), expected.at.object != nowhere || expected.at.through != nowhere ? word_of(made) : 0);
-    calls all{std::string(expected.entry_point)};
-    all.insert(all.end(), expected.after.begin(), expected.after.end());
-    ASSERT_EQ(this->libnq.names(), all);
-    scripted::call const call = this->libnq.calls().front();
-    EXPECT_EQ(call.handle, expected.handle);
-    expect_fields(call, expected.fields);
-    for (pointee const& target : expected.pointees) {
-        EXPECT_EQ(call.has(target.field) ? call.parts(target.field) : calls{}, calls{target.bytes}) << target.field;
-    }
-    if (expected.at.status != nowhere) {
-        expected.prepare(this->libnq, expected, -5, reinterpret_cast<void*>(0xBAD));
-        expect_failure<common::out_of_resources>(expected.entry_point, expected.act);
-    }
-    expected.prepare(this->libnq, expected, 0, nullptr);
-    this->libnq.fail(scripted::layer(-1));
-    expect_failure<nq::unrecoverable_error>(expected.entry_point, expected.act);
-}
+using calls = std::vector<std::string>;
 
-template <class Api>
-void members<Api>::check(query const& expected) {
-    SCOPED_TRACE(std::string(expected.entry_point) + ' ' + std::to_string(expected.param_name));
-    std::string const entry_point{expected.entry_point};
-    expected.prepare(this->libnq, expected);
-    forget();
-    EXPECT_EQ(expected.act(), expected.expected);
-    calls all{entry_point, entry_point};
-    all.insert(all.end(), expected.after.begin(), expected.after.end());
-    ASSERT_EQ(this->libnq.names(), all);
-    auto const made = this->libnq.calls();
-    auto const& layout = expected.layout;
-    for (std::size_t const n : {0U, 1U}) {
-        EXPECT_EQ(made[n].handle, expected.handle);
-        expect_fields(made[n], expected.fields);
-        expect_fields(
-            made[n], {u4(layout.param_name, expected.param_name), u8(layout.size, n == 0 ? 0 : expected.reply.size())});
-        EXPECT_EQ(word_at(made[n].block, layout.value) == 0, n == 0);
-        EXPECT_NE(word_at(made[n].block, layout.size_ret), 0U);
-    }
-    expected.refuse(this->libnq, expected);
-    expect_failure<common::out_of_resources>(entry_point, expected.act);
-    this->libnq.fail(scripted::layer(-1));
-    expect_failure<nq::unrecoverable_error>(entry_point, expected.act);
-    expected.prepare(this->libnq, expected);
-}
+/// A member's calls of one entry point, and how OpenCL answers them.
+struct expectation {
+    std::string entry_point;
+    nq_call_handle* handle;
+    std::vector<field> fields;
+    std::function<word()> act; ///< Gives what became of the object that OpenCL made.
+    calls after;               ///< The calls of the result's life.
+    /// Has OpenCL answer; with neither a status nor an object as it does by itself.
+    std::function<void(std::int32_t status, void* made)> answer;
+};
 
 /// The message of what is thrown, which must be of exactly this class.
 template <class Exception, class Work>
@@ -307,14 +159,232 @@ std::string message_of(Work work) {
     return "nothing was thrown";
 }
 
-/// The calls of the lives of `count` devices that are made and end together.
+/// An object of every class, and the checks of what its members send.
 template <class Api>
-calls device_lives(std::size_t count) {
-    calls lives;
-    for (char const* const name : {"clRetainDevice", "clReleaseDevice"}) {
-        lives.insert(lives.end(), Api::number >= 120 ? count : 0, name);
+class members : public scripted::versioned<Api> {
+protected:
+    members() { this->libnq.forget_calls(); }
+    ~members() override { forget(); }
+
+    /// Forgets the calls after a look at their ids.
+    void forget() {
+        for (scripted::call const& call : this->libnq.calls()) {
+            EXPECT_EQ(call.name, entry_point(Api::number, call.id));
+        }
+        this->libnq.forget_calls();
     }
-    return lives;
+
+    /// Checks a member of one call: what it sends, that its results are taken from `at` and become an object of the
+    /// same call handle, and that nothing is taken from a failing call.
+    template <class Block, class Act>
+    void performs(auto const& receiver, results at, std::vector<field> fields, Act act,
+                  std::vector<pointee> const& pointees = {}) {
+        using result = std::invoke_result_t<Act>;
+        auto* const through = handle_of(receiver);
+        auto const act_for_word = [=] {
+            if constexpr (std::is_void_v<result>) {
+                act();
+                return word{0};
+            } else {
+                auto const made = act();
+                expect_handle(made, through);
+                return word_of(made);
+            }
+        };
+        bool const gives = at.object != nowhere || at.through != nowhere;
+        calls const end = life_of<result>("clRelease");
+        check_call({std::string(scripted::name_of<Block>()), through, std::move(fields), act_for_word, end,
+                    [=, this](std::int32_t status, void* made) { answers<Block>(at, status, made); }},
+                   gives ? this->libnq.template make<_nq_cl_mem>(end.empty() ? 0 : 1) : nullptr, pointees,
+                   at.status != nowhere);
+    }
+
+    /// Checks a member that reads a value in two calls; an object is one of the same call handle and is retained.
+    template <class Block, class Expected, class Read>
+    void reads(auto const& object, std::uint32_t param_name, std::string const& reply, Expected const& expected,
+               Read read, std::vector<field> const& fields = {}) {
+        using result = std::invoke_result_t<Read>;
+        calls life = life_of<result>("clRetain");
+        calls const end = life_of<result>("clRelease");
+        life.insert(life.end(), end.begin(), end.end());
+        auto const act = [read, through = handle_of(object), wanted = comparable(expected)] {
+            auto const found = read();
+            expect_handle(found, through);
+            EXPECT_EQ(comparable(found), wanted);
+            return word{0};
+        };
+        reads_in_two_calls<Block>(object, param_name, reply, act, life, fields);
+    }
+
+    /// The same of one that lists devices.
+    template <class Block, class Read>
+    void lists_devices(auto const& object, std::uint32_t param_name, Read read) {
+        std::vector<word> const devices{word_of(objects.device_2), word_of(objects.device)};
+        auto const act = [=, through = handle_of(object)] {
+            std::vector<word> found;
+            for (auto const& device : read()) {
+                expect_handle(device, through);
+                found.push_back(word_of(device));
+            }
+            EXPECT_EQ(found, devices);
+            return word{0};
+        };
+        calls life(2, "clRetainDevice");
+        life.insert(life.end(), 2, "clReleaseDevice");
+        reads_in_two_calls<Block>(object, param_name, scripted::bytes_of_list(devices), act,
+                                  Api::number >= 120 ? life : calls{}, {});
+    }
+
+    /// Expects what was called to be a listing of two calls, of one for an empty listing.
+    void expect_listing(std::string const& entry_point, nq_call_handle* through, std::vector<field> const& fields,
+                        listing_layout const& at, std::size_t elements, calls const& after = {}) {
+        std::size_t const phases = elements == 0 ? 1 : 2;
+        calls all(phases, entry_point);
+        all.insert(all.end(), after.begin(), after.end());
+        ASSERT_EQ(this->libnq.names(), all);
+        for (std::size_t n = 0; n != phases; ++n) {
+            auto const call = this->libnq.calls()[n];
+            EXPECT_EQ(call.handle, through);
+            expect_fields(call, fields);
+            expect_fields(call, {u4(at.capacity, n == 0 ? 0 : elements)});
+            EXPECT_EQ(word_at(call.block, at.array) == 0, n == 0);
+            EXPECT_EQ(word_at(call.block, at.count) == 0, n == 1);
+        }
+        forget();
+    }
+
+    world<Api> objects{this->libnq};
+
+private:
+    template <class Block>
+    void reads_in_two_calls(auto const& object, std::uint32_t param_name, std::string const& reply,
+                            std::function<word()> const& act, calls const& life, std::vector<field> fields) {
+        this->libnq.template reply<Block>(param_name, reply);
+        fields.push_back(u8(0, object));
+        fields.push_back(u4(layout_of<Block>.param_name, param_name));
+        check_read({std::string(scripted::name_of<Block>()), handle_of(object), std::move(fields), act, life,
+                    [this](std::int32_t status, void*) {
+                        answers<Block>({.status = layout_of<Block>.status}, status, nullptr);
+                    }},
+                   layout_of<Block>, reply.size());
+    }
+
+    /// Numbers, enumerators and objects as words, texts as strings.
+    template <class T>
+    static auto comparable(T const& value) {
+        if constexpr (std::is_array_v<T>) {
+            return std::string(value);
+        } else if constexpr (std::is_scalar_v<T> || owning<T>) {
+            return word_of(value);
+        } else {
+            return value;
+        }
+    }
+
+    template <class Block>
+    void answers(results const& at, std::int32_t status, void* made) {
+        this->libnq.template on<Block>([=](Block& block) {
+            bool const scripted = status != 0 || made != nullptr;
+            if (scripted) {
+                answer(&block, at, status, made);
+            }
+            return scripted;
+        });
+    }
+
+    /// The call that begins or ends the life of a result, if there is one.
+    template <class Result>
+    static calls life_of(std::string const& what) {
+        if constexpr (requires { typename Result::raw_type; }) {
+            constexpr char const* kind = kind_of(static_cast<typename Result::raw_type*>(nullptr));
+            return kind != nullptr ? calls{what + kind} : calls{};
+        } else {
+            return {};
+        }
+    }
+
+    static constexpr char const* kind_of(_nq_cl_platform_id*) { return nullptr; }
+    static constexpr char const* kind_of(_nq_cl_device_id*) { return Api::number >= 120 ? "Device" : nullptr; }
+    static constexpr char const* kind_of(_nq_cl_context*) { return "Context"; }
+    static constexpr char const* kind_of(_nq_cl_command_queue*) { return "CommandQueue"; }
+    static constexpr char const* kind_of(_nq_cl_mem*) { return "MemObject"; }
+    static constexpr char const* kind_of(_nq_cl_sampler*) { return "Sampler"; }
+    static constexpr char const* kind_of(_nq_cl_program*) { return "Program"; }
+    static constexpr char const* kind_of(_nq_cl_kernel*) { return "Kernel"; }
+    static constexpr char const* kind_of(_nq_cl_event*) { return "Event"; }
+
+    template <class T>
+    static void expect_handle(T const& object, nq_call_handle* expected) {
+        if constexpr (owning<T>) {
+            EXPECT_EQ(handle_of(object), expected);
+        }
+    }
+
+    void check_call(expectation const& expected, void* made, std::vector<pointee> const& pointees, bool has_status);
+    void check_read(expectation const& expected, info_layout const& layout, std::size_t size);
+    void expect_calls(expectation const& expected, std::size_t count, void* made);
+    void expect_layer_failure(expectation const& expected);
+
+    template <class Exception>
+    void expect_failure(expectation const& expected) {
+        forget();
+        EXPECT_THROW(expected.act(), Exception);
+        EXPECT_EQ(this->libnq.names(), calls{expected.entry_point});
+    }
+};
+
+template <class Api>
+void members<Api>::expect_calls(expectation const& expected, std::size_t count, void* made) {
+    expected.answer(0, made);
+    forget();
+    EXPECT_EQ(expected.act(), word_of(made));
+    calls all(count, expected.entry_point);
+    all.insert(all.end(), expected.after.begin(), expected.after.end());
+    ASSERT_EQ(this->libnq.names(), all);
+    for (scripted::call const& call : this->libnq.calls()) {
+        EXPECT_EQ(call.handle, expected.handle);
+        if (call.name == expected.entry_point) {
+            expect_fields(call, expected.fields);
+        }
+    }
+}
+
+template <class Api>
+void members<Api>::expect_layer_failure(expectation const& expected) {
+    expected.answer(0, nullptr);
+    this->libnq.fail(scripted::layer(-1));
+    expect_failure<nq::unrecoverable_error>(expected);
+}
+
+template <class Api>
+void members<Api>::check_call(expectation const& expected, void* made, std::vector<pointee> const& pointees,
+                              bool has_status) {
+    SCOPED_TRACE(expected.entry_point);
+    ASSERT_NO_FATAL_FAILURE(expect_calls(expected, 1, made));
+    scripted::call const call = this->libnq.calls().front();
+    for (pointee const& target : pointees) {
+        EXPECT_EQ(call.has(target.field) ? call.parts(target.field) : calls{}, calls{target.bytes}) << target.field;
+    }
+    if (has_status) {
+        expected.answer(-5, reinterpret_cast<void*>(0xBAD));
+        expect_failure<common::out_of_resources>(expected);
+    }
+    expect_layer_failure(expected);
+}
+
+template <class Api>
+void members<Api>::check_read(expectation const& expected, info_layout const& layout, std::size_t size) {
+    SCOPED_TRACE(expected.entry_point);
+    ASSERT_NO_FATAL_FAILURE(expect_calls(expected, 2, nullptr));
+    auto const made = this->libnq.calls();
+    for (std::size_t const n : {0U, 1U}) {
+        expect_fields(made[n], {u8(layout.size, n == 0 ? 0 : size)});
+        EXPECT_EQ(word_at(made[n].block, layout.value) == 0, n == 0);
+        EXPECT_NE(word_at(made[n].block, layout.size_ret), 0U);
+    }
+    expected.answer(-5, nullptr);
+    expect_failure<common::out_of_resources>(expected);
+    expect_layer_failure(expected);
 }
 
 } // namespace unit

@@ -10,35 +10,7 @@ namespace unit {
 template <class Api>
 struct world;
 
-#define UNIT_NAMESPACE opencl_1_0
-#define UNIT_OPENCL 100
-#include "unit/world_body.inc"
-#undef UNIT_NAMESPACE
-#undef UNIT_OPENCL
-#define UNIT_NAMESPACE opencl_1_1
-#define UNIT_OPENCL 110
-#include "unit/world_body.inc"
-#undef UNIT_NAMESPACE
-#undef UNIT_OPENCL
-#define UNIT_NAMESPACE opencl_1_2
-#define UNIT_OPENCL 120
-#include "unit/world_body.inc"
-#undef UNIT_NAMESPACE
-#undef UNIT_OPENCL
-#define UNIT_NAMESPACE opencl_2_0
-#define UNIT_OPENCL 200
-#include "unit/world_body.inc"
-#undef UNIT_NAMESPACE
-#undef UNIT_OPENCL
-#define UNIT_NAMESPACE opencl_2_1
-#define UNIT_OPENCL 210
-#include "unit/world_body.inc"
-#undef UNIT_NAMESPACE
-#undef UNIT_OPENCL
-#define UNIT_NAMESPACE opencl_2_2
-#define UNIT_OPENCL 220
-#include "unit/world_body.inc"
-#undef UNIT_NAMESPACE
-#undef UNIT_OPENCL
+#define UNIT_BODY "unit/world_body.inc"
+#include "unit/every_version.inc"
 
 } // namespace unit
