@@ -103,21 +103,22 @@ void draw(std::string const& path, std::vector<step> const& steps) {
     }
     double const scale = width / static_cast<double>(std::max<std::uint64_t>(last - first, 1));
     std::ofstream svg(path);
-    svg << "<svg xmlns=\"http://www.w3.org/2000/svg\" width=\"1000\" height=\"" << line * (chunks + 2)
-        << "\" font-family=\"sans-serif\" font-size=\"12\">\n<rect width=\"1000\" height=\"100%\" fill=\"white\"/>\n";
+    svg << R"(<svg xmlns="http://www.w3.org/2000/svg" width="1000" height=")" << line * (chunks + 2)
+        << R"(" font-family="sans-serif" font-size="12">)" << '\n'
+        << R"(<rect width="1000" height="100%" fill="white"/>)" << '\n';
     for (step const& s : steps) {
         double const start = static_cast<double>(s.event.profile_command_start() - first) * scale;
         double const end = static_cast<double>(s.event.profile_command_end() - first) * scale;
-        svg << "<rect x=\"" << 80 + start << "\" y=\"" << line * static_cast<double>(s.chunk) + 4 << "\" width=\""
-            << std::max(end - start, 0.5) << "\" height=\"" << line - 6 << "\" fill=\"" << colour_of(s.kind)
-            << "\"/>\n";
+        svg << R"(<rect x=")" << 80 + start << R"(" y=")" << line * static_cast<double>(s.chunk) + 4 << R"(" width=")"
+            << std::max(end - start, 0.5) << R"(" height=")" << line - 6 << R"(" fill=")" << colour_of(s.kind)
+            << R"("/>)" << '\n';
     }
     for (std::size_t i = 0; i != chunks; ++i) {
-        svg << "<text x=\"8\" y=\"" << line * static_cast<double>(i) + 18 << "\">chunk " << i << "</text>\n";
+        svg << R"(<text x="8" y=")" << line * static_cast<double>(i) + 18 << R"(">chunk )" << i << "</text>\n";
     }
-    svg << "<text x=\"80\" y=\"" << line * (chunks + 1) << "\"><tspan fill=\"" << colour_of(stage::upload)
-        << "\">upload</tspan>  <tspan fill=\"" << colour_of(stage::compute) << "\">compute</tspan>  <tspan fill=\""
-        << colour_of(stage::download) << "\">download</tspan>  of " << static_cast<double>(last - first) * 1e-6
+    svg << R"(<text x="80" y=")" << line * (chunks + 1) << R"("><tspan fill=")" << colour_of(stage::upload)
+        << R"(">upload</tspan>  <tspan fill=")" << colour_of(stage::compute) << R"(">compute</tspan>  <tspan fill=")"
+        << colour_of(stage::download) << R"(">download</tspan>  of )" << static_cast<double>(last - first) * 1e-6
         << " ms in all</text>\n</svg>\n";
     if (!svg.flush()) {
         throw std::runtime_error("cannot write " + path);

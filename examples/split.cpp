@@ -115,6 +115,7 @@ std::vector<std::size_t> share_out(std::size_t lines, std::vector<double> const&
         speed += 1 / time;
     }
     std::vector<std::size_t> shares;
+    shares.reserve(times.size());
     for (double const time : times) {
         shares.push_back(static_cast<std::size_t>(static_cast<double>(lines) / time / speed));
     }
@@ -143,6 +144,7 @@ bool split(char const* what, std::vector<cl::device> const& devices, std::size_t
     std::vector<std::uint32_t> alone(lines * width);
     std::vector<std::uint32_t> together(lines * width);
     std::vector<worker> workers;
+    workers.reserve(devices.size());
     for (cl::device const& device : devices) {
         workers.emplace_back(device, lines);
     }
@@ -152,7 +154,7 @@ bool split(char const* what, std::vector<cl::device> const& devices, std::size_t
     one[static_cast<std::size_t>(std::min_element(times.begin(), times.end()) - times.begin())] = lines;
     double const time_alone = compute(workers, one, alone);
     double const time_together = compute(workers, shares, together);
-    std::size_t const different = static_cast<std::size_t>(
+    auto const different = static_cast<std::size_t>(
         std::inner_product(alone.begin(), alone.end(), together.begin(), 0, std::plus<>(), std::not_equal_to<>()));
 
     std::printf("%s\n", what);
