@@ -24,6 +24,12 @@ bool incomplete(Element const* list, std::uint64_t count) noexcept {
     return count != 0 && (list == nullptr || std::find(list, list + count, nullptr) != list + count);
 }
 
+/// Whether a list that is there has a null entry.
+template <class Element>
+bool holds_null(Element const* list, std::uint64_t count) noexcept {
+    return list != nullptr && incomplete(list, count);
+}
+
 template <class... Pointers>
 bool any_null(Pointers... pointers) noexcept {
     return ((pointers == nullptr) || ...);
@@ -54,6 +60,11 @@ inline cl_int missing_pointer(block::clEnqueueNDRangeKernel const& b) noexcept {
 }
 inline cl_int missing_pointer(block::clEnqueueTask const& b) noexcept {
     return b.kernel == nullptr ? CL_INVALID_KERNEL : CL_SUCCESS;
+}
+
+// A null place for a memory object among the arguments. PoCL (aborts), Oclgrind, Intel.
+inline cl_int missing_pointer(block::clEnqueueNativeKernel const& b) noexcept {
+    return incomplete(b.args_mem_loc, b.num_mem_objects) ? CL_INVALID_VALUE : CL_SUCCESS;
 }
 
 // A null origin or region: Oclgrind; of images: Oclgrind and Intel. A null second memory object: PoCL.
@@ -108,13 +119,16 @@ inline cl_int missing_pointer(block::clCreateProgramWithBinary const& b) noexcep
 }
 
 // A null device in a list. PoCL.
+inline cl_int missing_pointer(block::clCreateProgramWithBuiltInKernels const& b) noexcept {
+    return holds_null(b.device_list, b.num_devices) ? CL_INVALID_DEVICE : CL_SUCCESS;
+}
 inline cl_int missing_pointer(block::clBuildProgram const& b) noexcept {
-    return b.device_list != nullptr && incomplete(b.device_list, b.num_devices) ? CL_INVALID_DEVICE : CL_SUCCESS;
+    return holds_null(b.device_list, b.num_devices) ? CL_INVALID_DEVICE : CL_SUCCESS;
 }
 
 // No headers, a null header: PoCL, Oclgrind.
 inline cl_int missing_pointer(block::clCompileProgram const& b) noexcept {
-    if (b.device_list != nullptr && incomplete(b.device_list, b.num_devices)) {
+    if (holds_null(b.device_list, b.num_devices)) {
         return CL_INVALID_DEVICE;
     }
     if (b.num_input_headers == 0) {
@@ -128,7 +142,7 @@ inline cl_int missing_pointer(block::clCompileProgram const& b) noexcept {
 
 // No programs: Oclgrind. A null program: PoCL, Oclgrind.
 inline cl_int missing_pointer(block::clLinkProgram const& b) noexcept {
-    if (b.device_list != nullptr && incomplete(b.device_list, b.num_devices)) {
+    if (holds_null(b.device_list, b.num_devices)) {
         return CL_INVALID_DEVICE;
     }
     if (b.num_input_programs != 0 && b.input_programs == nullptr) {

@@ -69,12 +69,24 @@ void lists(session<Version>& s, objects<Version>& o) {
     s.ok(clReleaseEvent{marker});
 }
 
+void do_nothing(void*) {}
+
 template <nq::capability Version>
 void launches(session<Version>& s, objects<Version>& o) {
     std::size_t const global = 16;
     std::size_t const local = 0;
     s.refused(clEnqueueNDRangeKernel{.command_queue = s.queue, .global_work_size = &global, .work_dim = 1},
               invalid_kernel);
+    void* argument = nullptr;
+    void const* nowhere = nullptr;
+    s.refused(clEnqueueNativeKernel{.command_queue = s.queue,
+                                    .user_func = do_nothing,
+                                    .args = &argument,
+                                    .cb_args = sizeof argument,
+                                    .mem_list = &o.buffer,
+                                    .args_mem_loc = &nowhere,
+                                    .num_mem_objects = 1},
+              invalid_value);
     if constexpr (nq::has_command<Version, clEnqueueTask>) {
         s.refused(clEnqueueTask{.command_queue = s.queue}, invalid_kernel);
     }
@@ -208,6 +220,10 @@ void programs_made_of_nothing(session<Version>& s, objects<Version>& o) {
         clCreateProgramWithBinary{
             .context = s.context, .device_list = &s.device, .lengths = &size, .binaries = &no_binary, .num_devices = 1},
         invalid_value);
+    s.refused(
+        clCreateProgramWithBuiltInKernels{
+            .context = s.context, .device_list = &no_device, .kernel_names = name, .num_devices = 1},
+        invalid_device);
     s.refused(clBuildProgram{.program = o.program, .device_list = &no_device, .num_devices = 1}, invalid_device);
     EXPECT_NE(s.call(clBuildProgram{.program = o.program, .num_devices = 1}).status, success);
     s.refused(clBuildProgram{.device_list = &s.device, .num_devices = 1}, invalid_program);
