@@ -7,6 +7,7 @@
 #include <iterator>
 #include <optional>
 #include <string>
+#include <unistd.h>
 
 // The logger under its two variables. It is built once in a process, so each case has a process and a folder of its
 // own.
@@ -27,7 +28,7 @@ struct outcome {
 
 class logger : public testing::Test {
 protected:
-    logger() : folder_(std::filesystem::path(testing::TempDir()) / "mero_logger") {
+    logger() : folder_(std::filesystem::path(testing::TempDir()) / ("mero_logger_" + std::to_string(::getpid()))) {
         std::filesystem::remove_all(folder_);
         std::filesystem::create_directories(folder_);
     }
