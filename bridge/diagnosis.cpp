@@ -33,16 +33,16 @@ std::string without_vendors(std::string const& setting) {
 // What keeps the loader from using a vendor's library; it passes over such a library in silence.
 std::string unusable(vendor const& each, bool platforms_found) {
     std::string const named = each.file.empty() ? "" : each.file + " names ";
-    if (each.library.empty()) {
+    if (each.driver.empty()) {
         return line(each.file + " cannot be read or names no library; remove or correct it");
     }
-    if (dlopen(each.library.c_str(), RTLD_LAZY | RTLD_LOCAL) == nullptr) {
+    if (dlopen(each.driver.c_str(), RTLD_LAZY | RTLD_LOCAL) == nullptr) {
         std::string const reason = dlerror();
-        return line(named + each.library + ", which does not load: " + reason) +
+        return line(named + each.driver + ", which does not load: " + reason) +
                line("install or repair the package that holds " + reason.substr(0, reason.find(':')));
     }
     return platforms_found ? ""
-                           : line(named + each.library +
+                           : line(named + each.driver +
                                   ", which loads but offers no platform: "
                                   "it found no device that it can drive");
 }

@@ -16,7 +16,7 @@ vendor read_vendor(fs::path const& file) {
     vendor read{file.string(), {}};
     std::ifstream stream(file);
     stream >> std::ws;
-    std::getline(stream, read.library);
+    std::getline(stream, read.driver);
     return read;
 }
 

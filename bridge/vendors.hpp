@@ -9,7 +9,7 @@ namespace nq::bridge {
 
 struct vendor {
     std::string file; // the .icd file that names the library; empty where the environment names it
-    std::string library;
+    std::string driver; // the vendor's library
 };
 
 /// Where the loader looks: OCL_ICD_VENDORS, OPENCL_VENDOR_PATH or the system's folder.

@@ -11,7 +11,9 @@ set(CMAKE_RUNTIME_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/bin)
 
 find_program(VORN_MERO_CCACHE ccache)
 if(VORN_MERO_CCACHE AND NOT CMAKE_CXX_COMPILER_LAUNCHER)
-  set(CMAKE_CXX_COMPILER_LAUNCHER ${VORN_MERO_CCACHE})
+  # paths relative to the checkout, so that every build folder and every clone shares what one has compiled
+  set(CMAKE_CXX_COMPILER_LAUNCHER ${CMAKE_COMMAND} -E env CCACHE_NOHASHDIR=true CCACHE_BASEDIR=${PROJECT_SOURCE_DIR}
+    ${VORN_MERO_CCACHE})
 endif()
 
 add_library(project_defaults INTERFACE)
