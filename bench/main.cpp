@@ -23,6 +23,7 @@ int main(int count, char** arguments) {
         bench::compare_image_commands(on);
         bench::compare_kernel_commands(on);
         bench::compare_shared_memory_commands(on);
+        bench::compare_tasks(on);
         benchmark::RunSpecifiedBenchmarks();
         return EXIT_SUCCESS;
     }

@@ -3,6 +3,7 @@
 // The C API, from the loader that the bridge loads too, and the objects that both sides of a comparison use.
 
 #define CL_TARGET_OPENCL_VERSION 300
+#define CL_USE_DEPRECATED_OPENCL_1_2_APIS
 #include <CL/cl.h>
 
 #include <vorn/mero/opencl_2_1.hpp>
@@ -21,7 +22,7 @@ namespace mero = vorn::mero::opencl_2_1;
     X(clEnqueueMapImage) X(clEnqueueMarkerWithWaitList) X(clEnqueueMigrateMemObjects) \
     X(clEnqueueNDRangeKernel) X(clEnqueueNativeKernel) X(clEnqueueReadBuffer) X(clEnqueueReadBufferRect) \
     X(clEnqueueReadImage) X(clEnqueueSVMFree) X(clEnqueueSVMMap) X(clEnqueueSVMMemFill) X(clEnqueueSVMMemcpy) \
-    X(clEnqueueSVMMigrateMem) X(clEnqueueSVMUnmap) X(clEnqueueUnmapMemObject) X(clEnqueueWriteBuffer) \
+    X(clEnqueueSVMMigrateMem) X(clEnqueueSVMUnmap) X(clEnqueueTask) X(clEnqueueUnmapMemObject) X(clEnqueueWriteBuffer) \
     X(clEnqueueWriteBufferRect) X(clEnqueueWriteImage) X(clGetDeviceInfo) X(clReleaseContext) \
     X(clReleaseEvent) X(clRetainContext) X(clSVMAlloc) X(clSetKernelArg)
 // clang-format on
