@@ -1,56 +1,44 @@
-#include "child.hpp"
-#include "guards.hpp"
 #include "scenario.hpp"
 
-#include <set>
 #include <string_view>
 
-namespace contract {
+namespace nq::block::contract {
 namespace {
 
-template <class Body>
 class body_test : public testing::Test {
 public:
-    explicit body_test(Body body) : body_(std::move(body)) {}
+    explicit body_test(std::function<void()> body) : body_(std::move(body)) {}
     void TestBody() override { body_(); }
 
 private:
-    Body body_;
+    std::function<void()> body_;
 };
 
-template <class Body>
-void add_test(std::string const& suite, std::string const& name, Body body) {
+void add_test(std::string const& suite, std::string const& name, std::function<void()> const& body) {
     testing::RegisterTest(suite.c_str(), name.c_str(), nullptr, nullptr, __FILE__, __LINE__,
-                          [body]() -> testing::Test* { return new body_test<Body>(body); });
+                          [body]() -> testing::Test* { return new body_test(body); });
 }
 
-template <nq::capability Version>
-void performs_all(nq::capability_node node) {
-    session<Version> s(node);
+void performs_all(capability version, capability_node node) {
+    session s(version, node);
     every_entry_point(s);
-    for (std::uint32_t id = 1; id <= nq::commands<Version>::size; ++id) {
+    for (std::uint32_t id = 1; id <= command_count(version); ++id) {
         EXPECT_TRUE(s.performed[id]) << "command " << id << " was not performed";
     }
 }
 
-template <nq::capability Version>
-void add_version(std::set<std::string>& found) {
-    for (nq::capability_node const node : list_nodes(Version)) {
-        std::string const platform = session<Version>(node).name;
+void add_version(std::set<std::string>& found, capability version) {
+    for (capability_node const node : list_nodes(version)) {
+        std::string const platform = session(version, node).name;
         found.insert(platform);
-        add_test(platform, std::string("performs_") + text_of(Version), [node] { performs_all<Version>(node); });
-        if constexpr (Version == nq::capability::opencl_1_2 || Version == nq::capability::opencl_2_2) {
-            add_test(platform, std::string("guards_") + text_of(Version), [node] {
-                session<Version> s(node);
-                refuses_missing_arguments(s);
+        add_test(platform, "performs_" + text_of(version), [=] { performs_all(version, node); });
+        if (version == capability::opencl_1_2 || version == capability::opencl_2_2) {
+            add_test(platform, "guards_" + text_of(version), [=] {
+                session s(version, node);
+                guards(s);
             });
         }
     }
-}
-
-void comes_back(std::string const& mode, std::string const& platform) {
-    auto const child = run_self({mode, platform});
-    EXPECT_TRUE(child.ended_well) << tail(child);
 }
 
 #if defined(__SANITIZE_THREAD__)
@@ -66,26 +54,22 @@ void forks(std::string const& platform) {
         GTEST_SKIP() << "ThreadSanitizer ends a forked child that starts threads";
     }
     bool const broken = platform == "pocl" || platform == "rusticl";
-    std::map<std::string, std::string> environment{{"NQ_BRIDGE_VERBOSE", "1"}};
-    auto const before = run_self({"fork_before", platform}, environment);
-    EXPECT_TRUE(before.ended_well) << tail(before);
-    auto const after = run_self({broken ? "fork_after_broken" : "fork_after", platform}, environment);
-    EXPECT_TRUE(after.ended_well) << tail(after);
-    EXPECT_EQ(after.output.find("would hang in this process") != std::string::npos, broken) << tail(after);
+    expect_ends_well("fork_before " + platform);
+    auto const after =
+        expect_ends_well((broken ? "fork_after_broken " : "fork_after ") + platform, "NQ_BRIDGE_VERBOSE=1");
+    EXPECT_EQ(after.find("would hang in this process") != std::string::npos, broken) << after;
     if (platform == "pocl") {
-        environment["POCL_DEVICES"] = "basic";
-        auto const basic = run_self({"fork_after", platform}, environment);
-        EXPECT_TRUE(basic.ended_well) << tail(basic);
+        expect_ends_well("fork_after pocl", "POCL_DEVICES=basic");
     }
 }
 
 void add_tests() {
     std::set<std::string> found;
-    for_each_version([&found]<nq::capability Version>() { add_version<Version>(found); });
+    for (capability const version : versions) {
+        add_version(found, version);
+    }
     for (std::string const& platform : found) {
-        for (char const* const mode : {"null_pointers", "zero_blocks"}) {
-            add_test(platform, std::string("comes_back_from_") + mode, [=] { comes_back(mode, platform); });
-        }
+        add_test(platform, "comes_back_without_arguments", [=] { expect_ends_well("miss_arguments " + platform); });
         add_test(platform, "forks", [platform] { forks(platform); });
     }
     for (std::string const platform : {"pocl", "rusticl", "oclgrind", "intel"}) {
@@ -96,13 +80,13 @@ void add_tests() {
 }
 
 } // namespace
-} // namespace contract
+} // namespace nq::block::contract
 
 int main(int count, char** words) {
     testing::InitGoogleTest(&count, words);
     if (count > 2 && std::string_view(words[1]) == "--mode") {
-        return contract::run_mode({words + 2, words + count});
+        return nq::block::contract::perform_mode({words + 2, words + count});
     }
-    contract::add_tests();
+    nq::block::contract::add_tests();
     return RUN_ALL_TESTS();
 }

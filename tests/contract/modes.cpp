@@ -1,68 +1,63 @@
-#include "child.hpp"
 #include "scenario.hpp"
 
 #include <barrier>
-#include <functional>
+#include <cstdio>
+#include <filesystem>
 #include <iostream>
 #include <sys/wait.h>
 #include <thread>
 #include <unistd.h>
 
-namespace contract {
+namespace nq::block::contract {
 namespace {
 
-using arguments = std::vector<std::string>;
+using enum capability;
 
 bool failed() { return testing::UnitTest::GetInstance()->Failed(); }
 
-template <nq::capability Version>
-void for_platform(std::string const& platform, std::function<void(session<Version>&)> const& action) {
-    for (nq::capability_node const node : list_nodes(Version)) {
-        if (session<Version> s(node); s.name == platform) {
-            action(s);
+/// Each command of a version with a block of zeros.
+void zero_blocks(session const& s, capability_node node) {
+    nq_call_handle* const handle = open(node);
+    for (std::uint32_t id = 1; id <= command_count(s.version); ++id) {
+        std::cout << s.name << " " << text_of(s.version) << " command " << id << " with zeros" << std::endl;
+        alignas(8) std::array<unsigned char, 256> block{};
+        if (nq_call_capability(handle, id, block.data(), nullptr) != 0) {
+            std::abort();
         }
     }
+    nq_close_call_handle(handle);
 }
 
-template <nq::capability Version>
-void null_pointers(std::string const& platform) {
-    for_platform<Version>(platform, [](session<Version>& s) {
-        s.nulling = true;
-        every_entry_point(s);
-    });
-}
-
-template <nq::capability Version>
-void zero_blocks(std::string const& platform) {
-    for (nq::capability_node const node : list_nodes(Version)) {
-        session<Version> const s(node);
-        nq_call_handle* const handle = open(node);
-        for (std::uint32_t id = 1; s.name == platform && id <= nq::commands<Version>::size; ++id) {
-            std::cout << platform << " " << text_of(Version) << " command " << id << " with a block of zeros"
-                      << std::endl;
-            alignas(8) std::array<unsigned char, 256> block{};
-            EXPECT_EQ(nq_call_capability(handle, id, block.data(), nullptr), 0);
+/// No missing argument ends the process, and those that have a guard are answered as it says.
+int miss_arguments(std::string const& platform) {
+    bool all_guarded = true;
+    for (capability const version : versions) {
+        for (capability_node const node : list_nodes(version)) {
+            if (session s(version, node); s.name == platform) {
+                zero_blocks(s, node);
+                s.nulling = true;
+                every_entry_point(s);
+                all_guarded = guarded(s) && all_guarded;
+            }
         }
-        nq_close_call_handle(handle);
     }
+    return all_guarded ? 0 : 1; // what the other calls come to is not the question
 }
 
-using oldest = session<nq::capability::opencl_1_0>;
-
-nq::capability_node node_of(std::string const& platform) {
-    nq::capability_node found{};
-    for (nq::capability_node const node : list_nodes(oldest::version)) {
-        found = oldest(node).name == platform ? node : found;
+capability_node node_of(std::string const& platform) {
+    capability_node found{};
+    for (capability_node const node : list_nodes(opencl_1_0)) {
+        found = session(opencl_1_0, node).name == platform ? node : found;
     }
     return found;
 }
 
 // Builds a program and runs it.
-void work_on(nq::capability_node node) {
-    oldest s(node);
+void work_on(capability_node node) {
+    session s(opencl_1_0, node);
     set_up(s);
     kernels(s);
-    tear_down(s);
+    s.tear_down();
 }
 
 int count_devices() {
@@ -94,14 +89,14 @@ int fork_before(std::string const& platform) {
 
 // `working` says whether the platform is expected to work in the child.
 int fork_after(std::string const& platform, bool working) {
-    nq::capability_node const node = node_of(platform);
+    capability_node const node = node_of(platform);
     nq_call_handle* const before = open(node);
     work_on(node);
     in_fork([=] {
-        nq::block::call_handle_device block{};
-        constexpr std::uint32_t id = nq::command_id<oldest::version, nq::block::call_handle_device>;
+        call_handle_device block{};
         nq_call_handle* after = nullptr;
         int const expected = working ? nq::result::success : nq::result::unrecoverable;
+        std::uint32_t const id = command_id<call_handle_device>(opencl_1_0);
         EXPECT_EQ(nq_call_capability(before, id, &block, nullptr), expected);
         EXPECT_EQ(nq_create_call_handle(node, &after, nullptr), expected);
         if (working) {
@@ -120,7 +115,7 @@ int discover_from_threads() {
     for (std::size_t& mine : found) {
         threads.emplace_back([&start, &mine] {
             start.arrive_and_wait();
-            for (nq::capability_node const node : list_nodes(nq::capability::opencl_1_0)) {
+            for (capability_node const node : list_nodes(opencl_1_0)) {
                 nq_close_call_handle(open(node));
                 ++mine;
             }
@@ -130,24 +125,30 @@ int discover_from_threads() {
         thread.join();
     }
     for (std::size_t const each : found) {
-        EXPECT_EQ(each, list_nodes(nq::capability::opencl_1_0).size());
+        EXPECT_EQ(each, list_nodes(opencl_1_0).size());
     }
     return failed();
 }
 
 } // namespace
 
-int run_mode(arguments const& words) {
+std::string expect_ends_well(std::string const& mode, std::string const& environment) {
+    std::string const program = std::filesystem::read_symlink("/proc/self/exe").string();
+    std::string const command = "env " + environment + " timeout 60 '" + program + "' --mode " + mode + " 2>&1";
+    std::string output;
+    FILE* const child = popen(command.c_str(), "r");
+    for (int next = std::fgetc(child); next != EOF; next = std::fgetc(child)) {
+        output += static_cast<char>(next);
+    }
+    EXPECT_EQ(pclose(child), 0) << mode << " ended after\n"
+                                << output.substr(output.size() - std::min<std::size_t>(output.size(), 1500));
+    return output;
+}
+
+int perform_mode(std::vector<std::string> const& words) {
     std::string const& mode = words.at(0);
-    if (mode == "null_pointers") {
-        for_each_version([&]<nq::capability Version>() { null_pointers<Version>(words.at(1)); });
-        return 0; // whether they come back at all is the question
-    }
-    if (mode == "zero_blocks") {
-        for_each_version([&]<nq::capability Version>() { zero_blocks<Version>(words.at(1)); });
-        return failed();
-    }
-    return mode == "count_devices"       ? count_devices()
+    return mode == "miss_arguments"      ? miss_arguments(words.at(1))
+           : mode == "count_devices"     ? count_devices()
            : mode == "threads"           ? discover_from_threads()
            : mode == "fork_before"       ? fork_before(words.at(1))
            : mode == "fork_after"        ? fork_after(words.at(1), true)
@@ -155,4 +156,4 @@ int run_mode(arguments const& words) {
                                          : 2;
 }
 
-} // namespace contract
+} // namespace nq::block::contract

@@ -4,113 +4,80 @@
 
 #include "session.hpp"
 
-#include <array>
 #include <atomic>
-#include <initializer_list>
-#include <utility>
 
-namespace contract {
-
-constexpr std::size_t length = 256; // of the buffers, in elements
-using numbers = std::array<std::int32_t, length>;
-
-numbers counting_from(std::int32_t first);
-
-template <nq::capability Version>
-void platform_and_device(session<Version>& s);
-template <nq::capability Version>
-void context_and_queue(session<Version>& s);
-template <nq::capability Version>
-void buffers(session<Version>& s);
-template <nq::capability Version>
-void images_and_samplers(session<Version>& s);
-template <nq::capability Version>
-void programs(session<Version>& s);
-template <nq::capability Version>
-void kernels(session<Version>& s);
-template <nq::capability Version>
-void events(session<Version>& s);
-template <nq::capability Version>
-void shared_memory_and_pipes(session<Version>& s);
+namespace nq::block::contract {
 
 /// Makes the session's context and queue.
-template <nq::capability Version>
-void set_up(session<Version>& s);
+void set_up(session& s);
 
-template <nq::capability Version>
-void tear_down(session<Version>& s);
+// The scenarios need a session that is set up.
+void platform_and_device(session& s);
+void context_and_queue(session& s);
+void events(session& s);
+void buffers(session& s);
+void images(session& s);
+void samplers(session& s);
+void shared_memory(session& s);
+void pipes(session& s);
+void programs(session& s);
+void kernels(session& s);
 
-template <nq::capability Version>
-void every_entry_point(session<Version>& s) {
+inline void every_entry_point(session& s) {
     set_up(s);
-    platform_and_device(s);
-    context_and_queue(s);
-    buffers(s);
-    images_and_samplers(s);
-    programs(s);
-    kernels(s);
-    events(s);
-    shared_memory_and_pipes(s);
-    tear_down(s);
+    for (auto* const scenario :
+         {platform_and_device, context_and_queue, events, buffers, images, samplers, programs, kernels}) {
+        scenario(s);
+    }
+    if (s.version >= capability::opencl_2_0) {
+        shared_memory(s);
+        pipes(s);
+    }
+    s.tear_down();
 }
+
+/// Null and missing arguments that end the process in some implementation get an error code. Needs OpenCL 1.2.
+void guards(session& s);
+
+/// Whether the calls with nulled pointers were answered as the guards say; says which were not.
+bool guarded(session const& s);
+
+/// Runs a mode of this program in a process of its own, with the arguments of env(1) before it, for what needs its own
+/// environment or may not come back. It must end with 0 within 60 s. Its output.
+std::string expect_ends_well(std::string const& mode, std::string const& environment = {});
+
+/// Performs a mode: its exit status.
+int perform_mode(std::vector<std::string> const& words);
 
 // What several scenarios need.
 
-template <nq::capability Version>
-_nq_cl_mem* make_buffer(session<Version>& s, numbers const& values) {
-    return s
-        .ok(nq::block::clCreateBuffer{.flags = mem_read_write | mem_copy_host_pointer,
-                                      .context = s.context,
-                                      .size = sizeof values,
-                                      .host_ptr = const_cast<numbers*>(&values)})
-        .result;
+numbers counting_from(std::int32_t first);
+_nq_cl_mem* make_buffer(session& s, numbers values = {});
+
+/// What a whole buffer holds after the commands before.
+numbers read(session& s, _nq_cl_mem* buffer);
+
+_nq_cl_program* make_program(session& s, char const* source);
+void build(session& s, _nq_cl_program* program, char const* options = "");
+_nq_cl_kernel* make_kernel(session& s, _nq_cl_program* program, char const* name);
+
+template <class Value>
+void set_argument(session& s, _nq_cl_kernel* kernel, std::uint32_t index, Value const& value) {
+    s.ok(clSetKernelArg{.kernel = kernel, .arg_size = sizeof value, .arg_value = &value, .arg_index = index});
 }
 
-/// A blocking read of a whole buffer, after the commands before it.
-template <nq::capability Version>
-numbers read(session<Version>& s, _nq_cl_mem* buffer) {
-    s.ok(nq::block::clFinish{s.queue});
-    numbers values{};
-    s.ok(nq::block::clEnqueueReadBuffer{
-        .command_queue = s.queue, .buffer = buffer, .size = sizeof values, .ptr = &values, .blocking_read = 1});
-    return values;
-}
-
-template <nq::capability Version>
-_nq_cl_program* make_program(session<Version>& s, char const* source) {
-    return s.ok(nq::block::clCreateProgramWithSource{.context = s.context, .strings = &source, .count = 1}).result;
-}
-
-template <nq::capability Version>
-void build(session<Version>& s, _nq_cl_program* program, char const* options = "") {
-    s.ok(nq::block::clBuildProgram{.program = program, .device_list = &s.device, .options = options, .num_devices = 1});
-}
-
-template <nq::capability Version>
-_nq_cl_kernel* make_kernel(session<Version>& s, _nq_cl_program* program, char const* name) {
-    return s.ok(nq::block::clCreateKernel{.program = program, .kernel_name = name}).result;
-}
-
-template <nq::capability Version, class Value>
-void set_argument(session<Version>& s, _nq_cl_kernel* kernel, std::uint32_t index, Value const& value) {
-    s.ok(
-        nq::block::clSetKernelArg{.kernel = kernel, .arg_size = sizeof value, .arg_value = &value, .arg_index = index});
-}
-
-/// Runs a kernel once per element, in work-groups of 16.
-template <nq::capability Version>
-void launch(session<Version>& s, _nq_cl_kernel* kernel, _nq_cl_event** event = nullptr) {
-    std::size_t const global = length;
-    std::size_t const local = 16;
-    s.ok(nq::block::clEnqueueNDRangeKernel{.command_queue = s.queue,
-                                           .kernel = kernel,
-                                           .global_work_size = &global,
-                                           .local_work_size = &local,
-                                           .event = event,
-                                           .work_dim = 1});
-}
+/// Runs a kernel once per element.
+void launch(session& s, _nq_cl_kernel* kernel);
 
 /// `add(data, value)` adds to every element; `store(data)` puts the number of each element into it.
 extern char const* const kernel_source;
 
-} // namespace contract
+/// A callback that counts its calls.
+template <class Object>
+void count_call(Object*, void* counter) {
+    if (counter != nullptr) {
+        ++*static_cast<std::atomic<int>*>(counter);
+    }
+}
+
+} // namespace nq::block::contract

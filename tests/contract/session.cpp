@@ -1,99 +1,63 @@
 #include "session.hpp"
 
 #include <algorithm>
-#include <array>
-#include <cctype>
-#include <iterator>
-#include <map>
+#include <iostream>
 #include <sys/mman.h>
 #include <unistd.h>
 
-namespace contract {
+namespace nq::block::contract {
+
 namespace {
 
-using codes = std::map<std::string, std::int32_t>;
+constexpr std::int32_t absent = CL_INVALID_OPERATION;
 
-// What each platform lacks of the six tables. Where the code is not that of a lacking entry point, the implementation
-// answered it itself.
-std::map<std::string, codes> const& lacking() {
-    static std::map<std::string, codes> const table{
-        {"pocl",
-         {{"clSetCommandQueueProperty", invalid_operation},
-          {"clEnqueueWaitForEvents", invalid_operation},
-          {"clCreatePipe", invalid_operation},
-          {"clGetDeviceAndHostTimer", invalid_operation},
-          {"clGetHostTimer", invalid_operation},
-          {"clCreateProgramWithIL", invalid_value},
-          {"clGetKernelSubGroupInfo", invalid_operation},
-          {"clSetProgramSpecializationConstant", invalid_operation},
-          {"clSetProgramReleaseCallback", invalid_operation}}},
-        {"rusticl",
-         {{"clSetCommandQueueProperty", invalid_operation},
-          {"clEnqueueNativeKernel", invalid_operation},
-          {"clEnqueueWaitForEvents", invalid_operation},
-          {"clCreateSubDevices", invalid_operation},
-          {"clCreateProgramWithBuiltInKernels", invalid_operation},
-          {"clCreatePipe", invalid_operation},
-          {"clSVMAlloc", invalid_operation},
-          {"clGetDeviceAndHostTimer", invalid_operation},
-          {"clGetHostTimer", invalid_operation},
-          {"clCreateProgramWithIL", invalid_operation},
-          {"clGetKernelSubGroupInfo", invalid_operation},
-          {"clSetProgramSpecializationConstant", invalid_operation},
-          {"clSetProgramReleaseCallback", invalid_operation}}},
-        {"oclgrind", {{"clCreateSubDevices", invalid_value}, {"clCreateProgramWithBuiltInKernels", invalid_value}}},
-        {"intel",
-         {{"clSetCommandQueueProperty", invalid_operation},
-          {"clCreateProgramWithBuiltInKernels", invalid_operation},
-          {"clSetProgramReleaseCallback", invalid_operation}}}};
-    return table;
-}
+// What the platforms lack of the six tables. Where the code is not `absent`, the implementation answered it itself.
+std::map<std::string, std::map<std::string, std::int32_t>> const lacking{
+    {"clSetCommandQueueProperty", {{"pocl", absent}, {"rusticl", absent}, {"intel", absent}}},
+    {"clEnqueueNativeKernel", {{"rusticl", absent}}},
+    {"clEnqueueWaitForEvents", {{"pocl", absent}, {"rusticl", absent}}},
+    {"clCreateSubDevices", {{"rusticl", absent}, {"oclgrind", CL_INVALID_VALUE}}},
+    {"clCreateProgramWithBuiltInKernels", {{"rusticl", absent}, {"oclgrind", CL_INVALID_VALUE}, {"intel", absent}}},
+    {"clCreatePipe", {{"pocl", absent}, {"rusticl", absent}}},
+    {"clSVMAlloc", {{"rusticl", absent}}},
+    {"clGetDeviceAndHostTimer", {{"pocl", absent}, {"rusticl", absent}}},
+    {"clGetHostTimer", {{"pocl", absent}, {"rusticl", absent}}},
+    {"clCreateProgramWithIL", {{"pocl", CL_INVALID_VALUE}, {"rusticl", absent}}},
+    {"clGetKernelSubGroupInfo", {{"pocl", absent}, {"rusticl", absent}}},
+    {"clSetProgramSpecializationConstant", {{"pocl", absent}, {"rusticl", absent}}},
+    {"clSetProgramReleaseCallback", {{"pocl", absent}, {"rusticl", absent}, {"intel", absent}}}};
 
-std::map<std::string, std::string> const names{{"Portable Computing Language", "pocl"},
-                                               {"rusticl", "rusticl"},
-                                               {"Oclgrind", "oclgrind"},
-                                               {"Intel(R) OpenCL", "intel"}};
+std::map<std::string, std::string> const short_names{{"Portable Computing Language", "pocl"},
+                                                     {"rusticl", "rusticl"},
+                                                     {"Oclgrind", "oclgrind"},
+                                                     {"Intel(R) OpenCL", "intel"}};
 
 } // namespace
 
 std::int32_t expected_code(std::string const& platform, std::string const& entry_point) {
-    auto const known = lacking().find(platform);
-    if (known == lacking().end()) {
-        return success;
-    }
-    auto const entry = known->second.find(entry_point);
-    return entry != known->second.end() ? entry->second : success;
+    auto const entry = lacking.find(entry_point);
+    return entry != lacking.end() && entry->second.contains(platform) ? entry->second.at(platform) : CL_SUCCESS;
 }
 
-std::string short_name(std::string const& platform) {
-    auto const known = names.find(platform);
-    if (known != names.end()) {
-        return known->second;
-    }
-    std::string made;
-    std::ranges::copy_if(platform, std::back_inserter(made), [](unsigned char c) { return std::isalnum(c) != 0; });
-    return made;
-}
-
-char const* text_of(nq::capability version) {
+std::string text_of(capability version) {
     constexpr std::array texts{"opencl_1_0", "opencl_1_1", "opencl_1_2", "opencl_2_0", "opencl_2_1", "opencl_2_2"};
     return texts.at(static_cast<std::size_t>(version) - 1);
 }
 
-bool is_mapped(std::uintptr_t address) {
-    unsigned char resident = 0;
-    auto const page = static_cast<std::uintptr_t>(sysconf(_SC_PAGESIZE));
-    return mincore(reinterpret_cast<void*>(address & ~(page - 1)), 1, &resident) == 0;
+std::uint32_t command_count(capability version) {
+    constexpr std::array counts{opencl_1_0_commands::size, opencl_1_1_commands::size, opencl_1_2_commands::size,
+                                opencl_2_0_commands::size, opencl_2_1_commands::size, opencl_2_2_commands::size};
+    return counts.at(static_cast<std::size_t>(version) - 1);
 }
 
-std::vector<nq::capability_node> list_nodes(nq::capability version) {
+std::vector<capability_node> list_nodes(capability version) {
     std::uint64_t count = 0;
     EXPECT_EQ(nq_get_root_devices(0, nullptr, &count, nullptr), 0);
     std::vector<nq::device> devices(count);
     EXPECT_EQ(nq_get_root_devices(count, devices.data(), &count, nullptr), 0);
-    std::vector<nq::capability_node> nodes;
+    std::vector<capability_node> nodes;
     for (nq::device const device : devices) {
-        nq::capability_node node{};
+        capability_node node{};
         std::uint64_t offered = 0;
         EXPECT_EQ(nq_find_capability_nodes(device, version, 1, &node, &offered, nullptr), 0);
         nodes.insert(nodes.end(), offered, node);
@@ -101,10 +65,36 @@ std::vector<nq::capability_node> list_nodes(nq::capability version) {
     return nodes;
 }
 
-nq_call_handle* open(nq::capability_node node) {
+nq_call_handle* open(capability_node node) {
     nq_call_handle* handle = nullptr;
     EXPECT_EQ(nq_create_call_handle(node, &handle, nullptr), 0);
     return handle;
 }
 
-} // namespace contract
+session::session(capability offered, capability_node node) : version(offered), handle_(open(node)) {
+    device = call(call_handle_device{}).result;
+    platform = info<_nq_cl_platform_id*>(clGetDeviceInfo{device}, CL_DEVICE_PLATFORM);
+    auto const known = short_names.find(text(clGetPlatformInfo{platform}, CL_PLATFORM_NAME));
+    name = known != short_names.end() ? known->second : "other";
+}
+
+void session::tear_down() {
+    ok(clFinish{});
+    std::for_each(releases_.rbegin(), releases_.rend(), [](auto const& release) { release(); });
+    releases_.clear();
+}
+
+bool session::nulls_pointer(std::span<std::byte> field, std::string const& call) const {
+    std::uintptr_t word = 0;
+    unsigned char resident = 0;
+    std::memcpy(&word, field.data(), sizeof word);
+    auto const page = static_cast<std::uintptr_t>(sysconf(_SC_PAGESIZE));
+    if (mincore(reinterpret_cast<void*>(word / page * page), 1, &resident) != 0) {
+        return false; // numbers, flags or padding
+    }
+    std::ranges::fill(field, std::byte{});
+    std::cout << name << " " << text_of(version) << " " << call << std::endl;
+    return true;
+}
+
+} // namespace nq::block::contract

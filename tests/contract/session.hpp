@@ -2,22 +2,48 @@
 
 // One opened call handle and the calls that a test makes through it.
 
-#include "values.hpp"
-
 #include <nq/commands.hpp>
 #include <nq/nq.hpp>
 
+#include <CL/cl.h>
 #include <gtest/gtest.h>
 
+#include <array>
 #include <bitset>
-#include <cstdio>
-#include <cstdlib>
 #include <cstring>
+#include <functional>
+#include <map>
+#include <set>
+#include <span>
 #include <string>
-#include <type_traits>
 #include <vector>
 
-namespace contract {
+// Within the namespace of the blocks, whose names so come before those of OpenCL's functions.
+namespace nq::block::contract {
+
+/// What every buffer holds, and every image of 16 by 16 pixels.
+using numbers = std::array<std::int32_t, 256>;
+using triple = std::array<std::size_t, 3>;
+
+inline constexpr cl_image_format rgba{CL_RGBA, CL_UNSIGNED_INT8};
+inline constexpr triple corner{0, 0, 0}, whole{16, 16, 1};
+
+inline constexpr std::array versions{capability::opencl_1_0, capability::opencl_1_1, capability::opencl_1_2,
+                                     capability::opencl_2_0, capability::opencl_2_1, capability::opencl_2_2};
+
+/// "opencl_1_2" and so on.
+std::string text_of(capability version);
+std::uint32_t command_count(capability version);
+
+/// The id of a block in a version, 0 where the version lacks the entry point.
+template <class Block>
+std::uint32_t command_id(capability version) {
+    using enum capability;
+    static constexpr std::array ids{commands<opencl_1_0>::id_of<Block>(), commands<opencl_1_1>::id_of<Block>(),
+                                    commands<opencl_1_2>::id_of<Block>(), commands<opencl_2_0>::id_of<Block>(),
+                                    commands<opencl_2_1>::id_of<Block>(), commands<opencl_2_2>::id_of<Block>()};
+    return ids.at(static_cast<std::size_t>(version) - 1);
+}
 
 template <class Block>
 std::string name_of() {
@@ -34,60 +60,38 @@ std::int32_t code_of(Block const& block) {
     } else if constexpr (requires { block.error_code; }) {
         return block.error_code;
     } else if constexpr (requires { block.result; }) {
-        return block.result != nullptr ? success : invalid_operation;
+        return block.result != nullptr ? CL_SUCCESS : CL_INVALID_OPERATION;
     } else {
-        return success;
+        return CL_SUCCESS;
     }
 }
 
-/// The code that a platform answers for an entry point that does not work there; `success` for one that does.
+/// The code that a platform answers for an entry point that does not work there; CL_SUCCESS for one that does.
 std::int32_t expected_code(std::string const& platform, std::string const& entry_point);
 
 /// The nodes that offer a version, of all devices.
-std::vector<nq::capability_node> list_nodes(nq::capability version);
+std::vector<capability_node> list_nodes(capability version);
 
-nq_call_handle* open(nq::capability_node node);
+nq_call_handle* open(capability_node node);
 
-/// "opencl_1_2" and so on.
-char const* text_of(nq::capability version);
-
-template <class Action>
-void for_each_version(Action action) {
-    using enum nq::capability;
-    action.template operator()<opencl_1_0>();
-    action.template operator()<opencl_1_1>();
-    action.template operator()<opencl_1_2>();
-    action.template operator()<opencl_2_0>();
-    action.template operator()<opencl_2_1>();
-    action.template operator()<opencl_2_2>();
-}
-
-/// Whether there is memory at an address.
-bool is_mapped(std::uintptr_t address);
-
-/// What the tests of a platform are named: the short name of one that they know, else its own in lower case.
-std::string short_name(std::string const& platform);
-
-template <nq::capability Version>
 class session {
 public:
-    static constexpr nq::capability version = Version;
-
-    explicit session(nq::capability_node node) : handle_(open(node)) {
-        device = call(nq::block::call_handle_device{}).result;
-        get(nq::block::clGetDeviceInfo{device}, device_platform, platform);
-        name = short_name(text(nq::block::clGetPlatformInfo{platform}, platform_name));
-    }
+    session(capability offered, capability_node node);
     session(session const&) = delete;
     session& operator=(session const&) = delete;
     ~session() { nq_close_call_handle(handle_); }
 
-    /// Performs an entry point, whatever its outcome. All outputs are spoiled before.
+    template <class Block>
+    bool has() const {
+        return command_id<Block>(version) != 0;
+    }
+
+    /// Performs an entry point as the block says, whatever its outcome. All outputs are spoiled before.
     template <class Block>
     Block call(Block block) {
-        constexpr std::uint32_t id = nq::command_id<Version, Block>;
+        std::uint32_t const id = command_id<Block>(version);
         if (nulling) {
-            null_each_pointer(block);
+            null_each_pointer(id, block);
         }
         spoil(block);
         EXPECT_EQ(nq_call_capability(handle_, id, &block, nullptr), 0) << name_of<Block>();
@@ -95,35 +99,43 @@ public:
         return block;
     }
 
-    /// Performs an entry point that must succeed.
+    /// Performs an entry point, on what the session has where the block says nothing, that must answer a code.
     template <class Block>
-    Block ok(Block block) {
-        block = call(block);
-        EXPECT_EQ(code_of(block), success) << name_of<Block>();
+    Block refused(Block block, std::int32_t code) {
+        block = call(completed(block));
+        EXPECT_EQ(code_of(block), code) << name_of<Block>();
+        if constexpr (requires { block.result; }) {
+            EXPECT_EQ(block.result == nullptr, code != CL_SUCCESS) << name_of<Block>();
+        }
         return block;
     }
 
     template <class Block>
-    void refused(Block block, std::int32_t code) {
-        block = call(block);
-        EXPECT_EQ(code_of(block), code) << name_of<Block>();
-        if constexpr (requires { block.result; }) {
-            EXPECT_EQ(block.result, nullptr) << name_of<Block>();
-        }
+    Block ok(Block block) {
+        return refused(block, CL_SUCCESS);
     }
 
     /// Performs an entry point that a platform may lack; whether it worked is known for every platform.
     template <class Block>
     bool feature(Block& block) {
-        block = call(block);
-        std::int32_t const expected = expected_code(name, name_of<Block>());
-        EXPECT_EQ(code_of(block), expected) << name_of<Block>();
-        return code_of(block) == success;
+        block = refused(block, expected_code(name, name_of<Block>()));
+        return code_of(block) == CL_SUCCESS;
     }
 
+    /// The object that an entry point makes. `tear_down` releases it.
+    template <class Release, class Block>
+    auto* make(Block block) {
+        auto* const object = ok(block).result;
+        releases_.emplace_back([this, object] { ok(Release{object}); });
+        return object;
+    }
+
+    void tear_down();
+
     /// Reads one value and checks its size.
-    template <class Block, class Value>
-    void get(Block query, std::uint32_t parameter, Value& value) {
+    template <class Value, class Block>
+    Value info(Block query, std::uint32_t parameter) {
+        Value value{};
         std::size_t size = 0;
         query.param_name = parameter;
         query.param_value_size = sizeof value;
@@ -131,23 +143,14 @@ public:
         query.param_value_size_ret = &size;
         ok(query);
         EXPECT_EQ(size, sizeof value) << name_of<Block>() << " " << parameter;
-    }
-
-    template <class Value, class Block>
-    Value info(Block query, std::uint32_t parameter) {
-        Value value{};
-        get(query, parameter, value);
         return value;
     }
 
     template <class Block>
     std::string text(Block query, std::uint32_t parameter) {
-        std::size_t size = 0;
+        std::string value(10'000, '\0');
         query.param_name = parameter;
-        query.param_value_size_ret = &size;
-        ok(query);
-        std::string value(size, '\0');
-        query.param_value_size = size;
+        query.param_value_size = value.size();
         query.param_value = value.data();
         ok(query);
         return value.c_str();
@@ -163,13 +166,16 @@ public:
         EXPECT_EQ(info<std::uint32_t>(Query{object}, parameter), before) << name_of<Release>();
     }
 
+    capability const version;
     _nq_cl_device_id* device = nullptr;
     _nq_cl_platform_id* platform = nullptr;
-    std::string name;
+    std::string name; // a short one of the platform
     _nq_cl_context* context = nullptr;
     _nq_cl_command_queue* queue = nullptr;
     std::bitset<128> performed;
     bool nulling = false; // makes each call also with every pointer of its block nulled in turn
+    /// By command id and offset: the codes of the calls with that pointer nulled.
+    std::map<std::pair<std::uint32_t, std::size_t>, std::set<std::int32_t>> codes_when_null;
 
 private:
     template <class Block>
@@ -185,54 +191,59 @@ private:
         }
     }
 
+#define FILL(field, value)                                                                                             \
+    if constexpr (requires { block.field; }) {                                                                         \
+        block.field = block.field ? block.field : value;                                                               \
+    }
     template <class Block>
-    static std::size_t offset_of_code(Block const& block) {
-        auto const* const begin = reinterpret_cast<char const*>(&block);
-        if constexpr (requires { block.status; }) {
-            return static_cast<std::size_t>(reinterpret_cast<char const*>(&block.status) - begin);
-        } else if constexpr (requires { block.error_code; }) {
-            return static_cast<std::size_t>(reinterpret_cast<char const*>(&block.error_code) - begin);
-        } else {
-            return sizeof block;
+    Block completed(Block block) const {
+        FILL(context, context)
+        FILL(command_queue, queue)
+        FILL(device, device)
+        if constexpr (requires { block.device_list; }) {
+            FILL(device_list, &device)
+            block.num_devices = 1;
+        }
+        FILL(size, sizeof(numbers))
+        FILL(pattern_size, sizeof(std::int32_t))
+        FILL(image_format, &rgba)
+        FILL(image_width, whole[0])
+        FILL(image_height, whole[1])
+        FILL(origin, corner.data())
+        FILL(src_origin, corner.data())
+        FILL(dst_origin, corner.data())
+        FILL(buffer_origin, corner.data())
+        FILL(host_origin, corner.data())
+        FILL(region, whole.data())
+        FILL(map_flags, CL_MAP_READ)
+        FILL(blocking_read, 1)
+        FILL(blocking_write, 1)
+        FILL(blocking_map, 1)
+        FILL(blocking_copy, 1)
+        FILL(work_dim, 1)
+        return block;
+    }
+#undef FILL
+
+    template <class Block>
+    void null_each_pointer(std::uint32_t id, Block const& block) {
+        // The memory must not be freed twice, and PoCL aborts where a program made from a binary is built twice.
+        bool const once = std::is_same_v<Block, clEnqueueSVMFree> || std::is_same_v<Block, clBuildProgram>;
+        for (std::size_t offset = 0; !once && offset < sizeof block; offset += sizeof(void*)) {
+            Block copy = block;
+            auto const bytes = std::as_writable_bytes(std::span(&copy, 1)).subspan(offset, sizeof(void*));
+            if (nulls_pointer(bytes, name_of<Block>() + " without the pointer at " + std::to_string(offset))) {
+                EXPECT_EQ(nq_call_capability(handle_, id, &copy, nullptr), 0) << name_of<Block>();
+                codes_when_null[{id, offset}].insert(code_of(copy));
+            }
         }
     }
 
-    template <class Block>
-    void null_each_pointer(Block const& block) {
-        constexpr std::uint32_t id = nq::command_id<Version, Block>;
-        // The memory must not be freed twice, and PoCL aborts where a program made from a binary is built twice.
-        if (std::is_same_v<Block, nq::block::clEnqueueSVMFree> || std::is_same_v<Block, nq::block::clBuildProgram>) {
-            return;
-        }
-        std::size_t const code = offset_of_code(block) / sizeof(void*) * sizeof(void*);
-        for (std::size_t offset = 0; offset < sizeof block; offset += sizeof(void*)) {
-            Block copy = block;
-            std::uintptr_t word = 0;
-            auto* const place = reinterpret_cast<unsigned char*>(&copy) + offset;
-            std::memcpy(&word, place, sizeof word);
-            if (offset == code || !is_mapped(word)) {
-                continue; // no pointer, but numbers, flags or padding
-            }
-            std::memset(place, 0, sizeof word);
-            std::printf("%s %s %s without the pointer at %zu\n", name.c_str(), text_of(Version),
-                        name_of<Block>().c_str(), offset);
-            std::fflush(stdout);
-            if (nq_call_capability(handle_, id, &copy, nullptr) != 0) {
-                std::abort();
-            }
-        }
-    }
+    /// Whether it was a pointer to memory, and the call may be made without it; then that is said.
+    bool nulls_pointer(std::span<std::byte> field, std::string const& call) const;
 
     nq_call_handle* handle_;
+    std::vector<std::function<void()>> releases_;
 };
 
-/// Where a function template over `session<Version>` is instantiated for the six versions.
-#define CONTRACT_INSTANTIATE(function)                                                                                 \
-    template void function(session<nq::capability::opencl_1_0>&);                                                      \
-    template void function(session<nq::capability::opencl_1_1>&);                                                      \
-    template void function(session<nq::capability::opencl_1_2>&);                                                      \
-    template void function(session<nq::capability::opencl_2_0>&);                                                      \
-    template void function(session<nq::capability::opencl_2_1>&);                                                      \
-    template void function(session<nq::capability::opencl_2_2>&)
-
-} // namespace contract
+} // namespace nq::block::contract

@@ -1,1 +1,0 @@
-extern "C" int contract_absent() { return 0; }
