@@ -2,6 +2,12 @@
 
 // The command ids of every OpenCL version. A list names a version's entry points by their argument blocks, in the order
 // of their ids, the first being 1; an entry point that the version's list lacks has no id there.
+//
+//     nq::block::clFinish block{};
+//     block.command_queue = raw_queue;
+//     int const made = nq_call_capability(handle, nq::command_id<nq::capability::opencl_1_2, nq::block::clFinish>,
+//                                         &block, nullptr);
+//     // made == nq::result::success: the call was made, and block.status is what OpenCL answered
 
 #include <nq/blocks.hpp>
 #include <nq/types.hpp>
@@ -12,7 +18,11 @@
 
 namespace nq {
 
-/// An ordered list of argument blocks; the id of a block is its position, counted from 1.
+/// An ordered list of argument blocks; the id of a block is its position, counted from 1. The same entry point has
+/// another id in each version. A dispatch table is made by expanding the list:
+///
+///     template <class... Blocks>
+///     void fill(table& t, nq::command_list<Blocks...>) { (t.add<Blocks>(), ...); }
 template <class... Blocks>
 struct command_list {
     static constexpr std::uint32_t size = sizeof...(Blocks);
@@ -31,6 +41,7 @@ struct command_list {
     }
 };
 
+// The order of each list is fixed: an id that changes is another wire.
 using opencl_1_0_commands = command_list<
     block::clBuildProgram, block::clCreateBuffer, block::clCreateCommandQueue, block::clCreateContext,
     block::clCreateContextFromType, block::clCreateImage2D, block::clCreateImage3D, block::clCreateKernelsInProgram,

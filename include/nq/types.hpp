@@ -11,7 +11,8 @@ static_assert(sizeof(void*) == 8 && sizeof(std::size_t) == 8, "libnq's argument 
 /// An opened capability node of libnq; never dereferenced outside libnq.
 struct nq_call_handle;
 
-// OpenCL's objects as libnq presents them; never dereferenced.
+// OpenCL's objects as libnq presents them; never dereferenced. With a libnq on top of an OpenCL implementation they are
+// its own handles, `_nq_cl_mem*` what the C API calls `cl_mem`, and may be cast to those.
 struct _nq_cl_platform_id;
 struct _nq_cl_device_id;
 struct _nq_cl_context;
@@ -24,10 +25,10 @@ struct _nq_cl_event;
 
 namespace nq {
 
-/// One root device of libnq; its value is libnq's own.
+/// One root device of libnq; its value is libnq's own, valid as long as the process.
 using device = std::uint64_t;
 
-/// One capability node of a root device; its words are libnq's own.
+/// One capability node of a root device: an OpenCL version as it is offered there. Its words are libnq's own.
 struct capability_node {
     std::uint64_t first;
     std::uint64_t second;
@@ -45,15 +46,16 @@ enum class capability : std::uint64_t {
 
 /// What `nq_call_capability` and the other functions of libnq return.
 namespace result {
-inline constexpr int success = 0;
-inline constexpr int unrecoverable = -1;
-inline constexpr int invalid_command_id = -2;
+inline constexpr int success = 0;             ///< The call was made; OpenCL may have refused it still.
+inline constexpr int unrecoverable = -1;      ///< The handle is of no further use, or there is none.
+inline constexpr int invalid_command_id = -2; ///< The handle's version has no such entry point.
 } // namespace result
 
 /// The only value of `nq_version()` that the library works with.
 inline constexpr std::uint64_t version = 0x8000000000000000U;
 
-// The functions that a program hands to OpenCL. They are called on a thread of OpenCL's choice and must not throw.
+// The functions that a program hands to OpenCL. They are called on a thread of OpenCL's choice, maybe on several at
+// once, and must not throw: there is C code in between. `user_data` comes back as it was given.
 using context_callback = void (*)(char const* error, void const* private_info, std::size_t size, void* user_data);
 using program_callback = void (*)(_nq_cl_program* program, void* user_data);
 using event_callback = void (*)(_nq_cl_event* event, int status, void* user_data);
@@ -61,7 +63,7 @@ using memory_callback = void (*)(_nq_cl_mem* memory, void* user_data);
 using svm_free_callback = void (*)(_nq_cl_command_queue* queue, std::uint32_t count, void** pointers, void* user_data);
 using native_function = void (*)(void* arguments);
 
-/// Laid out as `cl_image_desc`.
+/// Laid out as `cl_image_desc`; dimensions in pixels, pitches in bytes, what does not apply 0 or null.
 struct image_desc {
     std::uint32_t image_type;
     std::size_t image_width;

@@ -1,6 +1,7 @@
 #pragma once
 
-// The blocks of contexts, sub-devices, queues, samplers and user events.
+// The blocks of contexts, sub-devices, queues, samplers and user events. Lists of properties are words of 64 bits, a
+// name and its value in turn, closed by 0, or null.
 
 #include <nq/types.hpp>
 
@@ -9,6 +10,7 @@
 
 namespace nq::block {
 
+/// Since OpenCL 1.2. Asked twice: without `out_devices` for their number, then for the devices, each with a reference.
 struct clCreateSubDevices {
     _nq_cl_device_id* in_device;
     std::int64_t const* properties;
@@ -50,6 +52,7 @@ static_assert(offsetof(clCreateContextFromType, properties) == 0 &&
               offsetof(clCreateContextFromType, user_data) == 24 && offsetof(clCreateContextFromType, result) == 32 &&
               offsetof(clCreateContextFromType, error_code) == 40 && sizeof(clCreateContextFromType) == 48);
 
+/// Until OpenCL 1.2. `properties` are bits, 1 for out of order and 2 for profiling.
 struct clCreateCommandQueue {
     _nq_cl_context* context;
     _nq_cl_device_id* device;
@@ -61,7 +64,7 @@ static_assert(offsetof(clCreateCommandQueue, context) == 0 && offsetof(clCreateC
               offsetof(clCreateCommandQueue, properties) == 16 && offsetof(clCreateCommandQueue, error_code) == 24 &&
               offsetof(clCreateCommandQueue, result) == 32 && sizeof(clCreateCommandQueue) == 40);
 
-/// The device comes before the context here, unlike in clCreateCommandQueue.
+/// Since OpenCL 2.0. The device comes before the context here, unlike in clCreateCommandQueue.
 struct clCreateCommandQueueWithProperties {
     _nq_cl_device_id* device;
     _nq_cl_context* context;
@@ -76,6 +79,7 @@ static_assert(offsetof(clCreateCommandQueueWithProperties, device) == 0 &&
               offsetof(clCreateCommandQueueWithProperties, error_code) == 32 &&
               sizeof(clCreateCommandQueueWithProperties) == 40);
 
+/// Since OpenCL 2.1.
 struct clSetDefaultDeviceCommandQueue {
     _nq_cl_context* context;
     _nq_cl_device_id* device;
@@ -87,6 +91,7 @@ static_assert(offsetof(clSetDefaultDeviceCommandQueue, context) == 0 &&
               offsetof(clSetDefaultDeviceCommandQueue, command_queue) == 16 &&
               offsetof(clSetDefaultDeviceCommandQueue, status) == 24 && sizeof(clSetDefaultDeviceCommandQueue) == 32);
 
+/// In OpenCL 1.0 only.
 struct clSetCommandQueueProperty {
     _nq_cl_command_queue* command_queue;
     std::uint64_t properties;
@@ -112,6 +117,7 @@ struct clFinish {
 };
 static_assert(offsetof(clFinish, command_queue) == 0 && offsetof(clFinish, status) == 8 && sizeof(clFinish) == 16);
 
+/// Until OpenCL 1.2.
 struct clCreateSampler {
     _nq_cl_context* context;
     std::uint32_t normalized_coords;
@@ -125,6 +131,7 @@ static_assert(offsetof(clCreateSampler, context) == 0 && offsetof(clCreateSample
               offsetof(clCreateSampler, error_code) == 20 && offsetof(clCreateSampler, result) == 24 &&
               sizeof(clCreateSampler) == 32);
 
+/// Since OpenCL 2.0.
 struct clCreateSamplerWithProperties {
     _nq_cl_context* context;
     std::uint64_t const* sampler_properties;
@@ -136,6 +143,7 @@ static_assert(offsetof(clCreateSamplerWithProperties, context) == 0 &&
               offsetof(clCreateSamplerWithProperties, result) == 16 &&
               offsetof(clCreateSamplerWithProperties, error_code) == 24 && sizeof(clCreateSamplerWithProperties) == 32);
 
+/// Since OpenCL 1.1, as the two that follow.
 struct clCreateUserEvent {
     _nq_cl_context* context;
     _nq_cl_event* result;
@@ -163,6 +171,7 @@ static_assert(offsetof(clSetEventCallback, event) == 0 && offsetof(clSetEventCal
               offsetof(clSetEventCallback, user_data) == 16 && offsetof(clSetEventCallback, status) == 24 &&
               offsetof(clSetEventCallback, command_exec_callback_type) == 28 && sizeof(clSetEventCallback) == 32);
 
+/// Blocks. It has no leading object: the call handle alone says whose events they are.
 struct clWaitForEvents {
     _nq_cl_event* const* event_list;
     std::int32_t status;

@@ -1,6 +1,9 @@
 #pragma once
 
-// The blocks of the commands on buffers and on any memory object.
+// The blocks of the commands on buffers and on any memory object. Common to all enqueue entry points: `event_wait_list`
+// holds `num_events_in_wait_list` events, read during the call; `event` is where OpenCL writes the new event, with a
+// reference for the caller, null where none is wanted. A blocking flag is 0 or 1, and host memory of a command that
+// does not block must live until it is complete.
 
 #include <nq/types.hpp>
 
@@ -47,6 +50,7 @@ static_assert(offsetof(clEnqueueWriteBuffer, command_queue) == 0 && offsetof(clE
               offsetof(clEnqueueWriteBuffer, blocking_write) == 60 &&
               offsetof(clEnqueueWriteBuffer, num_events_in_wait_list) == 64 && sizeof(clEnqueueWriteBuffer) == 72);
 
+/// Since OpenCL 1.1, as the other boxes. Each of the three points to three numbers.
 struct clEnqueueReadBufferRect {
     _nq_cl_command_queue* command_queue;
     _nq_cl_mem* buffer;
@@ -152,6 +156,7 @@ static_assert(offsetof(clEnqueueCopyBufferRect, command_queue) == 0 &&
               offsetof(clEnqueueCopyBufferRect, num_events_in_wait_list) == 100 &&
               sizeof(clEnqueueCopyBufferRect) == 104);
 
+/// Since OpenCL 1.2. `size` is in bytes; the pattern is copied during the call.
 struct clEnqueueFillBuffer {
     _nq_cl_command_queue* command_queue;
     _nq_cl_mem* buffer;
@@ -171,6 +176,7 @@ static_assert(offsetof(clEnqueueFillBuffer, command_queue) == 0 && offsetof(clEn
               offsetof(clEnqueueFillBuffer, status) == 64 &&
               offsetof(clEnqueueFillBuffer, num_events_in_wait_list) == 68 && sizeof(clEnqueueFillBuffer) == 72);
 
+/// `result` is the address in the host's memory, to be used once the event is complete.
 struct clEnqueueMapBuffer {
     std::uint64_t map_flags;
     _nq_cl_command_queue* command_queue;
@@ -207,6 +213,7 @@ static_assert(offsetof(clEnqueueUnmapMemObject, command_queue) == 0 && offsetof(
               offsetof(clEnqueueUnmapMemObject, num_events_in_wait_list) == 44 &&
               sizeof(clEnqueueUnmapMemObject) == 48);
 
+/// Since OpenCL 1.2.
 struct clEnqueueMigrateMemObjects {
     std::uint64_t flags;
     _nq_cl_command_queue* command_queue;

@@ -1,6 +1,7 @@
 #pragma once
 
-// The blocks of kernel launches, markers, barriers and waits.
+// The blocks of kernel launches, markers, barriers and waits. What is common to all enqueue entry points stands in
+// nq/blocks/enqueue_buffer.hpp.
 
 #include <nq/types.hpp>
 
@@ -9,6 +10,7 @@
 
 namespace nq::block {
 
+/// Offset and sizes point to `work_dim` numbers; `global_work_offset` is null in OpenCL 1.0.
 struct clEnqueueNDRangeKernel {
     _nq_cl_command_queue* command_queue;
     _nq_cl_kernel* kernel;
@@ -30,6 +32,7 @@ static_assert(offsetof(clEnqueueNDRangeKernel, command_queue) == 0 && offsetof(c
               offsetof(clEnqueueNDRangeKernel, work_dim) == 60 &&
               offsetof(clEnqueueNDRangeKernel, num_events_in_wait_list) == 64 && sizeof(clEnqueueNDRangeKernel) == 72);
 
+/// Until OpenCL 1.2; the library uses it in OpenCL 1.0 alone.
 struct clEnqueueTask {
     _nq_cl_command_queue* command_queue;
     _nq_cl_kernel* kernel;
@@ -43,6 +46,7 @@ static_assert(offsetof(clEnqueueTask, command_queue) == 0 && offsetof(clEnqueueT
               offsetof(clEnqueueTask, status) == 32 && offsetof(clEnqueueTask, num_events_in_wait_list) == 36 &&
               sizeof(clEnqueueTask) == 40);
 
+/// `args` is copied during the call, with the address of each memory object's store written to its place in the copy.
 struct clEnqueueNativeKernel {
     _nq_cl_command_queue* command_queue;
     native_function user_func;
@@ -63,6 +67,7 @@ static_assert(offsetof(clEnqueueNativeKernel, command_queue) == 0 && offsetof(cl
               offsetof(clEnqueueNativeKernel, status) == 64 && offsetof(clEnqueueNativeKernel, num_mem_objects) == 68 &&
               offsetof(clEnqueueNativeKernel, num_events_in_wait_list) == 72 && sizeof(clEnqueueNativeKernel) == 80);
 
+/// Until OpenCL 1.1, as clEnqueueBarrier.
 struct clEnqueueMarker {
     _nq_cl_command_queue* command_queue;
     _nq_cl_event** event;
@@ -71,6 +76,7 @@ struct clEnqueueMarker {
 static_assert(offsetof(clEnqueueMarker, command_queue) == 0 && offsetof(clEnqueueMarker, event) == 8 &&
               offsetof(clEnqueueMarker, status) == 16 && sizeof(clEnqueueMarker) == 24);
 
+/// Since OpenCL 1.2, as clEnqueueBarrierWithWaitList.
 struct clEnqueueMarkerWithWaitList {
     _nq_cl_command_queue* command_queue;
     _nq_cl_event* const* event_wait_list;
@@ -106,6 +112,7 @@ static_assert(offsetof(clEnqueueBarrierWithWaitList, command_queue) == 0 &&
               offsetof(clEnqueueBarrierWithWaitList, num_events_in_wait_list) == 28 &&
               sizeof(clEnqueueBarrierWithWaitList) == 32);
 
+/// Until OpenCL 1.1; the library uses it in OpenCL 1.0 alone.
 struct clEnqueueWaitForEvents {
     _nq_cl_command_queue* command_queue;
     _nq_cl_event* const* event_list;

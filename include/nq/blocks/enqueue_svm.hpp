@@ -1,6 +1,7 @@
 #pragma once
 
-// The blocks of the commands on shared virtual memory.
+// The blocks of the commands on shared virtual memory. Since OpenCL 2.0 but where stated. What is common to all enqueue
+// entry points stands in nq/blocks/enqueue_buffer.hpp.
 
 #include <nq/types.hpp>
 
@@ -9,6 +10,7 @@
 
 namespace nq::block {
 
+/// Without a callback OpenCL frees the pointers, with one the callback has to.
 struct clEnqueueSVMFree {
     _nq_cl_command_queue* command_queue;
     void** svm_pointers;
@@ -43,6 +45,7 @@ static_assert(offsetof(clEnqueueSVMMemcpy, command_queue) == 0 && offsetof(clEnq
               offsetof(clEnqueueSVMMemcpy, status) == 48 && offsetof(clEnqueueSVMMemcpy, blocking_copy) == 52 &&
               offsetof(clEnqueueSVMMemcpy, num_events_in_wait_list) == 56 && sizeof(clEnqueueSVMMemcpy) == 64);
 
+/// `size` is in bytes; the pattern is copied during the call.
 struct clEnqueueSVMMemFill {
     _nq_cl_command_queue* command_queue;
     void* svm_ptr;
@@ -90,7 +93,8 @@ static_assert(offsetof(clEnqueueSVMUnmap, command_queue) == 0 && offsetof(clEnqu
               offsetof(clEnqueueSVMUnmap, status) == 32 && offsetof(clEnqueueSVMUnmap, num_events_in_wait_list) == 36 &&
               sizeof(clEnqueueSVMUnmap) == 40);
 
-/// In the entry point's own order, the status last.
+/// Since OpenCL 2.1. In the entry point's own order, the status last. Null `sizes`, or one of 0, stand for whole
+/// allocations.
 struct clEnqueueSVMMigrateMem {
     _nq_cl_command_queue* command_queue;
     std::uint32_t num_svm_pointers;

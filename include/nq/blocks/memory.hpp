@@ -1,6 +1,7 @@
 #pragma once
 
-// The blocks that create memory objects and shared virtual memory.
+// The blocks that create memory objects and shared virtual memory. `host_ptr` is the caller's memory, used as `flags`
+// say.
 
 #include <nq/types.hpp>
 
@@ -22,6 +23,7 @@ static_assert(offsetof(clCreateBuffer, flags) == 0 && offsetof(clCreateBuffer, c
               offsetof(clCreateBuffer, result) == 32 && offsetof(clCreateBuffer, error_code) == 40 &&
               sizeof(clCreateBuffer) == 48);
 
+/// Since OpenCL 1.1. `buffer_create_info` is read during the call.
 struct clCreateSubBuffer {
     std::uint64_t flags;
     _nq_cl_mem* buffer;
@@ -35,6 +37,7 @@ static_assert(offsetof(clCreateSubBuffer, flags) == 0 && offsetof(clCreateSubBuf
               offsetof(clCreateSubBuffer, error_code) == 32 && offsetof(clCreateSubBuffer, buffer_create_type) == 36 &&
               sizeof(clCreateSubBuffer) == 40);
 
+/// Since OpenCL 1.2. `image_format` points to two words of 32 bits, channel order and channel type.
 struct clCreateImage {
     std::uint64_t flags;
     _nq_cl_context* context;
@@ -49,6 +52,7 @@ static_assert(offsetof(clCreateImage, flags) == 0 && offsetof(clCreateImage, con
               offsetof(clCreateImage, host_ptr) == 32 && offsetof(clCreateImage, result) == 40 &&
               offsetof(clCreateImage, error_code) == 48 && sizeof(clCreateImage) == 56);
 
+/// Until OpenCL 1.1, as clCreateImage3D.
 struct clCreateImage2D {
     std::uint64_t flags;
     _nq_cl_context* context;
@@ -86,6 +90,7 @@ static_assert(offsetof(clCreateImage3D, flags) == 0 && offsetof(clCreateImage3D,
               offsetof(clCreateImage3D, host_ptr) == 64 && offsetof(clCreateImage3D, result) == 72 &&
               offsetof(clCreateImage3D, error_code) == 80 && sizeof(clCreateImage3D) == 88);
 
+/// Since OpenCL 2.0. `properties` is null.
 struct clCreatePipe {
     std::uint64_t flags;
     _nq_cl_context* context;
@@ -100,6 +105,7 @@ static_assert(offsetof(clCreatePipe, flags) == 0 && offsetof(clCreatePipe, conte
               offsetof(clCreatePipe, pipe_packet_size) == 32 && offsetof(clCreatePipe, pipe_max_packets) == 36 &&
               offsetof(clCreatePipe, error_code) == 40 && sizeof(clCreatePipe) == 48);
 
+/// Since OpenCL 1.1. The library does not use it.
 struct clSetMemObjectDestructorCallback {
     _nq_cl_mem* memobj;
     memory_callback pfn_notify;
@@ -112,7 +118,7 @@ static_assert(offsetof(clSetMemObjectDestructorCallback, memobj) == 0 &&
               offsetof(clSetMemObjectDestructorCallback, status) == 24 &&
               sizeof(clSetMemObjectDestructorCallback) == 32);
 
-/// No status: null says that there is no memory.
+/// Since OpenCL 2.0. No status: a null `result` says that there is no memory.
 struct clSVMAlloc {
     std::uint64_t flags;
     _nq_cl_context* context;
@@ -124,7 +130,7 @@ static_assert(offsetof(clSVMAlloc, flags) == 0 && offsetof(clSVMAlloc, context) 
               offsetof(clSVMAlloc, size) == 16 && offsetof(clSVMAlloc, result) == 24 &&
               offsetof(clSVMAlloc, alignment) == 32 && sizeof(clSVMAlloc) == 40);
 
-/// Neither result nor status.
+/// Since OpenCL 2.0. Neither result nor status.
 struct clSVMFree {
     _nq_cl_context* context;
     void* svm_pointer;

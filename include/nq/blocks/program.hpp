@@ -1,6 +1,8 @@
 #pragma once
 
-// The blocks of programs and kernels.
+// The blocks of programs and kernels. A callback that is not null makes the entry point return before its work has
+// ended, if the implementation likes; the callback then tells of the end. Sources, binaries, options and argument
+// values are copied during the call.
 
 #include <nq/types.hpp>
 
@@ -9,6 +11,7 @@
 
 namespace nq::block {
 
+/// `strings` holds `count` texts; they end with a zero where `lengths` is null.
 struct clCreateProgramWithSource {
     _nq_cl_context* context;
     char const* const* strings;
@@ -22,6 +25,7 @@ static_assert(offsetof(clCreateProgramWithSource, context) == 0 && offsetof(clCr
               offsetof(clCreateProgramWithSource, error_code) == 32 &&
               offsetof(clCreateProgramWithSource, count) == 36 && sizeof(clCreateProgramWithSource) == 40);
 
+/// One length and one binary for each device; `binary_status`, which may be null, receives a status for each.
 struct clCreateProgramWithBinary {
     _nq_cl_context* context;
     _nq_cl_device_id* const* device_list;
@@ -41,6 +45,7 @@ static_assert(offsetof(clCreateProgramWithBinary, context) == 0 &&
               offsetof(clCreateProgramWithBinary, error_code) == 48 &&
               offsetof(clCreateProgramWithBinary, num_devices) == 52 && sizeof(clCreateProgramWithBinary) == 56);
 
+/// Since OpenCL 1.2. `kernel_names` is one text, divided by semicolons.
 struct clCreateProgramWithBuiltInKernels {
     _nq_cl_context* context;
     _nq_cl_device_id* const* device_list;
@@ -57,6 +62,7 @@ static_assert(offsetof(clCreateProgramWithBuiltInKernels, context) == 0 &&
               offsetof(clCreateProgramWithBuiltInKernels, num_devices) == 36 &&
               sizeof(clCreateProgramWithBuiltInKernels) == 40);
 
+/// Since OpenCL 2.1.
 struct clCreateProgramWithIL {
     _nq_cl_context* context;
     void const* il;
@@ -68,6 +74,7 @@ static_assert(offsetof(clCreateProgramWithIL, context) == 0 && offsetof(clCreate
               offsetof(clCreateProgramWithIL, length) == 16 && offsetof(clCreateProgramWithIL, result) == 24 &&
               offsetof(clCreateProgramWithIL, error_code) == 32 && sizeof(clCreateProgramWithIL) == 40);
 
+/// A failed build is a status, -11; the log is then read with clGetProgramBuildInfo.
 struct clBuildProgram {
     _nq_cl_program* program;
     _nq_cl_device_id* const* device_list;
@@ -82,6 +89,7 @@ static_assert(offsetof(clBuildProgram, program) == 0 && offsetof(clBuildProgram,
               offsetof(clBuildProgram, user_data) == 32 && offsetof(clBuildProgram, status) == 40 &&
               offsetof(clBuildProgram, num_devices) == 44 && sizeof(clBuildProgram) == 48);
 
+/// Since OpenCL 1.2. The library does not use it.
 struct clCompileProgram {
     _nq_cl_program* program;
     _nq_cl_device_id* const* device_list;
@@ -101,7 +109,8 @@ static_assert(offsetof(clCompileProgram, program) == 0 && offsetof(clCompileProg
               offsetof(clCompileProgram, num_devices) == 60 && offsetof(clCompileProgram, num_input_headers) == 64 &&
               sizeof(clCompileProgram) == 72);
 
-/// The result lies between the callback and its user data.
+/// Since OpenCL 1.2. The result lies between the callback and its user data. Some implementations give a program, which
+/// the caller has to release, beside the status of a failed link.
 struct clLinkProgram {
     _nq_cl_context* context;
     _nq_cl_device_id* const* device_list;
@@ -121,6 +130,7 @@ static_assert(offsetof(clLinkProgram, context) == 0 && offsetof(clLinkProgram, d
               offsetof(clLinkProgram, num_devices) == 60 && offsetof(clLinkProgram, num_input_programs) == 64 &&
               sizeof(clLinkProgram) == 72);
 
+/// Until OpenCL 1.1; clUnloadPlatformCompiler since.
 struct alignas(8) clUnloadCompiler {
     std::int32_t status;
 };
@@ -133,6 +143,7 @@ struct clUnloadPlatformCompiler {
 static_assert(offsetof(clUnloadPlatformCompiler, platform) == 0 && offsetof(clUnloadPlatformCompiler, status) == 8 &&
               sizeof(clUnloadPlatformCompiler) == 16);
 
+/// Since OpenCL 2.2, as the one that follows.
 struct clSetProgramSpecializationConstant {
     _nq_cl_program* program;
     std::uint32_t spec_id;
@@ -168,6 +179,7 @@ static_assert(offsetof(clCreateKernel, program) == 0 && offsetof(clCreateKernel,
               offsetof(clCreateKernel, result) == 16 && offsetof(clCreateKernel, error_code) == 24 &&
               sizeof(clCreateKernel) == 32);
 
+/// Asked twice: without `kernels` for their number, then for the kernels, each with a reference.
 struct clCreateKernelsInProgram {
     _nq_cl_program* program;
     _nq_cl_kernel** kernels;
@@ -180,6 +192,7 @@ static_assert(offsetof(clCreateKernelsInProgram, program) == 0 && offsetof(clCre
               offsetof(clCreateKernelsInProgram, status) == 24 &&
               offsetof(clCreateKernelsInProgram, num_kernels) == 28 && sizeof(clCreateKernelsInProgram) == 32);
 
+/// Since OpenCL 2.1.
 struct clCloneKernel {
     _nq_cl_kernel* source_kernel;
     _nq_cl_kernel* result;
@@ -199,6 +212,7 @@ static_assert(offsetof(clSetKernelArg, kernel) == 0 && offsetof(clSetKernelArg, 
               offsetof(clSetKernelArg, arg_value) == 16 && offsetof(clSetKernelArg, status) == 24 &&
               offsetof(clSetKernelArg, arg_index) == 28 && sizeof(clSetKernelArg) == 32);
 
+/// Since OpenCL 2.0, as the one that follows.
 struct clSetKernelArgSVMPointer {
     _nq_cl_kernel* kernel;
     void const* arg_value;

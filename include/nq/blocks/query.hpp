@@ -1,6 +1,8 @@
 #pragma once
 
-// The blocks of the info queries and listings.
+// The blocks of the info queries and listings. A query is asked twice: without `param_value` for the size of the reply,
+// which is written through `param_value_size_ret`, then for the reply, into `param_value_size` bytes at `param_value`.
+// Texts end with a zero, which counts. Handles in a reply carry no reference.
 
 #include <nq/types.hpp>
 
@@ -28,6 +30,7 @@ static_assert(offsetof(clGetPlatformInfo, platform) == 0 && offsetof(clGetPlatfo
               offsetof(clGetPlatformInfo, param_value_size_ret) == 32 && offsetof(clGetPlatformInfo, status) == 40 &&
               sizeof(clGetPlatformInfo) == 48);
 
+/// Asked twice: without `devices` for their number, then for the devices. -1 stands for none.
 struct clGetDeviceIDs {
     _nq_cl_platform_id* platform;
     std::uint64_t device_type;
@@ -108,6 +111,7 @@ static_assert(offsetof(clGetImageInfo, image) == 0 && offsetof(clGetImageInfo, p
               offsetof(clGetImageInfo, status) == 32 && offsetof(clGetImageInfo, param_name) == 36 &&
               sizeof(clGetImageInfo) == 40);
 
+/// Since OpenCL 2.0.
 struct clGetPipeInfo {
     _nq_cl_mem* pipe;
     std::size_t param_value_size;
@@ -173,6 +177,7 @@ static_assert(offsetof(clGetEventInfo, event) == 0 && offsetof(clGetEventInfo, p
               offsetof(clGetEventInfo, status) == 32 && offsetof(clGetEventInfo, param_name) == 36 &&
               sizeof(clGetEventInfo) == 40);
 
+/// 64 bits, nanoseconds of the device's clock.
 struct clGetEventProfilingInfo {
     _nq_cl_event* event;
     std::size_t param_value_size;
@@ -220,6 +225,7 @@ static_assert(offsetof(clGetKernelWorkGroupInfo, kernel) == 0 && offsetof(clGetK
               offsetof(clGetKernelWorkGroupInfo, status) == 40 &&
               offsetof(clGetKernelWorkGroupInfo, param_name) == 44 && sizeof(clGetKernelWorkGroupInfo) == 48);
 
+/// Since OpenCL 1.2.
 struct clGetKernelArgInfo {
     _nq_cl_kernel* kernel;
     std::size_t param_value_size;
@@ -235,6 +241,7 @@ static_assert(offsetof(clGetKernelArgInfo, kernel) == 0 && offsetof(clGetKernelA
               offsetof(clGetKernelArgInfo, arg_index) == 36 && offsetof(clGetKernelArgInfo, param_name) == 40 &&
               sizeof(clGetKernelArgInfo) == 48);
 
+/// Since OpenCL 2.1. `input_value` is what the query wants to know of a launch: its local size, or a number.
 struct clGetKernelSubGroupInfo {
     _nq_cl_kernel* kernel;
     _nq_cl_device_id* device;
@@ -255,6 +262,7 @@ static_assert(offsetof(clGetKernelSubGroupInfo, kernel) == 0 && offsetof(clGetKe
               offsetof(clGetKernelSubGroupInfo, status) == 56 && offsetof(clGetKernelSubGroupInfo, param_name) == 60 &&
               sizeof(clGetKernelSubGroupInfo) == 64);
 
+/// Asked twice. Each format is two words of 32 bits, channel order and channel type.
 struct clGetSupportedImageFormats {
     std::uint64_t flags;
     _nq_cl_context* context;
@@ -271,7 +279,7 @@ static_assert(offsetof(clGetSupportedImageFormats, flags) == 0 && offsetof(clGet
               offsetof(clGetSupportedImageFormats, image_type) == 36 &&
               offsetof(clGetSupportedImageFormats, num_entries) == 40 && sizeof(clGetSupportedImageFormats) == 48);
 
-/// No status: null says that there is no such function.
+/// Until OpenCL 1.1. No status: a null `result` says that there is no such function.
 struct clGetExtensionFunctionAddress {
     char const* func_name;
     void* result;
@@ -279,7 +287,7 @@ struct clGetExtensionFunctionAddress {
 static_assert(offsetof(clGetExtensionFunctionAddress, func_name) == 0 &&
               offsetof(clGetExtensionFunctionAddress, result) == 8 && sizeof(clGetExtensionFunctionAddress) == 16);
 
-/// No status: null says that there is no such function.
+/// Since OpenCL 1.2. No status: a null `result` says that there is no such function.
 struct clGetExtensionFunctionAddressForPlatform {
     _nq_cl_platform_id* platform;
     char const* func_name;
@@ -290,6 +298,7 @@ static_assert(offsetof(clGetExtensionFunctionAddressForPlatform, platform) == 0 
               offsetof(clGetExtensionFunctionAddressForPlatform, result) == 16 &&
               sizeof(clGetExtensionFunctionAddressForPlatform) == 24);
 
+/// Since OpenCL 2.1, as the one that follows. Nanoseconds, written to the caller's variables.
 struct clGetDeviceAndHostTimer {
     _nq_cl_device_id* device;
     std::uint64_t* device_timestamp;

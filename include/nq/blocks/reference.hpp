@@ -1,6 +1,7 @@
 #pragma once
 
-// The blocks of the retain and release entry points.
+// The blocks of the retain and release entry points: one handle, one status. Those of devices since OpenCL 1.2;
+// platforms have none.
 
 #include <nq/types.hpp>
 

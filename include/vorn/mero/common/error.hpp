@@ -5,6 +5,14 @@
 // Every exception of an OpenCL operation derives from `error`; one class stands for each status, so that a program can
 // catch a single condition, all misuse (`logic_error`), all conditions of the device or the moment (`runtime_error`),
 // or everything. An exception is exactly the class named, never one derived from it.
+//
+//     try {
+//         queue.enqueue_command_without_event(launch);
+//     } catch (vorn::mero::common::invalid_work_group_size const&) { // one status
+//         fall_back_to_smaller_groups();
+//     } catch (vorn::mero::common::opencl_error const& failed) { // any status
+//         report(static_cast<int>(failed.code()), failed.what());
+//     }
 
 #include <vorn/mero/common/error_code.hpp>
 #include <vorn/mero/common/export.hpp>

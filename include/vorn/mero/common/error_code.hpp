@@ -9,8 +9,11 @@
 
 namespace vorn::mero::common {
 
-/// The OpenCL statuses, each under the name of its exception class.
+/// The OpenCL statuses, each under the name of its exception class in vorn/mero/common/error.hpp, where it is
+/// explained. The values are OpenCL's own: `invalid_value` is `CL_INVALID_VALUE`, -30. A status that is none of these,
+/// such as an extension's, is thrown as `unknown_opencl_error`, and never has this type but in `event::error_code`.
 enum class error_code : std::int32_t {
+    // What cannot be done, here or at the moment.
     success = 0,
     device_not_found = -1,
     device_not_available = -2,
@@ -31,6 +34,8 @@ enum class error_code : std::int32_t {
     link_program_failure = -17,
     device_partition_failed = -18,
     kernel_arg_info_not_available = -19,
+
+    // What OpenCL does not allow.
     invalid_value = -30,
     invalid_device_type = -31,
     invalid_platform = -32,
@@ -76,7 +81,8 @@ enum class error_code : std::int32_t {
     max_size_restriction_exceeded = -72,
 };
 
-/// The message of a status; "Unknown error." for a number that is no status. Never fails but for want of memory.
+/// The message of a status, that which `error::what` gives; "Unknown error." for a number that is no status. Never
+/// fails but for want of memory.
 VORN_MERO_EXPORT std::string get_error_string(error_code code);
 
 } // namespace vorn::mero::common

@@ -5,7 +5,10 @@
 namespace vorn::mero::internal {
 
 /// Throws the exception of an OpenCL status: the class of `vorn::mero::common` that bears its name, or
-/// `common::unknown_opencl_error` for a number that no OpenCL version defines. Returns on success (0).
+/// `common::unknown_opencl_error` for a number that no OpenCL version defines, such as that of an extension. Returns on
+/// success (0). For programs that call the C API beside this library:
+///
+///     vorn::mero::internal::check_error(clEnqueueSomething(cl::raw::get_raw_command_queue(queue)));
 VORN_MERO_EXPORT void check_error(int status);
 
 } // namespace vorn::mero::internal

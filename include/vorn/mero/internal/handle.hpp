@@ -1,6 +1,7 @@
 #pragma once
 
-// Ownership of OpenCL objects, written once for every class.
+// Ownership of OpenCL objects, written once for every class. Programs meet it as the base of `device`, `buffer` and the
+// rest.
 
 #include <nq/call_handle.hpp>
 #include <vorn/mero/common/export.hpp>
@@ -13,15 +14,25 @@ namespace vorn::mero::internal {
 
 /// A shared call handle and one reference to an OpenCL object.
 ///
+///     cl::program first = context.create_program_from_source(text);
+///     cl::program second = first;            // retains: both name one OpenCL program
+///     cl::program third = std::move(second); // no call; `second` is empty
+///     second = third;                        // retains again
+///
 /// Copying retains, destruction releases, moving transfers without a call. An object that was moved from is empty: its
-/// raw handle is null, and it may be destroyed, assigned to or moved from; any other use of it passes a null handle to
-/// OpenCL, whose error is thrown.
+/// raw handle is null, and it may be destroyed, assigned to or moved from; any other use of it hands null handles to
+/// libnq, which refuses them: `nq::unrecoverable_error`.
+///
+/// An object does not keep alive what it was made from: OpenCL does, as far as it needs it. It does keep the call
+/// handle open. Objects may be kept in containers, and in objects of static lifetime as far as the OpenCL
+/// implementation allows calls at process exit.
 ///
 /// `Kind` names the raw handle's type and the two constructor tags of an OpenCL version. Platforms, and devices before
 /// OpenCL 1.2, are not counted: for them no operation here makes a call.
 ///
 /// Failing calls throw the exceptions of `nq` and `vorn::mero::common`. Distinct objects may be used by different
-/// threads; one object must not be assigned or destroyed while another thread uses it.
+/// threads, also when they name the same OpenCL object; one object must not be assigned or destroyed while another
+/// thread uses it.
 template <class Kind>
 class VORN_MERO_EXPORT owner {
 public:
@@ -31,11 +42,13 @@ public:
     owner(nq::call_handle const& call_handle, raw_type* raw, typename Kind::take_ownership) noexcept
         : call_handle_(call_handle), raw_(raw) {}
 
-    /// Retains: the caller keeps its own reference.
+    /// Retains: the caller keeps its own reference. When that fails nothing is released.
     owner(nq::call_handle const& call_handle, raw_type* raw, typename Kind::create_reference);
 
+    /// Retains; throws when that fails, and `other` stays as it is.
     owner(owner const& other);
 
+    /// Makes no call; `other` is empty afterwards.
     owner(owner&& other) noexcept
         : call_handle_(std::move(other.call_handle_)), raw_(std::exchange(other.raw_, nullptr)) {}
 
@@ -43,10 +56,10 @@ public:
     /// empty but for its call handle.
     owner& operator=(owner const& other);
 
-    /// A release that fails ends the process. Assigning an object to itself empties it.
+    /// Releases the own reference. A release that fails ends the process. Assigning an object to itself empties it.
     owner& operator=(owner&& other) noexcept;
 
-    /// A release that fails is logged at error level.
+    /// A release that fails is logged at error level (see `internal::log_singleton`) and otherwise passed over.
     ~owner();
 
 protected:
@@ -75,23 +88,31 @@ struct owner_access {
 
 /// An owner with an identity: the call handle and the raw handle together. Base of every object class but the memory
 /// objects.
+///
+///     struct by_hash {
+///         std::size_t operator()(cl::device const& each) const { return each.hash(); }
+///     };
+///     std::unordered_map<cl::device, cl::context, by_hash> contexts; // std::map needs no such thing
 template <class Kind>
 class handle : public owner<Kind> {
 public:
     using owner<Kind>::owner;
 
-    /// Whether both name the same OpenCL object through the same call handle.
+    /// Whether both name the same OpenCL object through the same call handle. Makes no call. Objects that two calls of
+    /// `get_all_devices` found are unequal, since each call opens call handles of its own.
     bool operator==(handle const& other) const noexcept {
         return call_handle_address() == other.call_handle_address() && raw_address() == other.raw_address();
     }
 
-    /// Orders by call handle, then by raw handle.
+    /// Orders by call handle, then by raw handle, both as addresses: an order for containers, not the same from run to
+    /// run.
     bool operator<(handle const& other) const noexcept {
         return call_handle_address() != other.call_handle_address()
                    ? call_handle_address() < other.call_handle_address()
                    : raw_address() < other.raw_address();
     }
 
+    /// Equal for equal objects, 0 for an empty one.
     std::size_t hash() const noexcept { return call_handle_address() ^ raw_address(); }
 
 private:

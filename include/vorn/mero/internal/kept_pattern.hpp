@@ -1,5 +1,7 @@
 #pragma once
 
+// Base of `fill_buffer`, `fill_image` and `fill_svm`.
+
 #include <type_traits>
 #include <utility>
 
@@ -7,6 +9,12 @@ namespace vorn::mero::internal {
 
 /// A fill command that keeps its pattern: `PointTo` is the member of `Base` that says where the pattern lies, which is
 /// told anew of each copy.
+///
+///     cl::fill_buffer<float> fill(buffer, 0.0F, 0, count); // a pattern of 4 bytes in the command itself
+///     std::vector<cl::fill_buffer<float>> fills(3, fill);  // three commands, three patterns
+///
+/// `Base` must take the arguments that follow the pattern, with a null pointer for the pattern's place. A pattern must
+/// be trivially copyable: OpenCL gets its bytes.
 template <class Base, class Pattern, void (Base::*PointTo)(void const*) noexcept>
 class kept_pattern : public Base {
 public:

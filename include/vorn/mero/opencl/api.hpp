@@ -27,6 +27,18 @@ namespace vorn::mero::VORN_MERO_NAMESPACE {
 
 /// The version's number (120 for OpenCL 1.2), its capability, its commands and the classes that a program meets first.
 /// Classes whose name changed with OpenCL 2.0 have one name here.
+///
+///     template <class Api>
+///     void run_all() {
+///         for (auto const& target : Api::get_all_devices()) {
+///             typename Api::context context = Api::create_context(target);
+///             typename Api::host_queue queue = Api::create_queue(context, target, false, false);
+///             // what came with a later version: if constexpr (Api::number >= 120)
+///         }
+///     }
+///     run_all<vorn::mero::opencl_1_1::api>();
+///
+/// It is never made an object of; a name that the version lacks is absent.
 struct api {
     static constexpr int number = VORN_MERO_OPENCL;
     static constexpr nq::capability capability = nq::capability::VORN_MERO_NAMESPACE;
@@ -121,38 +133,42 @@ struct api {
     using host_queue = host_command_queue;
 #endif
 
+    /// As the function of this name in the namespace.
     static std::vector<device> get_all_devices() { return VORN_MERO_NAMESPACE::get_all_devices(); }
 
+    /// As the function of this name in the namespace.
     static device get_call_handle_device(nq::call_handle const& call_handle) {
         return VORN_MERO_NAMESPACE::get_call_handle_device(call_handle);
     }
 
-    /// A context of one device.
+    /// A context of one device, without properties and callback.
     static context create_context(device const& target) {
         return VORN_MERO_NAMESPACE::create_context({}, {target}, nullptr, nullptr);
     }
 
 #if VORN_MERO_OPENCL < 200
+    /// The queue that the host enqueues to, by `context::create_command_queue`.
     static host_queue create_queue(context& owner, device const& target, bool out_of_order, bool profiling) {
         return owner.create_command_queue(target, out_of_order, profiling);
     }
 #endif
 
 #if VORN_MERO_OPENCL >= 200
+    /// The queue that the host enqueues to, by `context::create_host_command_queue`.
     static host_queue create_queue(context& owner, device const& target, bool out_of_order, bool profiling) {
         return owner.create_host_command_queue(target, out_of_order, profiling);
     }
 #endif
 
 #if VORN_MERO_OPENCL < 110
-    /// A launch over one dimension, from offset 0.
+    /// A launch over one dimension, from offset 0; both sizes in work-items.
     static nd_range_kernel launch(kernel const& function, std::size_t global_size, std::size_t local_size) {
         return {function, 1, {global_size, 1, 1}, {local_size, 1, 1}};
     }
 #endif
 
 #if VORN_MERO_OPENCL >= 110
-    /// A launch over one dimension, from offset 0.
+    /// A launch over one dimension, from offset 0; both sizes in work-items.
     static nd_range_kernel launch(kernel const& function, std::size_t global_size, std::size_t local_size) {
         return {function, 1, {0, 0, 0}, {global_size, 1, 1}, {local_size, 1, 1}};
     }

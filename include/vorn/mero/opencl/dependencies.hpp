@@ -1,6 +1,7 @@
 #pragma once
 
-// What the bodies beside this file build on, the same for every version.
+// What the bodies beside this file build on, the same for every version. A body itself includes nothing where an
+// umbrella header reads it: it would be read within a version's macros.
 
 #include <nq/call_handle.hpp>
 #include <nq/error.hpp>

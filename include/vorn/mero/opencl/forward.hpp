@@ -1,4 +1,5 @@
-// The names of a version's classes, and the tags of their constructors.
+// The names of a version's classes, and the tags of their constructors. `owner` is instantiated in the library for each
+// kind: programs link to its members, and compile none of them.
 #ifndef VORN_MERO_OPENCL
 #include <vorn/mero/opencl/standalone.hpp>
 #endif
@@ -43,10 +44,12 @@ class pipe;
 
 namespace internal {
 
-/// Tag: the caller keeps its reference, the new object retains.
+/// Tag: the caller keeps its reference, the new object retains (one call).
+///
+///     cl::event shared(call_handle, raw_event, cl::internal::create_reference{});
 struct create_reference {};
 
-/// Tag: the caller hands over a reference that it holds.
+/// Tag: the caller hands over a reference that it holds, such as one that a create function of the C API gave; no call.
 struct take_ownership {};
 
 /// What the classes of an OpenCL version tell `vorn::mero::internal::owner` of themselves.

@@ -10,6 +10,12 @@ namespace vorn::mero::VORN_MERO_NAMESPACE {
 
 /// How a kernel reads an image: its coordinates, what lies outside, and what lies between elements. Made by
 /// `context::create_sampler`.
+///
+///     cl::sampler edges = context.create_sampler(false, cl::sampler_addressing_mode::clamp_to_edge,
+///                                                cl::sampler_filter_mode::nearest);
+///     kernel.set_argument(2, edges); // (read_only image2d_t, write_only image2d_t, sampler_t)
+///
+/// It cannot be changed; any number of threads and kernels may use one. Queries make two calls.
 class VORN_MERO_EXPORT sampler : public mero::internal::handle<internal::sampler_kind> {
 public:
     using handle::handle;
