@@ -60,7 +60,7 @@ public:
     runtime_error(std::string const& message, error_code code);
 };
 
-/// A status that no OpenCL version defines.
+/// A status that no OpenCL version defines, such as one of an extension.
 class VORN_MERO_EXPORT unknown_opencl_error : public error {
 public:
     explicit unknown_opencl_error(int value);
@@ -78,7 +78,7 @@ public:
     explicit bad_implementation(std::string const& message);
 };
 
-/// `CL_DEVICE_NOT_FOUND`: no device of the type asked for.
+/// `CL_DEVICE_NOT_FOUND`: no device of the type asked for. `get_all_devices` gives an empty list instead.
 class VORN_MERO_EXPORT device_not_found : public logic_error {
 public:
     device_not_found();
@@ -93,12 +93,12 @@ class VORN_MERO_EXPORT compiler_not_available : public logic_error {
 public:
     compiler_not_available();
 };
-/// `CL_MEM_OBJECT_ALLOCATION_FAILURE`: no memory for a memory object.
+/// `CL_MEM_OBJECT_ALLOCATION_FAILURE`: no memory for a memory object; may come as late as its first use.
 class VORN_MERO_EXPORT mem_object_allocation_failure : public runtime_error {
 public:
     mem_object_allocation_failure();
 };
-/// `CL_OUT_OF_RESOURCES`: the device lacks resources, or a command went wrong on it.
+/// `CL_OUT_OF_RESOURCES`: the device lacks resources, or a kernel went wrong on it, as by reaching outside of a buffer.
 class VORN_MERO_EXPORT out_of_resources : public runtime_error {
 public:
     out_of_resources();
@@ -158,7 +158,7 @@ class VORN_MERO_EXPORT linker_not_available : public logic_error {
 public:
     linker_not_available();
 };
-/// `CL_LINK_PROGRAM_FAILURE`: the programs do not link.
+/// `CL_LINK_PROGRAM_FAILURE`: the programs do not link; `context::link_programs` throws it, and there is no log.
 class VORN_MERO_EXPORT link_program_failure : public runtime_error {
 public:
     link_program_failure();
@@ -173,7 +173,7 @@ class VORN_MERO_EXPORT kernel_arg_info_not_available : public logic_error {
 public:
     kernel_arg_info_not_available();
 };
-/// `CL_INVALID_VALUE`: a value or a combination of values that OpenCL forbids.
+/// `CL_INVALID_VALUE`: a value that OpenCL forbids, such as a region outside of its object, or flags that contradict.
 class VORN_MERO_EXPORT invalid_value : public logic_error {
 public:
     invalid_value();
@@ -203,7 +203,7 @@ class VORN_MERO_EXPORT invalid_queue_properties : public logic_error {
 public:
     invalid_queue_properties();
 };
-/// `CL_INVALID_COMMAND_QUEUE`: not a command queue of the kind asked for.
+/// `CL_INVALID_COMMAND_QUEUE`: not a command queue, or one of the other kind, on the host or on the device.
 class VORN_MERO_EXPORT invalid_command_queue : public logic_error {
 public:
     invalid_command_queue();
@@ -293,7 +293,7 @@ class VORN_MERO_EXPORT invalid_work_dimension : public logic_error {
 public:
     invalid_work_dimension();
 };
-/// `CL_INVALID_WORK_GROUP_SIZE`: the device or the kernel refuses this local size.
+/// `CL_INVALID_WORK_GROUP_SIZE`: a local size that does not divide the global size, or that kernel or device refuse.
 class VORN_MERO_EXPORT invalid_work_group_size : public logic_error {
 public:
     invalid_work_group_size();
@@ -318,7 +318,7 @@ class VORN_MERO_EXPORT invalid_event : public logic_error {
 public:
     invalid_event();
 };
-/// `CL_INVALID_OPERATION`: not allowed in this state, or not supported by the device.
+/// `CL_INVALID_OPERATION`: not allowed in this state, or not supported: also what an implementation of 3.0 leaves out.
 class VORN_MERO_EXPORT invalid_operation : public logic_error {
 public:
     invalid_operation();

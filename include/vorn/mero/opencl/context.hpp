@@ -93,8 +93,8 @@ public:
 
 #if VORN_MERO_OPENCL < 200
     /// A queue that may run commands out of order, or times them for `event::profile_command_start` and the like.
-    /// Throws `common::invalid_queue_properties` where the device can do neither, `common::invalid_device` for one of
-    /// another context. Until OpenCL 1.2.
+    /// Throws `common::invalid_queue_properties` where the device lacks what is asked for, `common::invalid_device` for
+    /// one of another context. Until OpenCL 1.2.
     command_queue create_command_queue(device const& target, bool out_of_order, bool profiling);
 #endif
 
@@ -145,8 +145,8 @@ public:
                                                 std::vector<std::string> const& kernel_names);
 
     /// An executable program, or a library with the option `-create-library`, from programs that hold compiled objects
-    /// or libraries (see `program::binary_type`), for the given devices or, when there is none, for every device of the
-    /// context.
+    /// or libraries (see `program::binary_type`); those come from binaries, since nothing here compiles without
+    /// linking. It is linked for the given devices or, when there is none, for every device of the context.
     ///
     /// `notify` may be null: linking has then ended when this returns. Otherwise it may go on, `notify` is called once
     /// it has ended, with the new program's raw handle and `user_data`, on a thread of OpenCL's choice, maybe before
@@ -166,8 +166,8 @@ public:
     pipe create_pipe(mem_flags flags, std::uint32_t packet_size, std::uint32_t max_packets);
 
     /// A queue that may run commands out of order, or times them for `event::profile_command_start` and the like.
-    /// Throws `common::invalid_queue_properties` where the device can do neither, `common::invalid_device` for one of
-    /// another context. Since OpenCL 2.0.
+    /// Throws `common::invalid_queue_properties` where the device lacks what is asked for, `common::invalid_device` for
+    /// one of another context. Since OpenCL 2.0.
     host_command_queue create_host_command_queue(device const& target, bool out_of_order, bool profiling);
 
     // Queues that kernels enqueue to; always out of order. A size is in bytes, at most
@@ -212,7 +212,7 @@ public:
 ///
 /// `notify` may be null; it is called with errors of the context: a text, implementation-defined bytes and their
 /// number, and `user_data`. It runs on a thread of OpenCL's choice, maybe on several at once, as long as the context or
-/// anything made in it lives, and must not throw.
+/// anything made in it lives, and must not throw. `user_data` must be of use as long.
 ///
 /// Throws `std::logic_error` when there is no device, `common::invalid_property` or `common::invalid_platform` for a
 /// wrong list, `common::invalid_device` for devices of several platforms, `common::device_not_available`.

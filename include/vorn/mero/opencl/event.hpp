@@ -133,6 +133,7 @@ VORN_MERO_EXPORT std::uint32_t refcount(event const& object);
 VORN_MERO_EXPORT event create_event(nq::call_handle const& call_handle, _nq_cl_event* handle);
 
 #if VORN_MERO_OPENCL >= 110
+// The same for promises, of which there is no `create`: they are not shared.
 VORN_MERO_EXPORT _nq_cl_event* get_raw_event(event_promise const& object) noexcept;
 VORN_MERO_EXPORT nq::call_handle const& get_call_handle(event_promise const& object) noexcept;
 VORN_MERO_EXPORT void retain(event_promise const& object);
