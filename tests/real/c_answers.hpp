@@ -42,7 +42,7 @@ answer ask(Query query, Object object, Arguments... arguments) {
     return found;
 }
 
-/// Whether a member gives the value made of the C API's word, or throws what its status or its size demands.
+/// Whether a member gives the C API's word as `convert` has it, or throws what its status or its size demands.
 template <class Word, class Member, class Convert>
 void expect_same(char const* member, answer const& expected, Member call, Convert convert) {
     Word word{};
@@ -59,6 +59,12 @@ void expect_same(char const* member, answer const& expected, Member call, Conver
     } catch (common::bad_implementation const&) {
         EXPECT_NE(expected.bytes.size(), sizeof word) << member;
     }
+}
+
+/// The same of a member that gives the word as it is.
+template <class Member>
+void expect_same(char const* member, answer const& expected, Member call) {
+    expect_same<decltype(call())>(member, expected, call, [](auto value) { return value; });
 }
 
 } // namespace real

@@ -158,18 +158,16 @@ private:
     std::map<std::string, std::map<std::string, outcomes>> table_;
 };
 
+/// A platform's second device, and every further one, is told apart by its name.
 template <class Api>
-void find_devices_of(Api) {
+void find_devices(Api) {
+    auto& found = found_devices<Api>();
     for (auto const& device : Api::get_all_devices()) {
         std::string name = implementation_of(device.get_platform().name());
-        auto const taken = [&name](named_device<Api> const& other) { return other.first == name; };
-        if (std::ranges::any_of(found_devices<Api>(), taken)) {
-            name += "_" + without_punctuation(device.name());
+        if (std::ranges::any_of(found, [&name](auto const& other) { return other.first == name; })) {
+            name += "_" + without_punctuation(device.name()) + "_" + std::to_string(found.size());
         }
-        while (std::ranges::any_of(found_devices<Api>(), taken)) {
-            name += "_another";
-        }
-        found_devices<Api>().emplace_back(name, device);
+        found.emplace_back(name, device);
     }
 }
 
@@ -227,19 +225,29 @@ void add_test(scenario_name const& name, std::function<void()> body) {
                           [name, body]() -> testing::Test* { return new scenario_test(name, body); });
 }
 
-void find_devices() {
-    std::apply([](auto... each) { (find_devices_of(each), ...); }, versions{});
+void tell_thread(char const* what, std::thread::id caller) {
+    std::printf("%s ran on %s\n", what,
+                caller == std::this_thread::get_id() ? "the thread that waited" : "a thread of the implementation");
 }
 
-int run(int count, char** words, std::function<void()> const& add_scenarios) {
-    testing::InitGoogleTest(&count, words);
-    find_devices();
+std::list<std::function<void()>>& additions() {
+    static std::list<std::function<void()>> all;
+    return all;
+}
+
+static int run() {
+    for_each_version([](auto version) { find_devices(version); });
     add_missing();
-    add_scenarios();
+    std::ranges::for_each(additions(), [](auto const& add) { add(); });
     testing::UnitTest::GetInstance()->listeners().Append(new feature_table);
     int const status = RUN_ALL_TESTS();
-    std::apply([](auto... each) { (found_devices<decltype(each)>().clear(), ...); }, versions{});
+    for_each_version([]<class Api>(Api) { found_devices<Api>().clear(); });
     return status;
 }
 
 } // namespace real
+
+int main(int count, char** words) {
+    testing::InitGoogleTest(&count, words);
+    return real::run();
+}

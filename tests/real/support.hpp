@@ -7,10 +7,14 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <array>
 #include <cstdint>
 #include <functional>
 #include <list>
+#include <numeric>
 #include <string>
+#include <thread>
 #include <tuple>
 #include <utility>
 #include <vector>
@@ -21,6 +25,18 @@ using namespace vorn::mero;
 
 using versions =
     std::tuple<opencl_1_0::api, opencl_1_1::api, opencl_1_2::api, opencl_2_0::api, opencl_2_1::api, opencl_2_2::api>;
+
+using box = std::array<std::size_t, 3>;
+using bytes = std::vector<unsigned char>;
+using numbers = std::vector<std::int32_t>;
+
+/// `count` values from `first` on, each one more than the one before.
+template <class T = std::int32_t>
+std::vector<T> counting(std::size_t count, T first = 1) {
+    std::vector<T> values(count);
+    std::iota(values.begin(), values.end(), first);
+    return values;
+}
 
 /// "pocl", "rusticl", "oclgrind", "intel", or another platform's own name without what is neither letter nor digit.
 std::string implementation_of(std::string const& platform_name);
@@ -45,6 +61,9 @@ void* c_function(char const* name);
 
 #define REAL_C_API(name) reinterpret_cast<decltype(&::name)>(::real::c_function(#name))
 
+/// Prints on which thread OpenCL called a function of the program.
+void tell_thread(char const* what, std::thread::id caller);
+
 /// Has OpenCL tell when it deletes the context, where the implementation can.
 void watch(std::string const& implementation, _nq_cl_context* context);
 
@@ -64,6 +83,23 @@ void add_test(scenario_name const& name, std::function<void()> body);
 template <class Object>
 auto* raw_of(Object const& object) {
     return vorn::mero::internal::owner_access::raw(object);
+}
+
+using opencl_1_0::raw::refcount, opencl_1_1::raw::refcount, opencl_1_2::raw::refcount, opencl_2_0::raw::refcount,
+    opencl_2_1::raw::refcount, opencl_2_2::raw::refcount;
+using opencl_1_0::raw::release, opencl_1_1::raw::release, opencl_1_2::raw::release, opencl_2_0::raw::release,
+    opencl_2_1::raw::release, opencl_2_2::raw::release;
+using opencl_1_0::raw::retain, opencl_1_1::raw::retain, opencl_1_2::raw::retain, opencl_2_0::raw::retain,
+    opencl_2_1::raw::retain, opencl_2_2::raw::retain;
+
+/// Whether an object that nothing else uses yet counts its references.
+template <class Object>
+void expect_counted(Object const& fresh) {
+    EXPECT_EQ(refcount(fresh), 1U);
+    retain(fresh);
+    EXPECT_EQ(refcount(fresh), 2U);
+    release(fresh);
+    EXPECT_EQ(refcount(fresh), 1U);
 }
 
 /// A device under a version, a context and a queue for it.
@@ -158,40 +194,51 @@ private:
     }
 };
 
-/// What a device's tests are named after, and the device.
+/// The devices found and what their tests are named after, until the run ends: some implementations do not bear calls
+/// from static destructors.
 template <class Api>
-using named_device = std::pair<std::string, typename Api::device>;
-
-/// The devices found, which live until `run` ends: some implementations do not bear calls from static destructors.
-template <class Api>
-std::list<named_device<Api>>& found_devices() {
-    static std::list<named_device<Api>> devices;
+std::list<std::pair<std::string, typename Api::device>>& found_devices() {
+    static std::list<std::pair<std::string, typename Api::device>> devices;
     return devices;
 }
 
-/// Fills `found_devices`. A platform's second device, and every further one, is told apart by its name.
-void find_devices();
-
-/// Adds a test of every device for every version from `First` to `Last`; the scenario is called with a
-/// `bench<Api>&` of its own.
-template <int First, int Last = 220, class Scenario>
-void add_scenario(std::string const& name, std::string const& feature, Scenario scenario) {
-    auto const add = [&]<class Api>(Api) {
-        if constexpr (Api::number >= First && Api::number <= Last) {
-            for (auto const& target : found_devices<Api>()) {
-                auto const implementation = implementation_of(target.second.get_platform().name());
-                add_test({name, feature, implementation, target.first, Api::number},
-                         [&target, implementation, scenario] {
-                             bench<Api> b(implementation, target.second);
-                             scenario(b);
-                         });
-            }
-        }
-    };
-    std::apply([&](auto... each) { (add(each), ...); }, versions{});
+/// Calls an action with an object of each version's `api`.
+template <class Action>
+void for_each_version(Action action) {
+    std::apply([&](auto... each) { (action(each), ...); }, versions{});
 }
 
-/// Finds the devices, adds the scenarios and runs them.
-int run(int count, char** words, std::function<void()> const& add_scenarios);
+/// What is to be done once the devices are found.
+std::list<std::function<void()>>& additions();
+
+/// A test of every device for every version from `First` to `Last`: the body is called with a `bench<Api>&` of its own.
+template <int First, int Last = 220>
+struct scenario {
+    template <class Body>
+    scenario(std::string const& name, std::string const& feature, Body body) {
+        additions().push_back([=] {
+            for_each_version([&]<class Api>(Api) {
+                if constexpr (Api::number >= First && Api::number <= Last) {
+                    for (auto const& [device_name, device] : found_devices<Api>()) {
+                        auto const implementation = implementation_of(device.get_platform().name());
+                        add_test({name, feature, implementation, device_name, Api::number},
+                                 [&device, implementation, body] {
+                                     bench<Api> b(implementation, device);
+                                     body(b);
+                                 });
+                    }
+                }
+            });
+        });
+    }
+};
+
+/// Heads the body of a scenario, which runs in each version from `first` on, or from a first to a last one.
+#define SCENARIO(name, feature, ...)                                                                                   \
+    template <class Api>                                                                                               \
+    void name(bench<Api>& b);                                                                                          \
+    scenario<__VA_ARGS__> const adds_##name(#name, feature, [](auto& b) { name(b); });                                 \
+    template <class Api>                                                                                               \
+    void name([[maybe_unused]] bench<Api>& b)
 
 } // namespace real

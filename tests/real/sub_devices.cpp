@@ -1,10 +1,7 @@
 #include "c_answers.hpp"
-#include "objects.hpp"
 
 namespace real {
 namespace {
-
-using integers = std::vector<std::int32_t>;
 
 template <class Api>
 using devices = std::vector<typename Api::device>;
@@ -28,7 +25,7 @@ void run_together(bench<Api>& b, devices<Api> const& parts) {
     watch(b.name, raw_of(context));
     auto program = context.create_program_from_source("__kernel void f(__global int* v) { v[get_global_id(0)] += 1; }");
     program.build({}, "", nullptr, nullptr);
-    integers values{1, 2, 3};
+    numbers values{1, 2, 3};
     auto buffer = context.create_buffer(Api::mem_flags::read_write | Api::mem_flags::copy_host_ptr, 12, values.data());
     auto kernel = program.create_kernel("f");
     kernel.set_argument(0, buffer);
@@ -37,7 +34,7 @@ void run_together(bench<Api>& b, devices<Api> const& parts) {
         EXPECT_EQ(queue.get_device(), parts[i]);
         queue.enqueue_command_without_event(Api::launch(kernel, 3, 1));
         queue.enqueue_command_without_event(typename Api::read_buffer(buffer, true, 0, 12, values.data()));
-        EXPECT_EQ(values, (i == 0 ? integers{2, 3, 4} : integers{3, 4, 5}));
+        EXPECT_EQ(values, (i == 0 ? numbers{2, 3, 4} : numbers{3, 4, 5}));
     }
 }
 
@@ -58,8 +55,15 @@ void partition(bench<Api>& b, std::intptr_t scheme, Partition create) {
     EXPECT_EQ(refcount(b.device), before);
 }
 
-template <class Api>
-void by_affinity(bench<Api>& b) {
+SCENARIO(partition_equally, "sub-devices equally", 120) {
+    partition(b, CL_DEVICE_PARTITION_EQUALLY, [](auto device) { return device.partition_equally(1); });
+}
+
+SCENARIO(partition_by_counts, "sub-devices by counts", 120) {
+    partition(b, CL_DEVICE_PARTITION_BY_COUNTS, [](auto device) { return device.partition_by_counts({1, 1}); });
+}
+
+SCENARIO(partition_by_affinity, "sub-devices by affinity", 120) {
     auto const domains = b.device.partition_supported_affinity_domains();
     using domain = std::remove_const_t<decltype(domains)>;
     if (domains == domain{}) {
@@ -69,24 +73,11 @@ void by_affinity(bench<Api>& b) {
     EXPECT_FALSE(b.device.partition_by_affinity(domains).empty());
 }
 
-template <class Api>
-void too_many(bench<Api>& b) {
+SCENARIO(refused_partition, "refused sub-devices", 120) {
     auto const units = b.device.max_compute_units();
     EXPECT_THROW(b.device.partition_by_counts({units, units}), common::opencl_error);
     EXPECT_THROW(b.device.partition_by_counts({1, 0}), std::logic_error);
 }
 
 } // namespace
-
-void add_sub_devices() {
-    add_scenario<120>("partition_equally", "sub-devices equally", [](auto& b) {
-        partition(b, CL_DEVICE_PARTITION_EQUALLY, [](auto device) { return device.partition_equally(1); });
-    });
-    add_scenario<120>("partition_by_counts", "sub-devices by counts", [](auto& b) {
-        partition(b, CL_DEVICE_PARTITION_BY_COUNTS, [](auto device) { return device.partition_by_counts({1, 1}); });
-    });
-    add_scenario<120>("partition_by_affinity", "sub-devices by affinity", [](auto& b) { by_affinity(b); });
-    add_scenario<120>("refused_partition", "refused sub-devices", [](auto& b) { too_many(b); });
-}
-
 } // namespace real

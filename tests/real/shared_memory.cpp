@@ -1,4 +1,4 @@
-#include "commands.hpp"
+#include "support.hpp"
 
 #include <atomic>
 #include <cstdlib>
@@ -56,7 +56,7 @@ numbers doubled(numbers values) {
     return values;
 }
 
-auto const moves_data = []<class Api>(bench<Api>& b) {
+SCENARIO(moves_data_in_shared_memory, "SVM", 200) {
     shared_memory<Api> const first(b, 64 * 4), second(b, 64 * 4);
     while_mapped(b, first.as(), 64 * 4, [&] { std::ranges::copy(counting(64), first.as()); });
     auto kernel = b.build(doubles_source).create_kernel("f");
@@ -74,7 +74,7 @@ auto const moves_data = []<class Api>(bench<Api>& b) {
         second.as()[8] = -1;
     });
     EXPECT_EQ(read(b, second.as() + 8, 2), (numbers{-1, 20}));
-};
+}
 
 template <std::size_t Size, class Api>
 void fills_with_pattern(bench<Api>& b) {
@@ -92,10 +92,10 @@ void fills_with_pattern(bench<Api>& b) {
     EXPECT_EQ(read<element>(b, elements, 4), (std::vector<element>{first, second, second, first})) << Size;
 }
 
-auto const fills = []<class Api>(bench<Api>& b) {
+SCENARIO(fills_shared_memory, "SVM", 200) {
     [&]<std::size_t... Power>(std::index_sequence<Power...>) { (fills_with_pattern<std::size_t{1} << Power>(b), ...); }
     (std::make_index_sequence<8>{});
-};
+}
 
 /// What the function that frees was told.
 template <class Api>
@@ -119,7 +119,7 @@ struct freeing {
 };
 
 // In a context of its own, which Intel's runtime keeps until the process ends.
-auto const frees_by_command = []<class Api>(bench<Api>& b) {
+SCENARIO(frees_shared_memory_by_command, "SVM", 200) {
     auto context = Api::create_context(b.device);
     auto queue = Api::create_queue(context, b.device, false, false);
     std::vector<void*> memory(2);
@@ -127,9 +127,9 @@ auto const frees_by_command = []<class Api>(bench<Api>& b) {
     auto freed = queue.enqueue_command(typename Api::svm_free(memory));
     b.wait_for(freed);
     EXPECT_EQ(freed.execution_status(), Api::event_execution_status::complete);
-};
+}
 
-auto const frees_by_own_function = []<class Api>(bench<Api>& b) {
+SCENARIO(frees_shared_memory_by_own_function, "SVM", 200) {
     std::vector<void*> memory(3);
     std::ranges::generate(memory, [&b] { return b.context.svm_allocate(Api::svm_mem_flags::read_write, 256, 0); });
     freeing<Api> seen{b.context};
@@ -139,7 +139,7 @@ auto const frees_by_own_function = []<class Api>(bench<Api>& b) {
     EXPECT_EQ(seen.pointers, memory);
     EXPECT_EQ(seen.queue, raw_of(b.queue));
     tell_thread("the function that frees shared memory", seen.thread);
-};
+}
 
 struct node {
     std::int32_t value;
@@ -161,7 +161,7 @@ std::int32_t sum_of_list(bench<Api>& b, typename Api::kernel& kernel, node* firs
     return b.load(sum)[0];
 }
 
-auto const follows_pointers = []<class Api>(bench<Api>& b) {
+SCENARIO(follows_pointers_in_shared_memory, "SVM", 200) {
     shared_memory<Api> const first(b, sizeof(node)), second(b, sizeof(node)), third(b, sizeof(node));
     std::vector<void*> const rest{second.as(), third.as()};
     auto const write = [&b](auto const& memory, node const& content) {
@@ -174,10 +174,10 @@ auto const follows_pointers = []<class Api>(bench<Api>& b) {
     kernel.set_svm_pointers(rest);
     EXPECT_EQ(sum_of_list(b, kernel, first.template as<node>()), 123);
     EXPECT_EQ(read<node>(b, third.as(), 1)[0].value, 101);
-};
+}
 
 // The host reads and writes without a map.
-auto const shares_fine_grained = []<class Api>(bench<Api>& b) {
+SCENARIO(shares_fine_grained_memory, "SVM, fine-grained", 200) {
     if (!b.device.svm_fine_grain_buffer_supported()) {
         skip("has no fine-grained shared memory");
     }
@@ -192,9 +192,9 @@ auto const shares_fine_grained = []<class Api>(bench<Api>& b) {
     kernel.set_svm_argument(0, memory.as());
     b.launch(kernel, 64, 8);
     EXPECT_EQ(numbers(memory.as(), memory.as() + 64), doubled(counting(64)));
-};
+}
 
-auto const shares_memory_of_the_host = []<class Api>(bench<Api>& b) {
+SCENARIO(shares_memory_of_the_host, "SVM, system", 200) {
     if (!b.device.svm_fine_grain_system_supported()) {
         skip("shares no memory but its own");
     }
@@ -211,9 +211,9 @@ auto const shares_memory_of_the_host = []<class Api>(bench<Api>& b) {
     sum.set_fine_grain_system_flag(true);
     EXPECT_EQ(sum_of_list(b, sum, &first), 42);
     EXPECT_EQ(last.value, 41);
-};
+}
 
-auto const refuses_without = []<class Api>(bench<Api>& b) {
+SCENARIO(refuses_without_shared_memory, "SVM refused where there is none", 200) {
     if (b.device.svm_coarse_grain_buffer_supported()) {
         return;
     }
@@ -226,19 +226,7 @@ auto const refuses_without = []<class Api>(bench<Api>& b) {
     auto kernel = b.build(doubles_source).create_kernel("f");
     EXPECT_THROW(kernel.set_svm_argument(0, memory.data()), common::invalid_operation);
     EXPECT_THROW(kernel.set_fine_grain_system_flag(true), common::invalid_operation);
-};
-
-} // namespace
-
-void add_shared_virtual_memory() {
-    add_scenario<200>("moves_data_in_shared_memory", "SVM", moves_data);
-    add_scenario<200>("fills_shared_memory", "SVM", fills);
-    add_scenario<200>("frees_shared_memory_by_command", "SVM", frees_by_command);
-    add_scenario<200>("frees_shared_memory_by_own_function", "SVM", frees_by_own_function);
-    add_scenario<200>("follows_pointers_in_shared_memory", "SVM", follows_pointers);
-    add_scenario<200>("shares_fine_grained_memory", "SVM, fine-grained", shares_fine_grained);
-    add_scenario<200>("shares_memory_of_the_host", "SVM, system", shares_memory_of_the_host);
-    add_scenario<200>("refuses_without_shared_memory", "SVM refused where there is none", refuses_without);
 }
 
+} // namespace
 } // namespace real

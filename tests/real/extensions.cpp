@@ -1,4 +1,4 @@
-#include "commands.hpp"
+#include "support.hpp"
 
 #include <fstream>
 #include <iterator>
@@ -57,7 +57,7 @@ bool lists(bench<Api>& b, std::string const& name) {
     return std::ranges::find(all, name) != all.end();
 }
 
-auto const tells_what_is_listed = []<class Api>(bench<Api>& b) {
+SCENARIO(tells_which_extensions_are_listed, "extension lists", 100) {
     if constexpr (Api::number >= 120) {
         EXPECT_EQ(il::extension_available(b.device), lists(b, "cl_khr_il_program"));
         EXPECT_EQ(spir::extension_available(b.device), lists(b, "cl_khr_spir"));
@@ -74,10 +74,10 @@ auto const tells_what_is_listed = []<class Api>(bench<Api>& b) {
     }
     EXPECT_TRUE(b.name != "intel" || lists(b, "cl_khr_il_program"));
     EXPECT_TRUE(b.name != "oclgrind" || lists(b, "cl_khr_spir"));
-};
+}
 
 // None of the implementations that the tests know has a function of AMD's or Altera's.
-auto const reports_missing_functions = []<class Api>(bench<Api>& b) {
+SCENARIO(reports_missing_extension_functions, "missing extension functions", 100) {
     if (amd::extension_available(b.device)) {
         skip("has the functions that are to be missing");
     }
@@ -94,14 +94,14 @@ auto const reports_missing_functions = []<class Api>(bench<Api>& b) {
     if constexpr (Api::number == 200) {
         EXPECT_THROW(termination::terminate(b.context), std::logic_error);
     }
-};
+}
 
 bytes module() {
     std::ifstream file(REAL_IL, std::ios::binary);
     return {std::istreambuf_iterator<char>(file), {}};
 }
 
-auto const builds_intermediate_language = []<class Api>(bench<Api>& b) {
+SCENARIO(builds_intermediate_language, "cl_khr_il_program", 120) {
     auto const code = module();
     ASSERT_FALSE(code.empty());
     if (!il::extension_available(b.device)) {
@@ -118,9 +118,9 @@ auto const builds_intermediate_language = []<class Api>(bench<Api>& b) {
     b.set_arguments(kernel, values);
     b.launch(kernel, 16);
     EXPECT_EQ(b.load(values), counting(16, 101));
-};
+}
 
-auto const tells_spir_versions = []<class Api>(bench<Api>& b) {
+SCENARIO(tells_spir_versions, "cl_khr_spir", 120) {
     using type = opencl_1_2::program_binary_type;
     EXPECT_TRUE(opencl_1_2::extension::cl_khr_spir::is_binary_type_intermediate(type{0x40E1}));
     EXPECT_FALSE(opencl_1_2::extension::cl_khr_spir::is_binary_type_intermediate(type::executable));
@@ -128,7 +128,7 @@ auto const tells_spir_versions = []<class Api>(bench<Api>& b) {
     if (b.name != "pocl") { // lists the extension and no version of it
         EXPECT_NE(std::ranges::find(found, "1.2"), found.end());
     }
-};
+}
 
 constexpr char const* sub_group_source = R"(
 kernel void f(global int* sizes) {
@@ -136,7 +136,7 @@ kernel void f(global int* sizes) {
 })";
 
 // The queries tell what a kernel sees that is launched so.
-auto const counts_sub_groups = []<class Api>(bench<Api>& b) {
+SCENARIO(counts_sub_groups, "cl_intel_subgroups", 120, 200) {
     if (!intel::extension_available(b.device)) {
         skip("the device does not list cl_intel_subgroups");
     }
@@ -156,16 +156,7 @@ auto const counts_sub_groups = []<class Api>(bench<Api>& b) {
         EXPECT_EQ(khr::get_max_sub_group_size_for_nd_range(kernel, b.device, std::array<std::size_t, 1>{40}), size);
         EXPECT_EQ(khr::get_sub_group_count_for_nd_range(kernel, b.device, std::array<std::size_t, 1>{40}), count);
     }
-};
-
-} // namespace
-
-void add_extensions() {
-    add_scenario<100>("tells_which_extensions_are_listed", "extension lists", tells_what_is_listed);
-    add_scenario<100>("reports_missing_extension_functions", "missing extension functions", reports_missing_functions);
-    add_scenario<120>("builds_intermediate_language", "cl_khr_il_program", builds_intermediate_language);
-    add_scenario<120>("tells_spir_versions", "cl_khr_spir", tells_spir_versions);
-    add_scenario<120, 200>("counts_sub_groups", "cl_intel_subgroups", counts_sub_groups);
 }
 
+} // namespace
 } // namespace real

@@ -1,4 +1,4 @@
-#include "commands.hpp"
+#include "support.hpp"
 
 #include <atomic>
 #include <functional>
@@ -35,7 +35,7 @@ box used(box values, unsigned int dimensions, std::size_t rest) {
     return values;
 }
 
-auto const launches = []<class Api>(bench<Api>& b) {
+SCENARIO(launches_kernels_in_each_dimension, "kernel launches", 100) {
     box const size{4, 4, 2}, local{2, 2, 1};
     auto program = b.build(mark_source);
     for (unsigned int dimensions = 1; dimensions <= 3; ++dimensions) {
@@ -56,9 +56,9 @@ auto const launches = []<class Api>(bench<Api>& b) {
                 << dimensions;
         }
     }
-};
+}
 
-auto const runs_tasks = []<class Api>(bench<Api>& b) {
+SCENARIO(runs_tasks, "tasks", 100, 100) {
     auto values = b.store(counting(10));
     auto total = b.store(numbers(1));
     auto const kernel = b.function(R"(
@@ -68,7 +68,7 @@ kernel void f(global int const* values, int count, global int* total) {
                                    values, std::int32_t{10}, total);
     b.run(typename Api::task_kernel(kernel));
     EXPECT_EQ(b.load(total), numbers{55});
-};
+}
 
 struct native_arguments {
     std::int32_t const* source;
@@ -84,7 +84,7 @@ void negate(void* block) {
     *arguments->thread = std::this_thread::get_id();
 }
 
-auto const runs_native_kernels = []<class Api>(bench<Api>& b) {
+SCENARIO(runs_native_kernels, "native kernels", 100) {
     auto source = b.store(counting(32));
     auto destination = b.store(numbers(32));
     std::atomic<std::thread::id> thread;
@@ -98,14 +98,7 @@ auto const runs_native_kernels = []<class Api>(bench<Api>& b) {
     std::ranges::transform(expected, expected.begin(), std::negate{});
     EXPECT_EQ(b.load(destination), expected);
     tell_thread("the native kernel", thread);
-};
-
-} // namespace
-
-void add_kernel_commands() {
-    add_scenario<100>("launches_kernels_in_each_dimension", "kernel launches", launches);
-    add_scenario<100, 100>("runs_tasks", "tasks", runs_tasks);
-    add_scenario<100>("runs_native_kernels", "native kernels", runs_native_kernels);
 }
 
+} // namespace
 } // namespace real

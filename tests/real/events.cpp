@@ -1,4 +1,4 @@
-#include "commands.hpp"
+#include "support.hpp"
 
 #include <atomic>
 #include <chrono>
@@ -33,7 +33,7 @@ void hold(void* place) {
 }
 
 // A function of the host is the only command that lasts until the test lets it end.
-auto const tells_running = []<class Api>(bench<Api>& b) {
+SCENARIO(tells_that_a_command_is_running, "native kernels", 100) {
     if (b.name == "oclgrind") {
         skip("runs commands on the thread that waits for them");
     }
@@ -50,7 +50,7 @@ auto const tells_running = []<class Api>(bench<Api>& b) {
     b.wait_for(event);
     EXPECT_EQ(event.execution_status(), Api::event_execution_status::complete);
     b.queue.finish();
-};
+}
 
 /// What a callback was told. Both hand-overs between threads are seen here, for a sanitizer that cannot see them in the
 /// implementation.
@@ -91,7 +91,7 @@ struct held_write {
     typename Api::event event;
 };
 
-auto const completes_user_events = []<class Api>(bench<Api>& b) {
+SCENARIO(completes_user_events, "user events", 110) {
     using status = typename Api::event_execution_status;
     held_write<Api> write(b);
     auto gate = write.promise.get_event();
@@ -110,9 +110,9 @@ auto const completes_user_events = []<class Api>(bench<Api>& b) {
     EXPECT_EQ(write.event.execution_status(), status::complete);
     EXPECT_EQ(b.load(write.target), write.values);
     EXPECT_THROW(write.promise.set_status_success(), common::invalid_operation);
-};
+}
 
-auto const completes_from_another_thread = []<class Api>(bench<Api>& b) {
+SCENARIO(completes_user_events_from_another_thread, "user events", 110) {
     if (b.name == "oclgrind") {
         skip("may be used by one thread only");
     }
@@ -120,9 +120,9 @@ auto const completes_from_another_thread = []<class Api>(bench<Api>& b) {
     std::jthread other([&write] { write.promise.set_status_success(); });
     b.wait_for(write.event);
     EXPECT_EQ(b.load(write.target), write.values);
-};
+}
 
-auto const calls_back = []<class Api>(bench<Api>& b) {
+SCENARIO(calls_back, "event callbacks", 110) {
     using type = typename Api::commmand_exec_callback_type;
     held_write<Api> write(b);
     std::array<report, 3> reports; // in the order of the states' numbers
@@ -147,7 +147,7 @@ auto const calls_back = []<class Api>(bench<Api>& b) {
         EXPECT_EQ(late.status, 0);
     }
     b.queue.finish();
-};
+}
 
 /// What becomes of a command whose wait list failed with `out_of_resources`.
 common::error_code failure_seen(std::string const& implementation) {
@@ -156,7 +156,7 @@ common::error_code failure_seen(std::string const& implementation) {
                                        : common::error_code::out_of_resources;
 }
 
-auto const fails_user_events = []<class Api>(bench<Api>& b) {
+SCENARIO(fails_user_events, "failed events", 110) {
     using status = typename Api::event_execution_status;
     held_write<Api> write(b);
     report seen;
@@ -180,9 +180,9 @@ auto const fails_user_events = []<class Api>(bench<Api>& b) {
     }
     b.queue = Api::create_queue(b.context, b.device, false, false);
     EXPECT_EQ(b.load(write.target), numbers(64));
-};
+}
 
-auto const outlives_promise = []<class Api>(bench<Api>& b) {
+SCENARIO(outlives_its_promise, "user events", 110) {
     held_write<Api> write(b);
     auto gate = write.promise.get_event();
     { auto const destroyed = std::move(write.promise); }
@@ -195,9 +195,9 @@ auto const outlives_promise = []<class Api>(bench<Api>& b) {
     adopted.set_status_success();
     b.wait_for(write.event);
     EXPECT_EQ(b.load(write.target), write.values);
-};
+}
 
-auto const profiles = []<class Api>(bench<Api>& b) {
+SCENARIO(profiles_commands, "profiling", 100) {
     auto const values = counting(64);
     auto target = b.store(numbers(64));
     typename Api::write_buffer const write(target, false, 0, 64 * 4, values.data());
@@ -216,18 +216,7 @@ auto const profiles = []<class Api>(bench<Api>& b) {
     if (b.name != "rusticl" && b.name != "oclgrind") { // answer for every command
         EXPECT_THROW(plain.profile_command_end(), common::profiling_info_not_available);
     }
-};
-
-} // namespace
-
-void add_events() {
-    add_scenario<100>("tells_that_a_command_is_running", "native kernels", tells_running);
-    add_scenario<110>("completes_user_events", "user events", completes_user_events);
-    add_scenario<110>("completes_user_events_from_another_thread", "user events", completes_from_another_thread);
-    add_scenario<110>("calls_back", "event callbacks", calls_back);
-    add_scenario<110>("fails_user_events", "failed events", fails_user_events);
-    add_scenario<110>("outlives_its_promise", "user events", outlives_promise);
-    add_scenario<100>("profiles_commands", "profiling", profiles);
 }
 
+} // namespace
 } // namespace real

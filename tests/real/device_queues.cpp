@@ -1,9 +1,9 @@
-#include "commands.hpp"
+#include "support.hpp"
 
 namespace real {
 namespace {
 
-auto const moves_packets = []<class Api>(bench<Api>& b) {
+SCENARIO(moves_packets_between_kernels, "pipes", 200) {
     auto packets = b.context.create_pipe(typename Api::mem_flags{}, 4, 16);
     auto program = b.build(R"(
 kernel void send(global int const* values, write_only pipe int packets) {
@@ -26,7 +26,7 @@ kernel void receive(read_only pipe int packets, global int* values) {
     auto received = b.load(destination);
     std::ranges::sort(received); // packets have no order between work-items
     EXPECT_EQ(received, counting(16, 40));
-};
+}
 
 // Each work-item starts a child of four work-items, on the queue that `Queue` stands for.
 std::string starting_children(std::string const& parameters, std::string const& queue) {
@@ -40,7 +40,7 @@ std::string starting_children(std::string const& parameters, std::string const& 
 })";
 }
 
-auto const starts_children_on_default_queue = []<class Api>(bench<Api>& b) {
+SCENARIO(starts_children_on_the_default_queue, "device queues", 200) {
     auto const made = b.context.create_default_device_command_queue(b.device, false);
     EXPECT_TRUE(made.is_default());
     EXPECT_FALSE(made.profiling_enabled());
@@ -54,9 +54,9 @@ auto const starts_children_on_default_queue = []<class Api>(bench<Api>& b) {
     b.set_arguments(kernel, values);
     b.launch(kernel, 8);
     EXPECT_EQ(b.load(values), counting(32));
-};
+}
 
-auto const starts_children_on_given_queue = []<class Api>(bench<Api>& b) {
+SCENARIO(starts_children_on_a_given_queue, "device queues", 200) {
     auto made = b.context.create_device_command_queue(b.device, true, 16384);
     EXPECT_FALSE(made.is_default());
     EXPECT_TRUE(made.profiling_enabled());
@@ -66,9 +66,9 @@ auto const starts_children_on_given_queue = []<class Api>(bench<Api>& b) {
     b.set_arguments(kernel, values, made);
     b.launch(kernel, 8);
     EXPECT_EQ(b.load(values), counting(32));
-};
+}
 
-auto const changes_default_queue = []<class Api>(bench<Api>& b) {
+SCENARIO(changes_the_default_queue, "device queues", 210) {
     auto const first = b.context.create_device_command_queue(b.device, false);
     auto const second = b.context.create_device_command_queue(b.device, false);
     EXPECT_THROW(b.queue.get_default_device_command_queue(), common::logic_error); // which one differs
@@ -76,15 +76,7 @@ auto const changes_default_queue = []<class Api>(bench<Api>& b) {
         b.context.set_default_device_command_queue(b.device, each);
         EXPECT_EQ(b.queue.get_default_device_command_queue(), each);
     }
-};
-
-} // namespace
-
-void add_device_queues_and_pipes() {
-    add_scenario<200>("moves_packets_between_kernels", "pipes", moves_packets);
-    add_scenario<200>("starts_children_on_the_default_queue", "device queues", starts_children_on_default_queue);
-    add_scenario<200>("starts_children_on_a_given_queue", "device queues", starts_children_on_given_queue);
-    add_scenario<210>("changes_the_default_queue", "device queues", changes_default_queue);
 }
 
+} // namespace
 } // namespace real

@@ -1,10 +1,7 @@
 #include "c_answers.hpp"
-#include "objects.hpp"
 
 namespace real {
 namespace {
-
-using integers = std::vector<std::int32_t>;
 
 char const* const source = "__kernel __attribute__((reqd_work_group_size(8, 1, 1)))"
                            "void f(__global int* restrict out, __constant int* in, __local int* scratch,"
@@ -13,8 +10,7 @@ char const* const source = "__kernel __attribute__((reqd_work_group_size(8, 1, 1
                            "  barrier(CLK_LOCAL_MEM_FENCE);"
                            "  out[get_global_id(0)] = scratch[7 - get_local_id(0)] + get_image_width(picture); }";
 
-template <class Api>
-void queries(bench<Api>& b) {
+SCENARIO(kernel_queries, "kernel queries", 100) {
     auto const program = b.build(source);
     auto kernel = typename Api::program(program).create_kernel("f");
     EXPECT_EQ(kernel.function_name(), "f");
@@ -42,8 +38,7 @@ void queries(bench<Api>& b) {
     }
 }
 
-template <class Api>
-void attributes(bench<Api>& b) {
+SCENARIO(attributes, "kernel attributes", 120) {
     std::string all;
     for (auto const& part : b.build(source).create_kernel("f").attributes()) {
         all += part;
@@ -51,17 +46,16 @@ void attributes(bench<Api>& b) {
     EXPECT_NE(all.find("reqd_work_group_size(8"), std::string::npos) << all;
 }
 
-template <class Api>
-void arguments(bench<Api>& b) {
-    integers const in{1, 2, 3, 4, 5, 6, 7, 8};
-    auto out = b.store(integers(8));
+SCENARIO(arguments, "kernel arguments", 100) {
+    numbers const in{1, 2, 3, 4, 5, 6, 7, 8};
+    auto out = b.store(numbers(8));
     auto constants = b.store(in);
     auto picture = b.context.create_image_2d(Api::mem_flags::read_only,
                                              {Api::image_channel_order::rgba, Api::image_channel_type::unsigned_int8},
                                              5, 1, 0, nullptr);
     auto kernel = b.function(source, out, constants, typename Api::local_memory(32), 10, picture);
     b.launch(kernel, 8, 8);
-    EXPECT_EQ(b.load(out), (integers{85, 75, 65, 55, 45, 35, 25, 15}));
+    EXPECT_EQ(b.load(out), (numbers{85, 75, 65, 55, 45, 35, 25, 15}));
     auto copied = b.function("__kernel void f(__global int* out, __global int* in) { *out = in == 0 ? 1 : 2; }", out);
     copied.set_argument(1, nullptr);
     b.launch(copied, 1);
@@ -69,8 +63,7 @@ void arguments(bench<Api>& b) {
     EXPECT_THROW(kernel.set_argument(5, out), common::invalid_arg_index);
 }
 
-template <class Api>
-void argument_info(bench<Api>& b) {
+SCENARIO(argument_info, "kernel argument info", 120) {
     auto const kernel = b.build(source, "-cl-kernel-arg-info").create_kernel("f");
     struct row {
         cl_kernel_arg_address_qualifier address;
@@ -96,9 +89,8 @@ void argument_info(bench<Api>& b) {
     EXPECT_THROW(kernel.argument_name(index), common::logic_error);
 }
 
-template <class Api>
-void clones(bench<Api>& b) {
-    auto out = b.store(integers(1));
+SCENARIO(clones, "kernel clones", 100) {
+    auto out = b.store(numbers(1));
     auto const result_of = [&](typename Api::kernel const& kernel) {
         b.launch(kernel, 1);
         return b.load(out).front();
@@ -161,14 +153,13 @@ void expect_local_size(bench<Api>& b, typename Api::kernel const& kernel, std::s
     }
 }
 
-template <class Api>
-void sub_groups(bench<Api>& b) {
+SCENARIO(sub_groups, "sub-groups", 210) {
     if (b.device.max_num_sub_groups() == 0) {
         auto const kernel = b.build("__kernel void f() {}").create_kernel("f");
         EXPECT_THROW(kernel.get_max_num_sub_groups(b.device), common::invalid_operation);
         skip("the device has no sub-groups");
     }
-    auto sizes = b.store(integers(2));
+    auto sizes = b.store(numbers(2));
     auto kernel = b.function("#pragma OPENCL EXTENSION cl_khr_subgroups : enable\n"
                              "__kernel void f(__global int* sizes) { if (get_global_id(0) == 0) {"
                              "  sizes[0] = get_max_sub_group_size(); sizes[1] = get_num_sub_groups(); } }",
@@ -177,7 +168,7 @@ void sub_groups(bench<Api>& b) {
     auto const largest = kernel.get_max_sub_group_size_for_nd_range(b.device, local);
     auto const count = kernel.get_sub_group_count_for_nd_range(b.device, local);
     b.launch(kernel, 40, 40);
-    EXPECT_EQ(b.load(sizes), (integers{static_cast<std::int32_t>(largest), static_cast<std::int32_t>(count)}));
+    EXPECT_EQ(b.load(sizes), (numbers{static_cast<std::int32_t>(largest), static_cast<std::int32_t>(count)}));
     expect_sub_groups(b, kernel, local);
     expect_sub_groups(b, kernel, std::array<std::size_t, 2>{16, 4});
     expect_sub_groups(b, kernel, std::array<std::size_t, 3>{8, 4, 2});
@@ -187,14 +178,4 @@ void sub_groups(bench<Api>& b) {
 }
 
 } // namespace
-
-void add_kernels() {
-    add_scenario<100>("kernel_queries", "kernel queries", [](auto& b) { queries(b); });
-    add_scenario<100>("arguments", "kernel arguments", [](auto& b) { arguments(b); });
-    add_scenario<120>("argument_info", "kernel argument info", [](auto& b) { argument_info(b); });
-    add_scenario<120>("attributes", "kernel attributes", [](auto& b) { attributes(b); });
-    add_scenario<100>("clones", "kernel clones", [](auto& b) { clones(b); });
-    add_scenario<210>("sub_groups", "sub-groups", [](auto& b) { sub_groups(b); });
-}
-
 } // namespace real

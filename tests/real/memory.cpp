@@ -1,15 +1,11 @@
 #include "c_answers.hpp"
-#include "objects.hpp"
 
 #include <numeric>
 
 namespace real {
 namespace {
 
-using integers = std::vector<std::int32_t>;
-
-template <class Api>
-void fresh_objects_count(bench<Api>& b) {
+SCENARIO(counts_references, "reference counts", 100) {
     auto const context = Api::create_context(b.device);
     expect_counted(context);
     expect_counted(b.queue);
@@ -22,9 +18,8 @@ void fresh_objects_count(bench<Api>& b) {
     }
 }
 
-template <class Api>
-void buffers(bench<Api>& b) {
-    integers sent{1, -2, 3, -4};
+SCENARIO(buffers, "buffers", 100) {
+    numbers sent{1, -2, 3, -4};
     auto plain = b.context.create_buffer(Api::mem_flags::read_write, 16, nullptr);
     b.run(typename Api::write_buffer(plain, true, 0, 16, sent.data()));
     EXPECT_EQ(b.load(plain), sent);
@@ -39,15 +34,14 @@ void buffers(bench<Api>& b) {
     auto const copied = b.store(sent);
     auto const same = copied;
     sent[0] = 9;
-    EXPECT_EQ(b.load(same), (integers{1, -2, 3, -4}));
+    EXPECT_EQ(b.load(same), (numbers{1, -2, 3, -4}));
     EXPECT_THROW(b.context.create_buffer(Api::mem_flags::read_write, 0, nullptr), common::invalid_buffer_size);
 }
 
-template <class Api>
-void sub_buffers(bench<Api>& b) {
+SCENARIO(sub_buffers, "sub-buffers", 110) {
     std::size_t const origin = b.device.mem_base_addr_align() / 8;
     std::size_t const count = origin / sizeof(std::int32_t);
-    integers values(3 * count);
+    numbers values(3 * count);
     std::iota(values.begin(), values.end(), 0);
     auto parent = b.store(values);
     auto region = b.context.create_sub_buffer(parent, Api::mem_flags::read_write, origin, origin);
@@ -55,7 +49,7 @@ void sub_buffers(bench<Api>& b) {
     EXPECT_EQ(region.size(), origin);
     EXPECT_EQ(raw_of(region.parent_buffer()), raw_of(parent));
     auto const middle = values.begin() + static_cast<std::ptrdiff_t>(count);
-    EXPECT_EQ(b.load(region), integers(middle, middle + static_cast<std::ptrdiff_t>(count)));
+    EXPECT_EQ(b.load(region), numbers(middle, middle + static_cast<std::ptrdiff_t>(count)));
     b.launch(b.function("__kernel void f(__global int* values) { values[get_global_id(0)] *= 2; }", region), count);
     for (std::size_t i = count; i < 2 * count; ++i) {
         values[i] *= 2;
@@ -65,8 +59,7 @@ void sub_buffers(bench<Api>& b) {
                  common::invalid_value);
 }
 
-template <class Api>
-void pipes(bench<Api>& b) {
+SCENARIO(pipes, "pipes", 200) {
     auto pipe = b.context.create_pipe(Api::mem_flags::read_write | Api::mem_flags::host_no_access, 4, 16);
     EXPECT_EQ(pipe.packet_size(), 4U);
     EXPECT_EQ(pipe.max_packets(), 16U);
@@ -77,14 +70,14 @@ void pipes(bench<Api>& b) {
                 "__kernel void get(__read_only pipe int p, __global int* sum)"
                 "{ int v; if (read_pipe(p, &v) == 0) atomic_add(sum, v); }",
                 "-cl-std=CL2.0");
-    auto sum = b.store(integers{0});
+    auto sum = b.store(numbers{0});
     auto put = program.create_kernel("put");
     auto get = program.create_kernel("get");
     b.set_arguments(put, pipe);
     b.set_arguments(get, pipe, sum);
     b.launch(put, 16);
     b.launch(get, 16);
-    EXPECT_EQ(b.load(sum), integers{7 * 120});
+    EXPECT_EQ(b.load(sum), numbers{7 * 120});
     EXPECT_THROW(b.context.create_pipe(Api::mem_flags::read_write, 0, 16), common::invalid_pipe_size);
 }
 
@@ -103,13 +96,12 @@ struct sample {
 
 constexpr int clamp_to_edge = 0x1131, clamp = 0x1132, repeat = 0x1133, mirrored_repeat = 0x1134;
 
-template <class Api>
-void samplers(bench<Api>& b) {
-    integers pixels{10, 20, 30, 40};
+SCENARIO(sampled_reads, "samplers in kernels", 100) {
+    numbers pixels{10, 20, 30, 40};
     auto image = b.context.create_image_2d(Api::mem_flags::read_only | Api::mem_flags::copy_host_ptr,
                                            {Api::image_channel_order::r, Api::image_channel_type::signed_int32}, 4, 1,
                                            0, pixels.data());
-    auto result = b.store(integers{0});
+    auto result = b.store(numbers{0});
     auto program = b.build("__kernel void f(__global int* out, __read_only image2d_t image, sampler_t s, float x)"
                            "{ *out = read_imagei(image, s, (float2)(x, 0.0f)).x; }");
     auto kernel = program.create_kernel("f");
@@ -126,12 +118,11 @@ void samplers(bench<Api>& b) {
         auto sampler = b.context.create_sampler(each.normalized, addressing<Api>(each.mode), filter<Api>::nearest);
         b.set_arguments(kernel, result, image, sampler, each.x);
         b.launch(kernel, 1);
-        EXPECT_EQ(b.load(result), integers{each.expected}) << each.mode << " at " << each.x;
+        EXPECT_EQ(b.load(result), numbers{each.expected}) << each.mode << " at " << each.x;
     }
 }
 
-template <class Api>
-void sampler_modes(bench<Api>& b) {
+SCENARIO(sampler_modes, "samplers", 100) {
     for (bool const normalized : {false, true}) {
         for (int const mode : {0x1130, clamp_to_edge, clamp, repeat, mirrored_repeat}) {
             bool const repeats = mode == repeat || mode == mirrored_repeat;
@@ -151,14 +142,4 @@ void sampler_modes(bench<Api>& b) {
 }
 
 } // namespace
-
-void add_memory_objects() {
-    add_scenario<100>("counts_references", "reference counts", [](auto& b) { fresh_objects_count(b); });
-    add_scenario<100>("buffers", "buffers", [](auto& b) { buffers(b); });
-    add_scenario<110>("sub_buffers", "sub-buffers", [](auto& b) { sub_buffers(b); });
-    add_scenario<200>("pipes", "pipes", [](auto& b) { pipes(b); });
-    add_scenario<100>("sampler_modes", "samplers", [](auto& b) { sampler_modes(b); });
-    add_scenario<100>("sampled_reads", "samplers in kernels", [](auto& b) { samplers(b); });
-}
-
 } // namespace real

@@ -1,4 +1,4 @@
-#include "commands.hpp"
+#include "support.hpp"
 
 namespace real {
 namespace {
@@ -30,15 +30,6 @@ void open(Gate& gate, Event& held) {
     }
 }
 
-template <class Api>
-bool out_of_order_supported(bench<Api>& b) {
-    if constexpr (Api::number < 200) {
-        return b.device.out_of_order_command_queue_supported();
-    } else {
-        return b.device.host_out_of_order_command_queue_supported();
-    }
-}
-
 constexpr char const* combine_source = R"(
 kernel void f(global int const* a, global int const* b, global int* out, int product) {
     size_t const i = get_global_id(0);
@@ -46,7 +37,7 @@ kernel void f(global int const* a, global int const* b, global int* out, int pro
 })";
 
 // Two commands wait for the first and the last for both; nothing starts before all are enqueued.
-auto const runs_diamond = []<class Api>(bench<Api>& b) {
+SCENARIO(runs_a_diamond_in_order, "wait lists", 100) {
     auto const values = counting(64);
     auto first = b.store(numbers(64)), threes = b.store(numbers(64, 3));
     auto left = b.store(numbers(64)), right = b.store(numbers(64)), last = b.store(numbers(64));
@@ -69,16 +60,22 @@ auto const runs_diamond = []<class Api>(bench<Api>& b) {
     numbers expected;
     std::ranges::transform(values, std::back_inserter(expected), [](auto value) { return (value + 3) * value * 3; });
     EXPECT_EQ(result, expected);
-};
+}
 
-template <class Scenario>
-auto out_of_order(Scenario scenario) {
-    return [scenario]<class Api>(bench<Api>& b) {
-        b.queue = Api::create_queue(b.context, b.device, true, false);
-        EXPECT_TRUE(out_of_order_supported(b) || b.name == "rusticl"); // makes one since 2.0, of which it says no
-        EXPECT_TRUE(b.queue.out_of_order_execution_enabled());
-        scenario(b);
-    };
+template <class Api>
+void make_out_of_order(bench<Api>& b) {
+    b.queue = Api::create_queue(b.context, b.device, true, false);
+    if constexpr (Api::number < 200) {
+        EXPECT_TRUE(b.device.out_of_order_command_queue_supported());
+    } else { // rusticl makes one of which it says no
+        EXPECT_TRUE(b.device.host_out_of_order_command_queue_supported() || b.name == "rusticl");
+    }
+    EXPECT_TRUE(b.queue.out_of_order_execution_enabled());
+}
+
+SCENARIO(runs_a_diamond_out_of_order, "out-of-order queues", 100) {
+    make_out_of_order(b);
+    runs_a_diamond_in_order(b);
 }
 
 template <class Api>
@@ -93,7 +90,7 @@ typename Api::event mark(typename Api::host_queue& queue, Api) {
     }
 }
 
-auto const keeps_order_by_barriers = []<class Api>(bench<Api>& b) {
+SCENARIO(marks_and_bars_in_order, "markers and barriers", 100) {
     auto const values = counting(64);
     auto first = b.store(numbers(64)), second = b.store(numbers(64));
     auto gate = make_gate(b);
@@ -104,9 +101,15 @@ auto const keeps_order_by_barriers = []<class Api>(bench<Api>& b) {
     b.wait_for(marker);
     EXPECT_EQ(marker.execution_status(), Api::event_execution_status::complete);
     EXPECT_EQ(b.load(second), values);
-};
+}
 
-auto const waits_for_listed_events = []<class Api>(bench<Api>& b) {
+SCENARIO(keeps_order_by_barriers, "out-of-order queues", 100) {
+    make_out_of_order(b);
+    marks_and_bars_in_order(b);
+}
+
+SCENARIO(waits_for_listed_events, "out-of-order queues", 120) {
+    make_out_of_order(b);
     auto const values = counting(64);
     auto first = b.store(numbers(64)), second = b.store(numbers(64));
     auto promise = b.context.create_user_event();
@@ -121,18 +124,18 @@ auto const waits_for_listed_events = []<class Api>(bench<Api>& b) {
     promise.set_status_success();
     b.wait_for(marker, barrier);
     EXPECT_EQ(b.load(second), values);
-};
+}
 
-auto const enqueues_wait_for_events = []<class Api>(bench<Api>& b) {
+SCENARIO(enqueues_wait_for_events, "waits for events in a queue", 100, 100) {
     auto first = b.store(counting(64)), second = b.store(numbers(64)), third = b.store(numbers(64));
     auto const copied = b.queue.enqueue_command(typename Api::copy_buffer(first, second, 0, 0, 64 * 4));
     auto const list = raw_of(copied);
     b.queue.enqueue_wait_for_events(1, &list);
     b.run(typename Api::copy_buffer(second, third, 0, 0, 64 * 4));
     EXPECT_EQ(b.load(third), counting(64));
-};
+}
 
-auto const switches_properties_on = []<class Api>(bench<Api>& b) {
+SCENARIO(switches_properties_on, "queue properties switched on", 100, 100) {
     b.queue.enable_profiling();
     b.queue.enable_out_of_order_execution();
     if (b.name == "oclgrind") {
@@ -140,9 +143,9 @@ auto const switches_properties_on = []<class Api>(bench<Api>& b) {
     }
     EXPECT_TRUE(b.queue.profiling_enabled());
     EXPECT_TRUE(b.queue.out_of_order_execution_enabled());
-};
+}
 
-auto const answers_queries = []<class Api>(bench<Api>& b) {
+SCENARIO(answers_queries_of_queues, "queue queries", 100) {
     auto profiled = Api::create_queue(b.context, b.device, false, true);
     EXPECT_TRUE(profiled.profiling_enabled());
     EXPECT_FALSE(profiled.out_of_order_execution_enabled());
@@ -161,19 +164,7 @@ auto const answers_queries = []<class Api>(bench<Api>& b) {
         EXPECT_TRUE(written.has_associated_command_queue());
         EXPECT_EQ(written.get_context(), b.context);
     }
-};
-
-} // namespace
-
-void add_queues() {
-    add_scenario<100>("runs_a_diamond_in_order", "wait lists", runs_diamond);
-    add_scenario<100>("runs_a_diamond_out_of_order", "out-of-order queues", out_of_order(runs_diamond));
-    add_scenario<100>("keeps_order_by_barriers", "out-of-order queues", out_of_order(keeps_order_by_barriers));
-    add_scenario<100>("marks_and_bars_in_order", "markers and barriers", keeps_order_by_barriers);
-    add_scenario<120>("waits_for_listed_events", "out-of-order queues", out_of_order(waits_for_listed_events));
-    add_scenario<100, 100>("enqueues_wait_for_events", "waits for events in a queue", enqueues_wait_for_events);
-    add_scenario<100, 100>("switches_properties_on", "queue properties switched on", switches_properties_on);
-    add_scenario<100>("answers_queries_of_queues", "queue queries", answers_queries);
 }
 
+} // namespace
 } // namespace real

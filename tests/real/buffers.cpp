@@ -1,4 +1,4 @@
-#include "commands.hpp"
+#include "support.hpp"
 
 namespace real {
 namespace {
@@ -24,7 +24,7 @@ void copy_box(bytes const& source, placement const& from, bytes& destination, pl
     }
 }
 
-auto const reads_writes_and_copies = []<class Api>(bench<Api>& b) {
+SCENARIO(reads_writes_and_copies_buffers, "buffer commands", 100) {
     auto const values = counting(64);
     auto source = b.store(numbers(64));
     auto destination = b.store(numbers(64));
@@ -38,10 +38,10 @@ auto const reads_writes_and_copies = []<class Api>(bench<Api>& b) {
     std::copy_n(values.begin(), 32, expected.begin() + 2);
     EXPECT_EQ(b.load(destination), expected);
     EXPECT_THROW(b.run(typename Api::read_buffer(source, true, 0, 65 * 4, expected.data())), common::invalid_value);
-};
+}
 
 // A box goes from the host to one buffer, to another and back, with pitches of its own at each place.
-auto const copies_rectangles = []<class Api>(bench<Api>& b) {
+SCENARIO(copies_rectangles, "rectangle commands", 110) {
     box const region{5, 3, 2};
     placement const sent{{1, 2, 1}, 16, 80}, first{{3, 1, 0}, 10, 50}, second{{0, 2, 1}, 8, 48},
         received{{2, 0, 0}, 7, 21};
@@ -67,7 +67,7 @@ auto const copies_rectangles = []<class Api>(bench<Api>& b) {
     b.run(typename Api::read_buffer_rect(other, true, second.origin, {0, 0, 0}, region, 8, 48, 0, 0, result.data()));
     copy_box(host, sent, expected, {{0, 0, 0}, 5, 15}, region);
     EXPECT_EQ(bytes(result.begin(), result.begin() + 30), bytes(expected.begin(), expected.begin() + 30));
-};
+}
 
 bytes between_zeros(bytes const& pattern, std::size_t count) {
     bytes expected(pattern.size());
@@ -98,16 +98,16 @@ void fills_with_pattern(bench<Api>& b) {
     EXPECT_EQ(b.template load<unsigned char>(target), between_zeros(pattern, 3)) << Size;
 }
 
-auto const fills = []<class Api>(bench<Api>& b) {
+SCENARIO(fills_buffers, "buffer fills", 120) {
     [&]<std::size_t... Power>(std::index_sequence<Power...>) { (fills_with_pattern<std::size_t{1} << Power>(b), ...); }
     (std::make_index_sequence<8>{});
     auto target = b.store(std::vector<float>(4));
     b.run(typename Api::template fill_buffer<float>(target, 1.5F, 4, 2));
     EXPECT_EQ(b.template load<float>(target), (std::vector<float>{0, 1.5F, 1.5F, 0}));
     EXPECT_THROW(b.run(typename Api::fill_buffer_bytes(target, {}, 0, 1)), common::invalid_value);
-};
+}
 
-auto const maps = []<class Api>(bench<Api>& b) {
+SCENARIO(maps_buffers, "buffer maps", 100) {
     using flags = typename Api::map_flags;
     auto expected = counting(64);
     auto target = b.store(expected);
@@ -131,18 +131,18 @@ auto const maps = []<class Api>(bench<Api>& b) {
     EXPECT_THROW(b.run(typename Api::map_buffer(untouched, target, true, flags::read, 0, 65 * 4)),
                  common::invalid_value);
     EXPECT_EQ(untouched, &expected);
-};
+}
 
-auto const maps_without_reading = []<class Api>(bench<Api>& b) {
+SCENARIO(maps_buffers_without_reading, "buffer maps", 120) {
     auto target = b.store(counting(8));
     void* mapped = nullptr;
     b.run(typename Api::map_buffer(mapped, target, true, Api::map_flags::write_invalidate_region, 8, 8));
     std::fill_n(static_cast<std::int32_t*>(mapped), 2, 99);
     b.run(typename Api::unmap_mem_object(target, mapped));
     EXPECT_EQ(b.load(target), (numbers{1, 2, 99, 99, 5, 6, 7, 8}));
-};
+}
 
-auto const migrates = []<class Api>(bench<Api>& b) {
+SCENARIO(migrates_memory_objects, "migration", 120) {
     auto first = b.store(counting(16));
     auto second = b.store(counting(16, 100));
     std::vector<_nq_cl_mem*> const both{raw_of(first), raw_of(second)};
@@ -156,17 +156,7 @@ auto const migrates = []<class Api>(bench<Api>& b) {
     b.run(typename Api::write_buffer(first, true, 0, 64, values.data()));
     b.wait_for(moved);
     EXPECT_EQ(b.load(first), values);
-};
-
-} // namespace
-
-void add_buffer_commands() {
-    add_scenario<100>("reads_writes_and_copies_buffers", "buffer commands", reads_writes_and_copies);
-    add_scenario<110>("copies_rectangles", "rectangle commands", copies_rectangles);
-    add_scenario<120>("fills_buffers", "buffer fills", fills);
-    add_scenario<100>("maps_buffers", "buffer maps", maps);
-    add_scenario<120>("maps_buffers_without_reading", "buffer maps", maps_without_reading);
-    add_scenario<120>("migrates_memory_objects", "migration", migrates);
 }
 
+} // namespace
 } // namespace real

@@ -1,5 +1,4 @@
 #include "c_answers.hpp"
-#include "objects.hpp"
 
 #include <nq/commands.hpp>
 #include <nq/nq.hpp>
@@ -11,30 +10,27 @@
 namespace real {
 namespace {
 
-using integers = std::vector<std::int32_t>;
-
 char const* const two_kernels = "__kernel void doubles(__global int* v) { v[get_global_id(0)] *= 2; }"
                                 "__kernel void negates(__global int* v) { v[get_global_id(0)] *= SIGN; }";
 
-integers const sent{1, 2, 3, -4};
+numbers const sent{1, 2, 3, -4};
 
 /// What a kernel with one buffer as its argument makes of `sent`.
 template <class Api>
-integers result_of(bench<Api>& b, typename Api::kernel kernel) {
+numbers result_of(bench<Api>& b, typename Api::kernel kernel) {
     auto values = b.store(sent);
     b.set_arguments(kernel, values);
     b.launch(kernel, sent.size());
     return b.load(values);
 }
 
-integers negated(int summand = 0) {
-    integers values = sent;
+numbers negated(int summand = 0) {
+    numbers values = sent;
     std::ranges::for_each(values, [=](auto& value) { value = -(value + summand); });
     return values;
 }
 
-template <class Api>
-void from_source(bench<Api>& b) {
+SCENARIO(source, "programs from source", 100) {
     auto program = b.context.create_program_from_source(two_kernels);
     EXPECT_EQ(program.source_code(), two_kernels);
     program.build({}, "-DSIGN=-1", nullptr, nullptr);
@@ -55,8 +51,7 @@ void from_source(bench<Api>& b) {
     }
 }
 
-template <class Api>
-void with_syntax_error(bench<Api>& b) {
+SCENARIO(syntax_error, "programs with an error", 100) {
     auto program = b.context.create_program_from_source("__kernel void f() { this is no OpenCL C }");
     program.build({b.device}, "", nullptr, nullptr);
     EXPECT_EQ(static_cast<int>(program.build_status(b.device)), CL_BUILD_ERROR);
@@ -64,8 +59,7 @@ void with_syntax_error(bench<Api>& b) {
     EXPECT_THROW(program.create_kernel("f"), common::opencl_error);
 }
 
-template <class Api>
-void from_binaries(bench<Api>& b) {
+SCENARIO(binaries, "programs from binaries", 100) {
     auto const binaries = b.build(two_kernels, "-DSIGN=-1").binaries();
     ASSERT_EQ(binaries.size(), 1U);
     EXPECT_EQ(binaries.front().device, b.device);
@@ -92,8 +86,7 @@ typename Api::program compile(bench<Api>& b, char const* source) {
     return program;
 }
 
-template <class Api>
-void linked_alone(bench<Api>& b) {
+SCENARIO(linked_alone, "programs compiled and linked", 120) {
     auto const compiled = compile(b, "__kernel void f(__global int* v) { v[get_global_id(0)] *= -1; }");
     EXPECT_EQ(static_cast<int>(compiled.binary_type(b.device)), CL_PROGRAM_BINARY_TYPE_COMPILED_OBJECT);
     auto program = b.context.link_programs({}, {compiled}, "", nullptr, nullptr);
@@ -102,8 +95,7 @@ void linked_alone(bench<Api>& b) {
     EXPECT_EQ(result_of(b, program.create_kernel("f")), negated());
 }
 
-template <class Api>
-void linked(bench<Api>& b) {
+SCENARIO(linked, "programs linked from two", 120) {
     auto const caller = compile(b, "int negate(int); __kernel void f(__global int* v)"
                                    "{ v[get_global_id(0)] = negate(v[get_global_id(0)]); }");
     auto const callee = compile(b, "int negate(int value) { return -value; }");
@@ -123,19 +115,17 @@ std::vector<unsigned char> const& intermediate_language() {
     return module;
 }
 
-template <class Api>
-void from_il(bench<Api>& b) {
+SCENARIO(il, "intermediate language", 210) {
     ASSERT_FALSE(intermediate_language().empty());
     auto program = b.context.create_program_from_il(intermediate_language());
     EXPECT_EQ(program.il(), intermediate_language());
     EXPECT_EQ(program.source_code(), "");
     b.build(program);
-    EXPECT_EQ(result_of(b, program.create_kernel("f")), (integers{101, 102, 103, 96}));
+    EXPECT_EQ(result_of(b, program.create_kernel("f")), (numbers{101, 102, 103, 96}));
     EXPECT_TRUE(b.build(two_kernels, "-DSIGN=1").il().empty());
 }
 
-template <class Api>
-void specialized(bench<Api>& b) {
+SCENARIO(specialized, "specialization constants", 220) {
     auto program = b.context.create_program_from_il(intermediate_language());
     auto other = b.context.create_program_from_il(intermediate_language());
     std::int32_t const summand = 5;
@@ -144,12 +134,11 @@ void specialized(bench<Api>& b) {
     b.build(program);
     b.build(other);
     EXPECT_EQ(result_of(b, program.create_kernel("f")), negated(5));
-    EXPECT_EQ(result_of(b, other.create_kernel("f")), (integers{101, 102, 103, 96}));
+    EXPECT_EQ(result_of(b, other.create_kernel("f")), (numbers{101, 102, 103, 96}));
     EXPECT_THROW(other.set_specialization_constant(9, true), common::invalid_spec_id);
 }
 
-template <class Api>
-void from_builtin_kernels(bench<Api>& b) {
+SCENARIO(builtin_kernels, "built-in kernels", 120) {
     auto const names = b.device.built_in_kernels();
     if (names.empty()) {
         skip("the device lists no built-in kernels");
@@ -160,8 +149,7 @@ void from_builtin_kernels(bench<Api>& b) {
     }
 }
 
-template <class Api>
-void program_scope(bench<Api>& b) {
+SCENARIO(program_scope, "program scope queries", 200) {
     auto const program = b.build(two_kernels, "-DSIGN=1");
     auto const raw = reinterpret_cast<cl_program>(raw_of(program));
     auto const device = reinterpret_cast<cl_device_id>(raw_of(b.device));
@@ -182,8 +170,7 @@ void program_scope(bench<Api>& b) {
     }
 }
 
-template <class Api>
-void release_callback(bench<Api>& b) {
+SCENARIO(release_callback, "program release callbacks", 220) {
     int calls = 0;
     {
         auto program = b.context.create_program_from_source(two_kernels);
@@ -193,18 +180,4 @@ void release_callback(bench<Api>& b) {
 }
 
 } // namespace
-
-void add_programs() {
-    add_scenario<100>("source", "programs from source", [](auto& b) { from_source(b); });
-    add_scenario<100>("syntax_error", "programs with an error", [](auto& b) { with_syntax_error(b); });
-    add_scenario<100>("binaries", "programs from binaries", [](auto& b) { from_binaries(b); });
-    add_scenario<120>("linked_alone", "programs compiled and linked", [](auto& b) { linked_alone(b); });
-    add_scenario<120>("linked", "programs linked from two", [](auto& b) { linked(b); });
-    add_scenario<120>("builtin_kernels", "built-in kernels", [](auto& b) { from_builtin_kernels(b); });
-    add_scenario<200>("program_scope", "program scope queries", [](auto& b) { program_scope(b); });
-    add_scenario<210>("il", "intermediate language", [](auto& b) { from_il(b); });
-    add_scenario<220>("specialized", "specialization constants", [](auto& b) { specialized(b); });
-    add_scenario<220>("release_callback", "program release callbacks", [](auto& b) { release_callback(b); });
-}
-
 } // namespace real
