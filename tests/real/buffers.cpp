@@ -3,27 +3,6 @@
 namespace real {
 namespace {
 
-/// How a box of bytes lies in memory.
-struct placement {
-    box origin;
-    std::size_t row_pitch;
-    std::size_t slice_pitch;
-
-    std::size_t index(std::size_t x, std::size_t y, std::size_t z) const {
-        return (origin[2] + z) * slice_pitch + (origin[1] + y) * row_pitch + origin[0] + x;
-    }
-};
-
-void copy_box(bytes const& source, placement const& from, bytes& destination, placement const& to, box const& region) {
-    for (std::size_t z = 0; z < region[2]; ++z) {
-        for (std::size_t y = 0; y < region[1]; ++y) {
-            for (std::size_t x = 0; x < region[0]; ++x) {
-                destination.at(to.index(x, y, z)) = source.at(from.index(x, y, z));
-            }
-        }
-    }
-}
-
 SCENARIO(reads_writes_and_copies_buffers, "buffer commands", 100) {
     auto const values = counting(64);
     auto source = b.store(numbers(64));
@@ -40,62 +19,57 @@ SCENARIO(reads_writes_and_copies_buffers, "buffer commands", 100) {
     EXPECT_THROW(b.run(typename Api::read_buffer(source, true, 0, 65 * 4, expected.data())), common::invalid_value);
 }
 
+/// Where a box of 5 x 3 x 2 bytes lies, in rows of `rows[0]` bytes and slices of `rows[1]` rows.
+struct placement {
+    box origin;
+    box rows;
+
+    region part() const { return {origin, {5, 3, 2}}; }
+    std::size_t row_pitch() const { return rows[0]; }
+    std::size_t slice_pitch() const { return rows[0] * rows[1]; }
+};
+
 // A box goes from the host to one buffer, to another and back, with pitches of its own at each place.
 SCENARIO(copies_rectangles, "rectangle commands", 110) {
-    box const region{5, 3, 2};
-    placement const sent{{1, 2, 1}, 16, 80}, first{{3, 1, 0}, 10, 50}, second{{0, 2, 1}, 8, 48},
-        received{{2, 0, 0}, 7, 21};
+    placement const sent{{1, 2, 1}, {16, 5}}, first{{3, 1, 0}, {10, 5}}, second{{0, 2, 1}, {8, 6}},
+        received{{2, 0, 0}, {7, 3}}, tight{{0, 0, 0}, {5, 3}};
+    box const size = sent.part().size;
     auto const host = counting<unsigned char>(256);
-    auto store = b.store(bytes(160));
-    auto other = b.store(bytes(160));
-    bytes result(64);
-    b.run(typename Api::write_buffer_rect(store, false, first.origin, sent.origin, region, first.row_pitch,
-                                          first.slice_pitch, sent.row_pitch, sent.slice_pitch, host.data()));
-    b.run(typename Api::copy_buffer_rect(store, other, first.origin, second.origin, region, first.row_pitch,
-                                         first.slice_pitch, second.row_pitch, second.slice_pitch));
-    b.run(typename Api::read_buffer_rect(other, true, second.origin, received.origin, region, second.row_pitch,
-                                         second.slice_pitch, received.row_pitch, received.slice_pitch, result.data()));
-    bytes expected(160);
-    copy_box(host, sent, expected, first, region);
-    EXPECT_EQ(b.template load<unsigned char>(store), expected);
-    expected.assign(160, 0);
-    copy_box(host, sent, expected, second, region);
-    EXPECT_EQ(b.template load<unsigned char>(other), expected);
-    expected.assign(64, 0);
-    copy_box(host, sent, expected, received, region);
-    EXPECT_EQ(result, expected);
-    b.run(typename Api::read_buffer_rect(other, true, second.origin, {0, 0, 0}, region, 8, 48, 0, 0, result.data()));
-    copy_box(host, sent, expected, {{0, 0, 0}, 5, 15}, region);
-    EXPECT_EQ(bytes(result.begin(), result.begin() + 30), bytes(expected.begin(), expected.begin() + 30));
+    auto store = b.store(bytes(160)), other = b.store(bytes(160));
+    bytes result(64), packed(30);
+    b.run(typename Api::write_buffer_rect(store, false, first.origin, sent.origin, size, first.row_pitch(),
+                                          first.slice_pitch(), sent.row_pitch(), sent.slice_pitch(), host.data()));
+    b.run(typename Api::copy_buffer_rect(store, other, first.origin, second.origin, size, first.row_pitch(),
+                                         first.slice_pitch(), second.row_pitch(), second.slice_pitch()));
+    b.run(typename Api::read_buffer_rect(other, true, second.origin, received.origin, size, second.row_pitch(),
+                                         second.slice_pitch(), received.row_pitch(), received.slice_pitch(),
+                                         result.data()));
+    b.run(typename Api::read_buffer_rect(other, true, second.origin, {0, 0, 0}, size, 8, 48, 0, 0, packed.data()));
+    auto const expect = [&](bytes const& found, placement const& at) {
+        bytes expected(found.size());
+        put(taken(host, sent.part(), sent.rows), at.part(), expected, at.rows);
+        EXPECT_EQ(found, expected);
+    };
+    expect(b.template load<unsigned char>(store), first);
+    expect(b.template load<unsigned char>(other), second);
+    expect(result, received);
+    expect(packed, tight);
 }
 
-bytes between_zeros(bytes const& pattern, std::size_t count) {
-    bytes expected(pattern.size());
-    for (std::size_t i = 0; i < count; ++i) {
-        expected.insert(expected.end(), pattern.begin(), pattern.end());
-    }
-    expected.resize(expected.size() + pattern.size());
-    return expected;
-}
-
+// Each of the three commands overwrites a part of what the one before has filled.
 template <std::size_t Size, class Api>
 void fills_with_pattern(bench<Api>& b) {
-    auto const pattern = counting<unsigned char>(Size, 3);
-    auto other = pattern;
-    std::ranges::reverse(other);
-    auto target = b.store(bytes(Size * 5));
-    b.run(typename Api::fill_buffer_bytes(target, pattern, Size, 3));
-    EXPECT_EQ(b.template load<unsigned char>(target), between_zeros(pattern, 3)) << Size;
-
-    typename Api::fill_buffer_base fill(target, pattern.data(), Size, Size, 3);
-    fill.update_pattern_pointer(other.data());
+    using element = std::array<unsigned char, Size>;
+    element first{}, second{};
+    std::iota(first.begin(), first.end(), static_cast<unsigned char>(3));
+    std::iota(second.begin(), second.end(), static_cast<unsigned char>(100));
+    auto target = b.store(std::vector<element>(6));
+    b.run(typename Api::fill_buffer_bytes(target, bytes(first.begin(), first.end()), Size, 4));
+    b.run(typename Api::template fill_buffer<element>(target, second, 2 * Size, 2));
+    typename Api::fill_buffer_base fill(target, second.data(), Size, 3 * Size, 1);
+    fill.update_pattern_pointer(first.data());
     b.run(fill);
-    EXPECT_EQ(b.template load<unsigned char>(target), between_zeros(other, 3)) << Size;
-
-    std::array<unsigned char, Size> element{};
-    std::ranges::copy(pattern, element.begin());
-    b.run(typename Api::template fill_buffer<std::array<unsigned char, Size>>(target, element, Size, 3));
-    EXPECT_EQ(b.template load<unsigned char>(target), between_zeros(pattern, 3)) << Size;
+    EXPECT_EQ(b.template load<element>(target), (std::vector<element>{{}, first, second, first, first, {}})) << Size;
 }
 
 SCENARIO(fills_buffers, "buffer fills", 120) {

@@ -22,34 +22,6 @@ using pixels = std::vector<std::uint32_t>; // four channels of 8 bits each
 template <class Api>
 typename Api::image_format const rgba{Api::image_channel_order::rgba, Api::image_channel_type::unsigned_int8};
 
-struct region {
-    box origin;
-    box size;
-
-    std::size_t count() const { return size[0] * size[1] * size[2]; }
-};
-
-/// Calls `use(position in a tight copy of the box, position in an image with rows and layers of the size `whole`)`.
-template <class Use>
-void for_each_pixel(region const& part, box const& whole, Use use) {
-    for (std::size_t next = 0; next < part.count(); ++next) {
-        std::size_t const x = part.origin[0] + next % part.size[0];
-        std::size_t const y = part.origin[1] + next / part.size[0] % part.size[1];
-        std::size_t const z = part.origin[2] + next / part.size[0] / part.size[1];
-        use(next, (z * whole[1] + y) * whole[0] + x);
-    }
-}
-
-void put(pixels const& part, region const& to, pixels& content, box const& whole) {
-    for_each_pixel(to, whole, [&](std::size_t from, std::size_t at) { content.at(at) = part.at(from); });
-}
-
-pixels taken(pixels const& content, region const& from, box const& whole) {
-    pixels part(from.count());
-    for_each_pixel(from, whole, [&](std::size_t to, std::size_t at) { part.at(to) = content.at(at); });
-    return part;
-}
-
 template <class Pixel = std::uint32_t, class Api>
 std::vector<Pixel> read(bench<Api>& b, typename Api::image const& image, region const& part) {
     std::vector<Pixel> content(part.count());
@@ -218,7 +190,7 @@ auto const maps = []<class Api>(bench<Api>& b, kind const& of) {
     box const laid_out{(of.form == shape::one_array ? slice : row) / 4, of.size[2] > 1 ? slice / row : 1, 1};
     auto const replacement = counting<std::uint32_t>(part.count(), 2000);
     pixels found;
-    for_each_pixel({{0, 0, 0}, part.size}, laid_out, [&](std::size_t next, std::size_t at) {
+    for_each_in({{0, 0, 0}, part.size}, laid_out, [&](std::size_t next, std::size_t at) {
         found.push_back(std::exchange(first[at], replacement.at(next)));
     });
     EXPECT_EQ(found, taken(target.expected, part, of.size));

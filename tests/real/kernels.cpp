@@ -10,6 +10,13 @@ char const* const source = "__kernel __attribute__((reqd_work_group_size(8, 1, 1
                            "  barrier(CLK_LOCAL_MEM_FENCE);"
                            "  out[get_global_id(0)] = scratch[7 - get_local_id(0)] + get_image_width(picture); }";
 
+/// The reply of an info query of the C API about a kernel on the device.
+template <class Query, class Api, class... Arguments>
+answer ask_kernel(Query query, bench<Api>& b, typename Api::kernel const& kernel, cl_uint name, Arguments... input) {
+    return ask(query, reinterpret_cast<cl_kernel>(raw_of(kernel)), reinterpret_cast<cl_device_id>(raw_of(b.device)),
+               name, input...);
+}
+
 SCENARIO(kernel_queries, "kernel queries", 100) {
     auto const program = b.build(source);
     auto kernel = typename Api::program(program).create_kernel("f");
@@ -18,23 +25,19 @@ SCENARIO(kernel_queries, "kernel queries", 100) {
     EXPECT_EQ(raw_of(kernel.get_context()), raw_of(b.context));
     EXPECT_EQ(kernel.get_program(), program);
     EXPECT_EQ(kernel.compile_work_group_size(b.device), (std::array<std::size_t, 3>{8, 1, 1}));
-    auto const raw = reinterpret_cast<cl_kernel>(raw_of(kernel));
-    auto const device = reinterpret_cast<cl_device_id>(raw_of(b.device));
-    auto const expect = [&](char const* member, cl_kernel_work_group_info name, auto call) {
-        expect_same<decltype(call())>(member, ask(REAL_C_API(clGetKernelWorkGroupInfo), raw, device, name), call,
-                                      [](auto value) { return value; });
+    auto const same = [&](char const* member, cl_kernel_work_group_info name, auto call) {
+        expect_same(member, ask_kernel(REAL_C_API(clGetKernelWorkGroupInfo), b, kernel, name), call);
     };
-    expect("max_work_group_size", CL_KERNEL_WORK_GROUP_SIZE, [&] { return kernel.max_work_group_size(b.device); });
-    expect("local_mem_size", CL_KERNEL_LOCAL_MEM_SIZE, [&] { return kernel.local_mem_size(b.device); });
+    same("max_work_group_size", CL_KERNEL_WORK_GROUP_SIZE, [&] { return kernel.max_work_group_size(b.device); });
+    same("local_mem_size", CL_KERNEL_LOCAL_MEM_SIZE, [&] { return kernel.local_mem_size(b.device); });
     if constexpr (Api::number >= 110) {
-        expect("preferred_work_group_size_multiple", CL_KERNEL_PREFERRED_WORK_GROUP_SIZE_MULTIPLE,
-               [&] { return kernel.preferred_work_group_size_multiple(b.device); });
-        expect("private_mem_per_work_item", CL_KERNEL_PRIVATE_MEM_SIZE,
-               [&] { return kernel.private_mem_per_work_item(b.device); });
+        same("preferred_work_group_size_multiple", CL_KERNEL_PREFERRED_WORK_GROUP_SIZE_MULTIPLE,
+             [&] { return kernel.preferred_work_group_size_multiple(b.device); });
+        same("private_mem_per_work_item", CL_KERNEL_PRIVATE_MEM_SIZE,
+             [&] { return kernel.private_mem_per_work_item(b.device); });
     }
     if constexpr (Api::number >= 120) {
-        expect("max_global_work_size", CL_KERNEL_GLOBAL_WORK_SIZE,
-               [&] { return kernel.max_global_work_size(b.device); });
+        same("max_global_work_size", CL_KERNEL_GLOBAL_WORK_SIZE, [&] { return kernel.max_global_work_size(b.device); });
     }
 }
 
@@ -47,9 +50,7 @@ SCENARIO(attributes, "kernel attributes", 120) {
 }
 
 SCENARIO(arguments, "kernel arguments", 100) {
-    numbers const in{1, 2, 3, 4, 5, 6, 7, 8};
-    auto out = b.store(numbers(8));
-    auto constants = b.store(in);
+    auto out = b.store(numbers(8)), constants = b.store(counting(8));
     auto picture = b.context.create_image_2d(Api::mem_flags::read_only,
                                              {Api::image_channel_order::rgba, Api::image_channel_type::unsigned_int8},
                                              5, 1, 0, nullptr);
@@ -122,35 +123,14 @@ SCENARIO(clones, "kernel clones", 100) {
 
 template <std::size_t N, class Api>
 void expect_sub_groups(bench<Api>& b, typename Api::kernel const& kernel, std::array<std::size_t, N> const& local) {
-    auto const ask_for = [&](cl_kernel_sub_group_info name) {
-        return ask(REAL_C_API(clGetKernelSubGroupInfo), reinterpret_cast<cl_kernel>(raw_of(kernel)),
-                   reinterpret_cast<cl_device_id>(raw_of(b.device)), name, sizeof local, local.data());
+    auto const same = [&](char const* member, cl_kernel_sub_group_info name, auto call) {
+        auto const query = REAL_C_API(clGetKernelSubGroupInfo);
+        expect_same(member, ask_kernel(query, b, kernel, name, sizeof local, local.data()), call);
     };
-    auto const same = [](std::size_t value) { return value; };
-    expect_same<std::size_t>(
-        "get_max_sub_group_size_for_nd_range", ask_for(CL_KERNEL_MAX_SUB_GROUP_SIZE_FOR_NDRANGE),
-        [&] { return kernel.get_max_sub_group_size_for_nd_range(b.device, local); }, same);
-    expect_same<std::size_t>(
-        "get_sub_group_count_for_nd_range", ask_for(CL_KERNEL_SUB_GROUP_COUNT_FOR_NDRANGE),
-        [&] { return kernel.get_sub_group_count_for_nd_range(b.device, local); }, same);
-}
-
-/// Whether a query reports its size; one that does not is refused by the library.
-bool reports_size(cl_kernel kernel, cl_device_id device, cl_kernel_sub_group_info name) {
-    std::size_t const count = 1;
-    std::size_t size = 0;
-    REAL_C_API(clGetKernelSubGroupInfo)(kernel, device, name, sizeof count, &count, 0, nullptr, &size);
-    return size != 0;
-}
-
-template <class Api>
-void expect_local_size(bench<Api>& b, typename Api::kernel const& kernel, std::size_t count, std::size_t expected) {
-    if (reports_size(reinterpret_cast<cl_kernel>(raw_of(kernel)), reinterpret_cast<cl_device_id>(raw_of(b.device)),
-                     CL_KERNEL_LOCAL_SIZE_FOR_SUB_GROUP_COUNT)) {
-        EXPECT_EQ(kernel.get_local_size_for_sub_group_count(b.device, count), expected);
-    } else {
-        EXPECT_THROW(kernel.get_local_size_for_sub_group_count(b.device, count), common::bad_implementation);
-    }
+    same("get_max_sub_group_size_for_nd_range", CL_KERNEL_MAX_SUB_GROUP_SIZE_FOR_NDRANGE,
+         [&] { return kernel.get_max_sub_group_size_for_nd_range(b.device, local); });
+    same("get_sub_group_count_for_nd_range", CL_KERNEL_SUB_GROUP_COUNT_FOR_NDRANGE,
+         [&] { return kernel.get_sub_group_count_for_nd_range(b.device, local); });
 }
 
 SCENARIO(sub_groups, "sub-groups", 210) {
@@ -172,7 +152,11 @@ SCENARIO(sub_groups, "sub-groups", 210) {
     expect_sub_groups(b, kernel, local);
     expect_sub_groups(b, kernel, std::array<std::size_t, 2>{16, 4});
     expect_sub_groups(b, kernel, std::array<std::size_t, 3>{8, 4, 2});
-    expect_local_size(b, kernel, count, largest * count);
+    std::size_t const one = 1;
+    expect_same("get_local_size_for_sub_group_count",
+                ask_kernel(REAL_C_API(clGetKernelSubGroupInfo), b, kernel, CL_KERNEL_LOCAL_SIZE_FOR_SUB_GROUP_COUNT,
+                           sizeof one, &one),
+                [&] { return kernel.get_local_size_for_sub_group_count(b.device, one); });
     EXPECT_GE(kernel.get_max_num_sub_groups(b.device), count);
     EXPECT_EQ(kernel.compile_num_sub_groups(b.device), 0U);
 }

@@ -3,7 +3,6 @@
 #include <CL/cl.h>
 #include <dlfcn.h>
 
-#include <algorithm>
 #include <atomic>
 #include <cctype>
 #include <chrono>
@@ -12,7 +11,6 @@
 #include <map>
 #include <set>
 #include <stdexcept>
-#include <thread>
 
 namespace real {
 namespace {
@@ -20,8 +18,6 @@ namespace {
 struct skipped : std::runtime_error {
     using runtime_error::runtime_error;
 };
-
-std::string const refused = "refused with status ";
 
 std::map<std::string, std::string> const short_names{{"Portable Computing Language", "pocl"},
                                                      {"rusticl", "rusticl"},
@@ -50,26 +46,28 @@ void expect_no_context() {
     EXPECT_EQ(living_contexts.exchange(0), 0) << "an object of the scenario still holds its context";
 }
 
-/// The known defect of a scenario that matches, or null.
-defect const* find_defect(scenario_name const& name, common::error_code status) {
-    auto const& all = known_defects();
-    auto const found = std::ranges::find_if(all, [&](defect const& each) {
-        return each.implementation == name.implementation && each.feature == name.feature && each.status == status;
-    });
-    return found != all.end() ? &*found : nullptr;
+/// What each implementation does with each feature: by feature, device and outcome, the versions.
+std::map<std::string, std::map<std::string, std::map<std::string, std::set<int>>>> table;
+
+std::string version_text(int version) {
+    return std::to_string(version / 100) + "." + std::to_string(version / 10 % 10);
 }
 
-std::string about(scenario_name const& name) {
-    return name.implementation.empty() ? "" : name.implementation + ", " + name.feature + ": ";
-}
-
-std::string explain(scenario_name const& name, common::opencl_error const& error) {
-    defect const* const known = find_defect(name, error.code());
-    if (known == nullptr && is_known(name.implementation)) {
-        ADD_FAILURE() << "status " << static_cast<int>(error.code()) << ": " << error.what();
+/// One line for each pair. Versions are named only where they differ.
+void print_table() {
+    for (auto const& [feature, devices] : table) {
+        for (auto const& [device, outcomes] : devices) {
+            std::string text;
+            for (auto const& [outcome, in] : outcomes) {
+                text += (text.empty() ? "" : "; ") + outcome;
+                if (outcomes.size() > 1) {
+                    text += " " + version_text(*in.begin());
+                    text += in.size() > 1 ? "-" + version_text(*in.rbegin()) : "";
+                }
+            }
+            std::printf("[ FEATURE  ] %-28s | %-9s | %s\n", feature.c_str(), device.c_str(), text.c_str());
+        }
     }
-    return about(name) + refused + std::to_string(static_cast<int>(error.code())) + ", " +
-           (known != nullptr ? known->reason : error.what());
 }
 
 class scenario_test : public testing::Test {
@@ -77,85 +75,50 @@ public:
     scenario_test(scenario_name const& name, std::function<void()> const& body) : name_(name), body_(body) {}
 
     void TestBody() override {
-        if (defect const* const known = find_defect(name_, common::error_code::success)) {
-            GTEST_SKIP() << about(name_) << known->reason;
-        }
-        run_body();
+        std::string const outcome = run_body();
         expect_no_context();
+        table[name_.feature][name_.device][HasFailure() ? "FAILED" : outcome].insert(name_.version);
     }
 
 private:
-    void run_body() {
+    /// "works", "skipped" or the status of the refusal.
+    std::string run_body() {
+        if (defect const* const known = find_defect(common::error_code::success)) {
+            return leave_out(known->reason, "skipped");
+        }
         try {
             body_();
+            return "works";
         } catch (skipped const& reason) {
-            GTEST_SKIP() << about(name_) << reason.what();
+            return leave_out(reason.what(), "skipped");
         } catch (common::opencl_error const& error) {
-            GTEST_SKIP() << explain(name_, error);
+            defect const* const known = find_defect(error.code());
+            std::string const status = std::to_string(static_cast<int>(error.code()));
+            if (known == nullptr && is_known(name_.implementation)) {
+                ADD_FAILURE() << "status " << status << ": " << error.what();
+            }
+            return leave_out("refused with status " + status + ", " + (known != nullptr ? known->reason : error.what()),
+                             "refused (" + status + ")");
         }
+    }
+
+    /// The known defect of the scenario that matches, or null.
+    defect const* find_defect(common::error_code status) const {
+        auto const& all = known_defects();
+        auto const found = std::ranges::find_if(all, [&](defect const& each) {
+            return each.implementation == name_.implementation && each.feature == name_.feature &&
+                   each.status == status;
+        });
+        return found != all.end() ? &*found : nullptr;
+    }
+
+    std::string leave_out(std::string const& reason, std::string const& outcome) const {
+        [&] { GTEST_SKIP() << name_.implementation << ", " << name_.feature << ": " << reason; }();
+        return outcome;
     }
 
     scenario_name name_;
     std::function<void()> body_;
-};
-
-std::map<std::string, scenario_name> names_of_tests;
-
-/// "works", "skipped", "FAILED" or the status of the refusal.
-std::string outcome_of(testing::TestResult const& result) {
-    if (!result.Skipped()) {
-        return result.Passed() ? "works" : "FAILED";
-    }
-    for (int i = 0; i < result.total_part_count(); ++i) {
-        std::string const text = result.GetTestPartResult(i).message();
-        if (auto const at = text.find(refused); at != std::string::npos) {
-            auto const begin = at + refused.size();
-            return "refused (" + text.substr(begin, text.find(',', begin) - begin) + ")";
-        }
-    }
-    return "skipped";
-}
-
-/// Prints what each implementation does with each feature, one line for each pair.
-class feature_table : public testing::EmptyTestEventListener {
-    using outcomes = std::map<std::string, std::set<int>>;
-
-public:
-    void OnTestEnd(testing::TestInfo const& test) override {
-        auto const found = names_of_tests.find(std::string(test.test_suite_name()) + "." + test.name());
-        if (found != names_of_tests.end()) {
-            auto const& [scenario, feature, implementation, device, version] = found->second;
-            table_[feature][device][outcome_of(*test.result())].insert(version);
-        }
-    }
-
-    void OnTestProgramEnd(testing::UnitTest const&) override {
-        for (auto const& [feature, implementations] : table_) {
-            for (auto const& [implementation, found] : implementations) {
-                std::printf("[ FEATURE  ] %-28s | %-9s | %s\n", feature.c_str(), implementation.c_str(),
-                            text_of(found).c_str());
-            }
-        }
-    }
-
-private:
-    /// Versions are named only where they differ.
-    static std::string text_of(outcomes const& found) {
-        std::string text;
-        for (auto const& [outcome, in] : found) {
-            text += (text.empty() ? "" : "; ") + outcome;
-            if (found.size() > 1) {
-                text += " " + number_of(*in.begin()) + (in.size() > 1 ? "-" + number_of(*in.rbegin()) : "");
-            }
-        }
-        return text;
-    }
-
-    static std::string number_of(int version) {
-        return std::to_string(version / 100) + "." + std::to_string(version / 10 % 10);
-    }
-
-    std::map<std::string, std::map<std::string, outcomes>> table_;
 };
 
 /// A platform's second device, and every further one, is told apart by its name.
@@ -171,23 +134,15 @@ void find_devices(Api) {
     }
 }
 
-void add_absence(std::string const& suite, std::string const& reason) {
-    testing::RegisterTest(suite.c_str(), "present", nullptr, nullptr, __FILE__, __LINE__,
-                          [reason] { return new scenario_test({}, [reason] { skip(reason); }); });
-}
-
 void add_missing() {
-    std::set<std::string> found;
-    for (auto const& target : found_devices<opencl_1_0::api>()) {
-        found.insert(implementation_of(target.second.get_platform().name()));
+    std::set<std::string> missing{"others"};
+    std::ranges::transform(short_names, std::inserter(missing, missing.end()), [](auto& each) { return each.second; });
+    for (auto const& [name, device] : found_devices<opencl_1_0::api>()) {
+        auto const implementation = implementation_of(device.get_platform().name());
+        missing.erase(is_known(implementation) ? implementation : "others");
     }
-    for (auto const& [platform, name] : short_names) {
-        if (found.erase(name) == 0) {
-            add_absence(name, "no device of " + name + " here");
-        }
-    }
-    if (found.empty()) {
-        add_absence("others", "no device of any other implementation here");
+    for (std::string const& name : missing) {
+        add_test({"present", "devices", name, name, 100}, [name] { skip("no device of " + name + " here"); });
     }
 }
 
@@ -209,6 +164,11 @@ void* c_function(char const* name) {
     return function;
 }
 
+void tell_thread(char const* what, std::thread::id caller) {
+    std::printf("%s ran on %s\n", what,
+                caller == std::this_thread::get_id() ? "the thread that waited" : "a thread of the implementation");
+}
+
 void watch(std::string const& implementation, _nq_cl_context* context) {
     if (is_known(implementation)) {
         ++living_contexts;
@@ -220,14 +180,8 @@ void watch(std::string const& implementation, _nq_cl_context* context) {
 
 void add_test(scenario_name const& name, std::function<void()> body) {
     std::string const test = name.scenario + "_" + std::to_string(name.version / 10);
-    names_of_tests.emplace(name.device + "." + test, name);
     testing::RegisterTest(name.device.c_str(), test.c_str(), nullptr, nullptr, __FILE__, __LINE__,
                           [name, body]() -> testing::Test* { return new scenario_test(name, body); });
-}
-
-void tell_thread(char const* what, std::thread::id caller) {
-    std::printf("%s ran on %s\n", what,
-                caller == std::this_thread::get_id() ? "the thread that waited" : "a thread of the implementation");
 }
 
 std::list<std::function<void()>>& additions() {
@@ -235,19 +189,16 @@ std::list<std::function<void()>>& additions() {
     return all;
 }
 
-static int run() {
-    for_each_version([](auto version) { find_devices(version); });
-    add_missing();
-    std::ranges::for_each(additions(), [](auto const& add) { add(); });
-    testing::UnitTest::GetInstance()->listeners().Append(new feature_table);
-    int const status = RUN_ALL_TESTS();
-    for_each_version([]<class Api>(Api) { found_devices<Api>().clear(); });
-    return status;
-}
-
 } // namespace real
 
 int main(int count, char** words) {
+    using namespace real;
     testing::InitGoogleTest(&count, words);
-    return real::run();
+    for_each_version([](auto version) { find_devices(version); });
+    add_missing();
+    std::ranges::for_each(additions(), [](auto const& add) { add(); });
+    int const status = RUN_ALL_TESTS();
+    print_table();
+    for_each_version([]<class Api>(Api) { found_devices<Api>().clear(); });
+    return status;
 }

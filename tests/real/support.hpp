@@ -38,6 +38,37 @@ std::vector<T> counting(std::size_t count, T first = 1) {
     return values;
 }
 
+struct region {
+    box origin;
+    box size;
+
+    std::size_t count() const { return size[0] * size[1] * size[2]; }
+};
+
+/// Calls `use(position in a tight copy of the region, position in what has rows and layers of the size `whole`)`.
+template <class Use>
+void for_each_in(region const& part, box const& whole, Use use) {
+    for (std::size_t next = 0; next < part.count(); ++next) {
+        std::size_t const x = part.origin[0] + next % part.size[0];
+        std::size_t const y = part.origin[1] + next / part.size[0] % part.size[1];
+        std::size_t const z = part.origin[2] + next / part.size[0] / part.size[1];
+        use(next, (z * whole[1] + y) * whole[0] + x);
+    }
+}
+
+/// Puts what lies tight in `part` into a region of `content`, whose rows and layers have the size `whole`.
+template <class T>
+void put(std::vector<T> const& part, region const& to, std::vector<T>& content, box const& whole) {
+    for_each_in(to, whole, [&](std::size_t from, std::size_t at) { content.at(at) = part.at(from); });
+}
+
+template <class T>
+std::vector<T> taken(std::vector<T> const& content, region const& from, box const& whole) {
+    std::vector<T> part(from.count());
+    for_each_in(from, whole, [&](std::size_t to, std::size_t at) { part.at(to) = content.at(at); });
+    return part;
+}
+
 /// "pocl", "rusticl", "oclgrind", "intel", or another platform's own name without what is neither letter nor digit.
 std::string implementation_of(std::string const& platform_name);
 
