@@ -8,7 +8,7 @@
 namespace nq::bridge {
 
 struct vendor {
-    std::string file; // the .icd file that names the library; empty where the environment names it
+    std::string file;   // the .icd file that names the library; empty where the environment names it
     std::string driver; // the vendor's library
 };
 
