@@ -1,8 +1,5 @@
 #include "support.hpp"
 
-#include <fstream>
-#include <iterator>
-
 // Extensions in one version each, in which the implementations have them; none of them depends on the version.
 
 namespace real {
@@ -56,9 +53,7 @@ SCENARIO(reports_missing_extension_functions, "missing extension functions", 100
 }
 
 SCENARIO(builds_intermediate_language, "cl_khr_il_program", 120, 120) {
-    std::ifstream file(REAL_IL, std::ios::binary);
-    bytes const code{std::istreambuf_iterator<char>(file), {}};
-    ASSERT_FALSE(code.empty());
+    auto const code = intermediate_language();
     if (!il::extension_available(b.device)) {
         EXPECT_ANY_THROW(il::create_program_with_il(b.context, code.data(), code.size()));
         skip("the device does not list cl_khr_il_program");

@@ -44,6 +44,7 @@ struct canvas {
         demand_images(b);
         expected.resize(whole().count());
         image = make(of.form);
+        expect_counted(*image);
         if (of.form != shape::one_buffer) {
             b.run(typename Api::write_image(*image, true, {0, 0, 0}, size, 0, 0, expected.data()));
         }
@@ -110,7 +111,6 @@ auto const answers_queries = []<class Api>(bench<Api>& b, kind const& of) {
     canvas<Api> target(b, of, counting<std::uint32_t>(200));
     auto& image = *target.image;
     target.check();
-    expect_counted(image);
     EXPECT_EQ(image.width(), of.size[0]);
     EXPECT_EQ(image.element_size(), 4U);
     EXPECT_EQ(image.get_image_format(), rgba<Api>);

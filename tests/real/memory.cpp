@@ -59,28 +59,6 @@ SCENARIO(sub_buffers, "sub-buffers", 110) {
                  common::invalid_value);
 }
 
-SCENARIO(pipes, "pipes", 200) {
-    auto pipe = b.context.create_pipe(Api::mem_flags::read_write | Api::mem_flags::host_no_access, 4, 16);
-    EXPECT_EQ(pipe.packet_size(), 4U);
-    EXPECT_EQ(pipe.max_packets(), 16U);
-    EXPECT_GE(pipe.size(), 64U);
-    EXPECT_EQ(raw_of(pipe.get_context()), raw_of(b.context));
-    auto program =
-        b.build("__kernel void put(__write_only pipe int p) { int v = 7 * get_global_id(0); write_pipe(p, &v); }"
-                "__kernel void get(__read_only pipe int p, __global int* sum)"
-                "{ int v; if (read_pipe(p, &v) == 0) atomic_add(sum, v); }",
-                "-cl-std=CL2.0");
-    auto sum = b.store(numbers{0});
-    auto put = program.create_kernel("put");
-    auto get = program.create_kernel("get");
-    b.set_arguments(put, pipe);
-    b.set_arguments(get, pipe, sum);
-    b.launch(put, 16);
-    b.launch(get, 16);
-    EXPECT_EQ(b.load(sum), numbers{7 * 120});
-    EXPECT_THROW(b.context.create_pipe(Api::mem_flags::read_write, 0, 16), common::invalid_pipe_size);
-}
-
 template <class Api>
 using addressing = decltype(std::declval<typename Api::sampler>().addressing_mode());
 template <class Api>

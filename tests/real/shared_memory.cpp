@@ -1,7 +1,6 @@
 #include "support.hpp"
 
 #include <atomic>
-#include <cstdlib>
 
 namespace real {
 namespace {
@@ -177,35 +176,31 @@ SCENARIO(follows_pointers_in_shared_memory, "SVM", 200) {
 }
 
 // The host reads and writes without a map.
+template <class Api>
+void double_in_place(bench<Api>& b, std::int32_t* values) {
+    std::ranges::copy(counting(64), values);
+    auto kernel = b.build(doubles_source).create_kernel("f");
+    kernel.set_svm_argument(0, values);
+    b.launch(kernel, 64, 8);
+    EXPECT_EQ(numbers(values, values + 64), doubled(counting(64)));
+}
+
 SCENARIO(shares_fine_grained_memory, "SVM, fine-grained", 200) {
     if (!b.device.svm_fine_grain_buffer_supported()) {
         skip("has no fine-grained shared memory");
     }
     using flags = typename Api::svm_mem_flags;
-    auto how = flags::read_write | flags::fine_grain_buffer;
-    if (b.device.svm_atomics_supported()) {
-        how |= flags::atomics;
-    }
-    shared_memory<Api> const memory(b, 64 * 4, how);
-    std::ranges::copy(counting(64), memory.as());
-    auto kernel = b.build(doubles_source).create_kernel("f");
-    kernel.set_svm_argument(0, memory.as());
-    b.launch(kernel, 64, 8);
-    EXPECT_EQ(numbers(memory.as(), memory.as() + 64), doubled(counting(64)));
+    auto const atomics = b.device.svm_atomics_supported() ? flags::atomics : flags{};
+    shared_memory<Api> const memory(b, 64 * 4, flags::read_write | flags::fine_grain_buffer | atomics);
+    double_in_place(b, memory.as());
 }
 
 SCENARIO(shares_memory_of_the_host, "SVM, system", 200) {
     if (!b.device.svm_fine_grain_system_supported()) {
         skip("shares no memory but its own");
     }
-    auto* const values = static_cast<std::int32_t*>(std::malloc(64 * sizeof(std::int32_t)));
-    std::ranges::copy(counting(64), values);
-    auto kernel = b.build(doubles_source).create_kernel("f");
-    kernel.set_svm_argument(0, values);
-    b.launch(kernel, 64, 8);
-    EXPECT_EQ(numbers(values, values + 64), doubled(counting(64)));
-    std::free(values);
-
+    numbers values(64);
+    double_in_place(b, values.data());
     node last{40, nullptr}, first{2, &last};
     auto sum = b.build(sum_source).create_kernel("f");
     sum.set_fine_grain_system_flag(true);

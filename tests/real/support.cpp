@@ -7,6 +7,7 @@
 #include <cctype>
 #include <chrono>
 #include <cstdio>
+#include <fstream>
 #include <iterator>
 #include <map>
 #include <set>
@@ -162,6 +163,13 @@ void* c_function(char const* name) {
         throw std::runtime_error(std::string("the ICD loader has no ") + name);
     }
     return function;
+}
+
+bytes intermediate_language() {
+    std::ifstream file(REAL_IL, std::ios::binary);
+    bytes code{std::istreambuf_iterator<char>(file), {}};
+    EXPECT_FALSE(code.empty());
+    return code;
 }
 
 void tell_thread(char const* what, std::thread::id caller) {

@@ -92,6 +92,9 @@ void* c_function(char const* name);
 
 #define REAL_C_API(name) reinterpret_cast<decltype(&::name)>(::real::c_function(#name))
 
+/// The SPIR-V module of the tests: its kernel "f" adds 100 to each element.
+bytes intermediate_language();
+
 /// Prints on which thread OpenCL called a function of the program.
 void tell_thread(char const* what, std::thread::id caller);
 
