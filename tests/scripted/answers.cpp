@@ -1,10 +1,10 @@
-#include "scripted/copies.hpp"
-#include "scripted/state.hpp"
+#include "scripted/scripted.hpp"
 
 #include <algorithm>
 #include <tuple>
 
-// How every entry point is recorded and answered, made from the command lists of the wire.
+// How every entry point is recorded and answered, made from the command lists
+// of the wire.
 
 namespace scripted {
 namespace {
@@ -22,12 +22,12 @@ constexpr bool is_raw_handle = std::is_pointer_v<T> && !std::is_void_v<std::remo
 
 /// A block while it is answered.
 template <class Block>
-class answer {
+class answerer {
 public:
-    answer(libnq& self, libnq::state& state, Block& block) : self_(self), state_(state), block_(block) {}
+    answerer(libnq& self, Block& block, call& record) : self_(self), block_(block), record_(record) {}
 
     int run() {
-        if (auto const failure = state_.take_failure(name_of<Block>())) {
+        if (auto const failure = self_.take_failure(name_of<Block>())) {
             spoil();
             if (failure->result == 0) {
                 set_status(failure->status);
@@ -38,8 +38,8 @@ public:
         if constexpr (requires { block_.result; }) {
             block_.result = nullptr;
         }
-        auto const scripted = state_.answers.find(name_of<Block>());
-        if (scripted == state_.answers.end() || !scripted->second(&block_)) {
+        auto const scripted = self_.answers.find(name_of<Block>());
+        if (scripted == self_.answers.end() || !scripted->second(&block_)) {
             act();
         }
         return nq::result::success;
@@ -89,42 +89,29 @@ private:
         }
     }
 
-    // What OpenCL says of an object of a kind that it does not know.
-    static constexpr std::int32_t invalid_object() {
-        constexpr std::pair<std::string_view, std::int32_t> kinds[] = {
-            {"Device", -33},  {"Context", -34}, {"CommandQueue", -36}, {"MemObject", -38},
-            {"Sampler", -41}, {"Program", -44}, {"Kernel", -48},       {"Event", -58}};
-        for (auto const& [kind, status] : kinds) {
-            if (name_of<Block>().ends_with(kind)) {
-                return status;
-            }
-        }
-        return invalid_value;
-    }
-
     void count(int change) {
-        auto const known = state_.references.find(object());
-        bool const held = known != state_.references.end() && known->second + change >= 0;
+        auto const known = self_.held.find(object());
+        bool const held = known != self_.held.end() && known->second + change >= 0;
         if (held) {
             known->second += change;
             return;
         }
-        set_status(invalid_object());
+        set_status(invalid_value);
         if (object() != nullptr) {
-            state_.fault(std::string(name_of<Block>()) + " of a handle that nobody holds");
+            self_.faults.push_back(std::string(name_of<Block>()) + " of a handle that nobody holds");
         }
     }
 
     void info() {
-        auto const scripted = state_.replies.find({std::string(name_of<Block>()), block_.param_name});
-        if (scripted != state_.replies.end()) {
+        auto const scripted = self_.replies.find({name_of<Block>(), block_.param_name});
+        if (scripted != self_.replies.end()) {
             write(scripted->second);
         } else if (is_reference_count(block_.param_name)) {
-            write({bytes_of(std::uint32_t(std::max(0, self_.references(object())))), {}, {}});
+            write(bytes_of(std::uint32_t(self_.references(object()))));
         } else {
             set_status(invalid_value);
-            state_.fault(std::string(name_of<Block>()) +
-                         " of a name that nobody scripted: " + std::to_string(block_.param_name));
+            self_.faults.push_back(std::string(name_of<Block>()) +
+                                   " of a name that nobody scripted: " + std::to_string(block_.param_name));
         }
     }
 
@@ -136,14 +123,12 @@ private:
         return std::find(std::begin(names), std::end(names), std::tuple(name_of<Block>(), name)) != std::end(names);
     }
 
-    void write(reply const& reply) {
-        bool const asks_for_size = block_.param_value == nullptr;
-        if (!asks_for_size) {
-            std::memcpy(block_.param_value, reply.bytes.data(), std::min(block_.param_value_size, reply.bytes.size()));
+    void write(std::string const& bytes) {
+        if (block_.param_value != nullptr) {
+            std::memcpy(block_.param_value, bytes.data(), std::min(block_.param_value_size, bytes.size()));
         }
         if (block_.param_value_size_ret != nullptr) {
-            *block_.param_value_size_ret =
-                (asks_for_size ? reply.first_size : reply.second_size).value_or(reply.bytes.size());
+            *block_.param_value_size_ret = bytes.size();
         }
     }
 
@@ -152,7 +137,7 @@ private:
             if constexpr (is_raw_handle<decltype(block_.result)>) {
                 make(block_.result);
             } else if constexpr (!begins_with("clGetExtensionFunctionAddress")) {
-                block_.result = host_memory.data();
+                record_.made = block_.result = host_memory.data();
             }
         }
         if constexpr (requires { make(*block_.event); }) {
@@ -164,7 +149,7 @@ private:
 
     template <class Raw>
     void make(Raw*& handle) {
-        handle = self_.make<Raw>(1);
+        record_.made = handle = self_.make<Raw>(1);
     }
 
     void listing() {
@@ -175,16 +160,17 @@ private:
         } else if constexpr (std::same_as<Block, block::clGetDeviceIDs>) {
             list(block_.devices, block_.num_entries, block_.num_devices, 0);
         } else if constexpr (std::same_as<Block, block::clGetSupportedImageFormats>) {
-            auto const scripted = state_.replies.find({std::string(name_of<Block>()), block_.image_type});
-            image_formats(scripted != state_.replies.end() ? scripted->second.bytes : std::string());
+            auto const scripted = self_.replies.find({name_of<Block>(), block_.image_type});
+            image_formats(scripted != self_.replies.end() ? scripted->second : std::string());
         }
     }
 
     template <class Raw>
     void list(Raw** handles, std::uint32_t capacity, std::uint32_t* count, int references) {
-        std::uint32_t const all = state_.count_of(name_of<Block>());
+        auto const counted = self_.counts.find(name_of<Block>());
+        std::uint32_t const all = counted != self_.counts.end() ? counted->second : 2;
         for (std::uint32_t i = 0; handles != nullptr && i != std::min(all, capacity); ++i) {
-            handles[i] = self_.make<Raw>(references);
+            record_.made = handles[i] = self_.make<Raw>(references);
         }
         if (count != nullptr) {
             *count = all;
@@ -202,23 +188,21 @@ private:
     }
 
     libnq& self_;
-    libnq::state& state_;
     Block& block_;
+    call& record_;
 };
 
-using performer = int (*)(libnq&, libnq::state&, nq_call_handle*, void*, call&);
+using performer = int (*)(libnq&, nq::capability_node, void*, call&);
 
 template <class Block>
-int perform_as(libnq& self, libnq::state& state, nq_call_handle* handle, void* memory, call& record) {
+int perform_as(libnq& self, nq::capability_node node, void* memory, call& record) {
     auto& block = *static_cast<Block*>(memory);
     record.name = name_of<Block>();
-    record.block.assign(static_cast<char const*>(memory), sizeof(Block));
-    copier<Block>(block, record).run();
-    state.calls.push_back(record);
-    int const result = answer<Block>(self, state, block).run();
+    record.inputs = inputs_of(block);
+    int const result = answerer<Block>(self, block, record).run();
     if constexpr (std::same_as<Block, block::call_handle_device>) {
-        if (result == nq::result::success && block.result == nullptr && handle != nullptr) {
-            auto& device = state.devices[handle->node.first];
+        if (result == nq::result::success) {
+            auto& device = self.devices[node.first];
             device = device != nullptr ? device : self.make<_nq_cl_device_id>();
             block.result = static_cast<_nq_cl_device_id*>(device);
         }
@@ -227,51 +211,27 @@ int perform_as(libnq& self, libnq::state& state, nq_call_handle* handle, void* m
 }
 
 template <class... Blocks>
-performer find(nq::command_list<Blocks...>*, std::uint32_t id) {
+performer find(nq::command_list<Blocks...>, std::uint32_t id) {
     static constexpr std::array<performer, sizeof...(Blocks)> performers = {perform_as<Blocks>...};
     return id != 0 && id <= performers.size() ? performers[id - 1] : nullptr;
 }
 
-template <nq::capability Version>
-performer find(std::uint32_t id) {
-    return find(static_cast<nq::commands<Version>*>(nullptr), id);
-}
-
-performer find(nq::capability version, std::uint32_t id) {
-    switch (version) {
-    case nq::capability::opencl_1_0:
-        return find<nq::capability::opencl_1_0>(id);
-    case nq::capability::opencl_1_1:
-        return find<nq::capability::opencl_1_1>(id);
-    case nq::capability::opencl_1_2:
-        return find<nq::capability::opencl_1_2>(id);
-    case nq::capability::opencl_2_0:
-        return find<nq::capability::opencl_2_0>(id);
-    case nq::capability::opencl_2_1:
-        return find<nq::capability::opencl_2_1>(id);
-    case nq::capability::opencl_2_2:
-        return find<nq::capability::opencl_2_2>(id);
-    }
-    return nullptr;
-}
-
 } // namespace
 
-int perform(libnq& self, libnq::state& state, nq_call_handle* handle, std::uint32_t id, void* block) {
-    call record{.handle = handle, .id = id};
-    bool const closed = handle != nullptr && !handle->open;
-    if (closed) {
-        state.fault("a call on a closed call handle");
+int answer(libnq& self, nq::capability_node node, void* block, call& record) {
+    using finder = performer (*)(std::uint32_t);
+    using enum nq::capability;
+    static constexpr finder finders[] = {[](std::uint32_t id) { return find(nq::commands<opencl_1_0>(), id); },
+                                         [](std::uint32_t id) { return find(nq::commands<opencl_1_1>(), id); },
+                                         [](std::uint32_t id) { return find(nq::commands<opencl_1_2>(), id); },
+                                         [](std::uint32_t id) { return find(nq::commands<opencl_2_0>(), id); },
+                                         [](std::uint32_t id) { return find(nq::commands<opencl_2_1>(), id); },
+                                         [](std::uint32_t id) { return find(nq::commands<opencl_2_2>(), id); }};
+    if (node.second == 0 || node.second > std::size(finders)) {
+        return nq::result::unrecoverable;
     }
-    record.version =
-        handle != nullptr ? nq::capability{handle->node.second} : state.null_version.value_or(nq::capability{});
-    bool const understood = record.version != nq::capability{} && !closed && block != nullptr;
-    performer const answer = understood ? find(record.version, id) : nullptr;
-    if (answer != nullptr) {
-        return answer(self, state, handle, block, record);
-    }
-    state.calls.push_back(record);
-    return understood ? nq::result::invalid_command_id : nq::result::unrecoverable;
+    performer const perform = finders[node.second - 1](record.id);
+    return perform != nullptr ? perform(self, node, block, record) : nq::result::invalid_command_id;
 }
 
 } // namespace scripted

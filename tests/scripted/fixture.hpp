@@ -6,8 +6,9 @@
 
 namespace scripted {
 
-/// Starts every test with a fresh libnq, and ends it by asking that no reference and no call handle is left. That is
-/// asked once the members of the test's own fixture are gone.
+/// Starts every test with a fresh libnq, and ends it by asking that no
+/// reference and no call handle is left. That is asked once the members of the
+/// test's own fixture are gone.
 class fixture : public testing::Test {
 public:
     fixture(fixture const&) = delete;
@@ -18,17 +19,6 @@ protected:
     ~fixture() override { EXPECT_EQ(libnq.leftovers(), ""); }
 
     scripted::libnq& libnq = scripted::libnq::instance();
-};
-
-/// The same with an open call handle of one version; null handles are of that version too.
-template <class Api>
-class versioned : public fixture {
-protected:
-    using api = Api;
-
-    versioned() { libnq.understand_null(Api::capability); }
-
-    nq::call_handle handle = libnq.open(Api::capability);
 };
 
 } // namespace scripted

@@ -1,31 +1,38 @@
-#include "scripted/state.hpp"
+#include "scripted/scripted.hpp"
 
 #include <algorithm>
 
-// The functions of libnq.
-
 namespace {
 
-using scripted::answering_scope;
-using scripted::discovery_call;
 using scripted::libnq;
 
-struct locked {
-    answering_scope scope;
+constexpr nq::device root = 0xD0;
+bool is_answering = false;
+
+/// Marks libnq as being at work.
+struct entered {
+    entered() { is_answering = true; }
+    entered(entered const&) = delete;
+    entered& operator=(entered const&) = delete;
+    ~entered() { is_answering = false; }
+
     libnq& self = libnq::instance();
-    libnq::state& state = self.internals();
-    std::lock_guard<std::recursive_mutex> lock{state.mutex};
 };
 
-void remember(locked& nq, discovery_call const& made, void const* reserved) {
-    nq.state.discovery_calls.push_back(made);
+void remember(libnq& self, std::string call, void const* reserved) {
     if (reserved != nullptr) {
-        nq.state.fault(made.function + " with a last argument other than null");
+        self.faults.push_back(call + " with a last argument other than null");
     }
+    self.discovered.push_back(std::move(call));
+}
+
+std::string listed(std::uint64_t capacity, bool has_array) {
+    return ' ' + std::to_string(capacity) + (has_array ? " array" : "");
 }
 
 template <class Element>
-int answer(scripted::listing<Element> const& listing, std::uint64_t capacity, Element* array, std::uint64_t* count) {
+int answer(scripted::listing<std::type_identity_t<Element>> const& listing, std::uint64_t capacity, Element* array,
+           std::uint64_t* count) {
     std::size_t const phase = array == nullptr ? 0 : 1;
     std::copy_n(listing.elements.begin(), array == nullptr ? 0 : std::min(capacity, listing.elements.size()), array);
     *count = listing.counts[phase].value_or(listing.elements.size());
@@ -34,62 +41,156 @@ int answer(scripted::listing<Element> const& listing, std::uint64_t capacity, El
 
 } // namespace
 
+namespace scripted {
+
+libnq& libnq::instance() {
+    static libnq* const immortal = [] { // objects that outlive everything else still call it
+        auto* const made = new libnq;
+        made->reset();
+        return made;
+    }();
+    return *immortal;
+}
+
+bool libnq::answering() noexcept { return is_answering; }
+
+void libnq::reset() {
+    libnq fresh;
+    fresh.handles_ = std::move(handles_);
+    fresh.roots = {{root}};
+    for (std::uint64_t offered = 1; offered <= 6; ++offered) {
+        fresh.nodes[{root, nq::capability{offered}}] = {{{root, offered}}};
+    }
+    *this = std::move(fresh);
+}
+
+nq::call_handle libnq::open(nq::capability offered) {
+    return {open_node({root, static_cast<std::uint64_t>(offered)}), nq_close_call_handle};
+}
+
+nq_call_handle* libnq::open_node(nq::capability_node node) {
+    handles_.push_back(std::make_unique<nq_call_handle>(nq_call_handle{node}));
+    open_ones.insert(handles_.back().get());
+    return handles_.back().get();
+}
+
+void* libnq::make_raw(int references) {
+    static std::uintptr_t next = 0x10000; // never reused, so that a handle of an
+                                          // earlier test is told from this one's
+    next += 0x10;
+    void* const raw = reinterpret_cast<void*>(next);
+    held[raw] = references;
+    return raw;
+}
+
+int libnq::references(void const* raw) const {
+    auto const known = held.find(raw);
+    return known != held.end() ? known->second : 0;
+}
+
+std::optional<failure> libnq::take_failure(std::string_view entry_point) {
+    std::optional<failure> due;
+    std::erase_if(failures, [&](failure_to_come& candidate) {
+        bool const is_meant = candidate.entry_point.empty() || candidate.entry_point == entry_point;
+        bool const is_due = is_meant && --candidate.calls_left == 0;
+        due = is_due ? candidate.how : due;
+        return is_due;
+    });
+    return due;
+}
+
+std::vector<std::string> libnq::names() const {
+    std::vector<std::string> names;
+    std::transform(called.begin(), called.end(), std::back_inserter(names), [](call const& made) { return made.name; });
+    return names;
+}
+
+void libnq::forget_calls() {
+    called.clear();
+    discovered.clear();
+}
+
+std::string libnq::leftovers() const {
+    std::string text;
+    for (auto const& [raw, count] : held) {
+        if (count != 0) {
+            text += std::to_string(count) + " references of " + std::to_string(reinterpret_cast<std::uintptr_t>(raw)) +
+                    '\n';
+        }
+    }
+    if (!open_ones.empty()) {
+        text += std::to_string(open_ones.size()) + " open call handles\n";
+    }
+    for (std::string const& fault : faults) {
+        text += fault + '\n';
+    }
+    return text;
+}
+
+int libnq::perform(nq_call_handle* handle, std::uint32_t command_id, void* block) {
+    nq_call_handle const* const understood = handle != nullptr || handles_.empty() ? handle : handles_.back().get();
+    call record{.handle = handle, .id = command_id};
+    if (understood == nullptr || !understood->is_open || block == nullptr) {
+        faults.push_back("a call without an open call handle or a block");
+        called.push_back(record);
+        return nq::result::unrecoverable;
+    }
+    int const result = answer(*this, understood->node, block, record);
+    called.push_back(record);
+    return result;
+}
+
+} // namespace scripted
+
 extern "C" {
 
 SCRIPTED_EXPORT std::uint64_t nq_version() {
-    locked nq;
-    remember(nq, {.function = "nq_version"}, nullptr);
+    entered nq;
+    remember(nq.self, "version", nullptr);
     return nq.self.version;
 }
 
 SCRIPTED_EXPORT int nq_get_root_devices(std::uint64_t capacity, nq::device* devices, std::uint64_t* count,
                                         void* reserved) {
-    locked nq;
-    remember(nq, {.function = "nq_get_root_devices", .capacity = capacity, .has_array = devices != nullptr}, reserved);
+    entered nq;
+    remember(nq.self, "roots" + listed(capacity, devices != nullptr), reserved);
     return answer(nq.self.roots, capacity, devices, count);
 }
 
 SCRIPTED_EXPORT int nq_find_capability_nodes(nq::device device, nq::capability capability, std::uint64_t capacity,
                                              nq::capability_node* nodes, std::uint64_t* count, void* reserved) {
-    locked nq;
-    remember(nq,
-             {.function = "nq_find_capability_nodes",
-              .device = device,
-              .capability = capability,
-              .capacity = capacity,
-              .has_array = nodes != nullptr},
-             reserved);
+    entered nq;
+    std::string const of = std::to_string(device) + " for " + std::to_string(static_cast<std::uint64_t>(capability));
+    remember(nq.self, "nodes of " + of + listed(capacity, nodes != nullptr), reserved);
     auto const found = nq.self.nodes.find({device, capability});
-    return answer(found != nq.self.nodes.end() ? found->second : scripted::listing<nq::capability_node>(), capacity,
-                  nodes, count);
+    return found != nq.self.nodes.end() ? answer(found->second, capacity, nodes, count)
+                                        : answer({}, capacity, nodes, count);
 }
 
 SCRIPTED_EXPORT int nq_create_call_handle(nq::capability_node node, nq_call_handle** handle, void* reserved) {
-    locked nq;
-    remember(nq, {.function = "nq_create_call_handle", .node = node}, reserved);
-    if (auto& failing = nq.state.failing_open; failing && --failing->second == 0) {
-        int const result = failing->first;
-        failing.reset();
-        return result;
+    entered nq;
+    remember(nq.self, "open " + std::to_string(node.first) + ' ' + std::to_string(node.second), reserved);
+    if (auto const failure = nq.self.take_failure("nq_create_call_handle")) {
+        return failure->result;
     }
-    *handle = nq.state.open(node);
+    *handle = nq.self.open_node(node);
     return nq::result::success;
 }
 
 SCRIPTED_EXPORT void nq_close_call_handle(nq_call_handle* handle) {
-    locked nq;
-    if (!std::exchange(handle->open, false)) {
-        nq.state.fault("a call handle closed twice");
+    entered nq;
+    if (!std::exchange(handle->is_open, false)) {
+        nq.self.faults.push_back("a call handle closed twice");
     }
-    nq.state.open_handles.erase(handle);
+    nq.self.open_ones.erase(handle);
 }
 
 SCRIPTED_EXPORT int nq_call_capability(nq_call_handle* handle, std::uint32_t command_id, void* block, void* reserved) {
-    locked nq;
+    entered nq;
     if (reserved != nullptr) {
-        nq.state.fault("nq_call_capability with a last argument other than null");
+        nq.self.faults.push_back("nq_call_capability with a last argument other than null");
     }
-    return perform(nq.self, nq.state, handle, command_id, block);
+    return nq.self.perform(handle, command_id, block);
 }
 
 } // extern "C"

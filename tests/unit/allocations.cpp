@@ -2,7 +2,9 @@
 
 #include "scripted/scripted.hpp"
 
+#include <algorithm>
 #include <cstdlib>
+#include <malloc.h>
 
 namespace unit {
 namespace {
@@ -36,5 +38,9 @@ void* operator new(std::size_t size) {
     throw std::bad_alloc();
 }
 
-void operator delete(void* memory) noexcept { std::free(memory); }
-void operator delete(void* memory, std::size_t) noexcept { std::free(memory); }
+// Overwrites what is given back, so that whoever still reads it is seen.
+void operator delete(void* memory) noexcept {
+    std::fill_n(static_cast<unsigned char volatile*>(memory), ::malloc_usable_size(memory), 0xDD);
+    std::free(memory);
+}
+void operator delete(void* memory, std::size_t) noexcept { operator delete(memory); }

@@ -1,224 +1,320 @@
-#include "unit/command.hpp"
+#include "unit/allocations.hpp"
+#include "unit/members.hpp"
+
+#include <memory>
+
+// A command is enqueued in every way, however it came about.
 
 namespace unit {
 namespace {
 
-using namespace nq::block; // NOLINT(google-build-using-namespace)
+constexpr word flags = 0x8000000000000005;
+using array3 = std::array<std::size_t, 3>;
+constexpr array3 first{1, 2, large};
+constexpr array3 second{4, 5, 6};
+constexpr array3 third{7, 8, 9};
+constexpr std::size_t const* a = first.data();
+constexpr std::size_t const* b = second.data();
+constexpr std::size_t const* c = third.data();
 
-TYPED_TEST_SUITE(commands, versions);
-
-TYPED_TEST(commands, transfers_buffers) {
-    auto& w = this->objects;
-    void* const host = this->memory;
-    for (bool const blocking : {false, true}) {
-        places const at{40, 48, 56, 64};
-        std::vector<field> const fields{u8(8, w.buffer), u8(16, 3), u8(24, large), u8(32, host), u4(60, blocking)};
-        this->template sends<clEnqueueReadBuffer>(
-            {at, fields}, [&] { return typename TypeParam::read_buffer(w.buffer, blocking, 3, large, host); });
-        this->template sends<clEnqueueWriteBuffer>(
-            {at, fields}, [&] { return typename TypeParam::write_buffer(w.buffer, blocking, 3, large, host); });
-    }
-    this->template sends<clEnqueueCopyBuffer>(
-        {{48, 56, 64, 68}, {u8(8, w.buffer), u8(16, w.buffer_2), u8(24, 3), u8(32, 4), u8(40, large)}},
-        [&] { return typename TypeParam::copy_buffer(w.buffer, w.buffer_2, 3, 4, large); });
-}
-
-TYPED_TEST(commands, transfers_rectangles) {
-    if constexpr (TypeParam::number >= 110) {
-        auto& w = this->objects;
-        void* const host = this->memory;
-        std::vector<own_words> const arrays{own(16, first), own(24, second), own(32, third)};
-        for (bool const blocking : {false, true}) {
-            places const at{80, 88, 96, 104};
-            std::vector<field> const fields{u8(8, w.buffer), u8(40, 11),   u8(48, 12),       u8(56, 13),
-                                            u8(64, 14),      u8(72, host), u4(100, blocking)};
-            this->template sends<clEnqueueReadBufferRect>({at, fields, arrays}, [&] {
-                return typename TypeParam::read_buffer_rect(w.buffer, blocking, first, second, third, 11, 12, 13, 14,
-                                                            host);
-            });
-            this->template sends<clEnqueueWriteBufferRect>({at, fields, arrays}, [&] {
-                return typename TypeParam::write_buffer_rect(w.buffer, blocking, first, second, third, 11, 12, 13, 14,
-                                                             host);
-            });
+class commands : public members {
+protected:
+    /// Enqueues a command in every way: each is one call, which gets the wait list as it is given.
+    template <class Block>
+    void enqueues(Block sent, command const& sender) {
+        _nq_cl_event* const events[]{raw_of(w.event), raw_of(w.event)};
+        sent.command_queue = raw_of(w.queue);
+        for (auto* const list : {&events[0], static_cast<decltype(&events[0])>(nullptr)}) {
+            for (std::uint32_t const count : {0U, 2U}) { // also where it does not match the list
+                sent.event_wait_list = list;
+                sent.num_events_in_wait_list = count;
+                libnq.forget_calls();
+                w.queue.enqueue_command_without_event(sender, count, list);
+                sent.event = nullptr;
+                expect_sent(w.queue, sent);
+                libnq.forget_calls();
+                expect_event(sent, w.queue.enqueue_command(sender, count, list));
+            }
         }
-        std::vector<field> const fields{u8(8, w.buffer), u8(16, w.buffer_2), u8(48, 11),
-                                        u8(56, 12),      u8(64, 13),         u8(72, 14)};
-        this->template sends<clEnqueueCopyBufferRect>(
-            {{80, 88, 96, 100}, fields, {own(24, first), own(32, second), own(40, third)}}, [&] {
-                return typename TypeParam::copy_buffer_rect(w.buffer, w.buffer_2, first, second, third, 11, 12, 13, 14);
-            });
+        sent.num_events_in_wait_list = 0;
+        libnq.forget_calls();
+        expect_event(sent, w.queue.enqueue_command(sender));
+        libnq.forget_calls();
+        {
+            allocation_watch const watch;
+            w.queue.enqueue_command_without_event(sender);
+            EXPECT_EQ(watch.count(), 0U);
+        }
+        sent.event = nullptr;
+        expect_sent(w.queue, sent);
+        fails<Block>([&] { w.queue.enqueue_command(sender); });
+        fails<Block>([&] { w.queue.enqueue_command_without_event(sender); });
     }
-}
 
-TYPED_TEST(commands, transfers_images) {
-    auto& w = this->objects;
-    void* const host = this->memory;
+    /// The same of what `make` makes and of what is copied and moved from there, each outliving its source, whose
+    /// memory is overwritten.
+    template <class Block, class Make>
+    void sends(Block const& sent, Make make) {
+        SCOPED_TRACE(scripted::name_of<Block>());
+        using made = decltype(make());
+        static_assert(std::is_base_of_v<command, made> && std::is_move_assignable_v<made>);
+        made const sender = make();
+        enqueues(sent, sender);
+        auto source = std::make_unique<made>(make());
+        made const moved(std::move(*source));
+        source.reset();
+        enqueues(sent, moved);
+        if constexpr (std::is_copy_constructible_v<made>) {
+            source = std::make_unique<made>(sender);
+            made const copied(*source);
+            source.reset();
+            enqueues(sent, copied);
+        }
+    }
+
+    char memory[64]{};
+    void* const host = memory;
+    _nq_cl_mem* const buffer = raw_of(w.buffer);
+    _nq_cl_mem* const buffer_2 = raw_of(w.buffer_2);
+    _nq_cl_mem* const image = raw_of(w.image);
+    _nq_cl_mem* const image_2 = raw_of(w.image_2);
+
+private:
+    template <class Block>
+    void expect_event(Block sent, event const& made) {
+        sent.event = somewhere;
+        expect_sent(w.queue, sent);
+        EXPECT_EQ(raw_of(made), libnq.calls()[0].made);
+        EXPECT_EQ(handle_of(made), handle_of(w.queue));
+    }
+};
+
+// The fields of a block up to those that every enqueueing has; the queue is filled in.
+
+TEST_F(commands, transfers_buffers) {
     for (bool const blocking : {false, true}) {
-        places const at{56, 64, 72, 80};
-        std::vector<field> const fields{u8(8, w.image), u8(32, 11), u8(40, 12), u8(48, host), u4(76, blocking)};
-        std::vector<own_words> const arrays{own(16, first), own(24, second)};
-        this->template sends<clEnqueueReadImage>({at, fields, arrays}, [&] {
-            return typename TypeParam::read_image(w.image, blocking, first, second, 11, 12, host);
-        });
-        this->template sends<clEnqueueWriteImage>({at, fields, arrays}, [&] {
-            return typename TypeParam::write_image(w.image, blocking, first, second, 11, 12, host);
-        });
+        clEnqueueReadBuffer read{nullptr, buffer, 3, large, host};
+        clEnqueueWriteBuffer write{nullptr, buffer, 3, large, host};
+        read.blocking_read = write.blocking_write = blocking;
+        sends(read, [&] { return read_buffer(w.buffer, blocking, 3, large, host); });
+        sends(write, [&] { return write_buffer(w.buffer, blocking, 3, large, host); });
     }
-    places const at{48, 56, 64, 68};
-    this->template sends<clEnqueueCopyImage>(
-        {at, {u8(8, w.image), u8(16, w.image_2)}, {own(24, first), own(32, second), own(40, third)}},
-        [&] { return typename TypeParam::copy_image(w.image, w.image_2, first, second, third); });
-    this->template sends<clEnqueueCopyImageToBuffer>(
-        {at, {u8(8, w.image), u8(16, w.buffer), u8(40, large)}, {own(24, first), own(32, second)}},
-        [&] { return typename TypeParam::copy_image_to_buffer(w.image, w.buffer, first, second, large); });
-    this->template sends<clEnqueueCopyBufferToImage>(
-        {at, {u8(8, w.buffer), u8(16, w.image), u8(24, large)}, {own(32, first), own(40, second)}},
-        [&] { return typename TypeParam::copy_buffer_to_image(w.buffer, w.image, large, first, second); });
+    sends(clEnqueueCopyBuffer{nullptr, buffer, buffer_2, 3, 4, large},
+          [&] { return copy_buffer(w.buffer, w.buffer_2, 3, 4, large); });
 }
 
-TYPED_TEST(commands, maps_and_unmaps) {
-    auto& w = this->objects;
-    void* mapped = &w;
+#if UNIT_OPENCL >= 110
+TEST_F(commands, transfers_rectangles) {
+    for (bool const blocking : {false, true}) {
+        clEnqueueReadBufferRect read{nullptr, buffer, a, b, c, 11, 12, 13, 14, host};
+        clEnqueueWriteBufferRect write{nullptr, buffer, a, b, c, 11, 12, 13, 14, host};
+        read.blocking_read = write.blocking_write = blocking;
+        sends(read, [&] { return read_buffer_rect(w.buffer, blocking, first, second, third, 11, 12, 13, 14, host); });
+        sends(write, [&] { return write_buffer_rect(w.buffer, blocking, first, second, third, 11, 12, 13, 14, host); });
+    }
+    sends(clEnqueueCopyBufferRect{nullptr, buffer, buffer_2, a, b, c, 11, 12, 13, 14},
+          [&] { return copy_buffer_rect(w.buffer, w.buffer_2, first, second, third, 11, 12, 13, 14); });
+}
+#endif
+
+TEST_F(commands, transfers_images) {
+    for (bool const blocking : {false, true}) {
+        clEnqueueReadImage read{nullptr, image, a, b, 11, 12, host};
+        clEnqueueWriteImage write{nullptr, image, a, b, 11, 12, host};
+        read.blocking_read = write.blocking_write = blocking;
+        sends(read, [&] { return read_image(w.image, blocking, first, second, 11, 12, host); });
+        sends(write, [&] { return write_image(w.image, blocking, first, second, 11, 12, host); });
+    }
+    sends(clEnqueueCopyImage{nullptr, image, image_2, a, b, c},
+          [&] { return copy_image(w.image, w.image_2, first, second, third); });
+    sends(clEnqueueCopyImageToBuffer{nullptr, image, buffer, a, b, large},
+          [&] { return copy_image_to_buffer(w.image, w.buffer, first, second, large); });
+    sends(clEnqueueCopyBufferToImage{nullptr, buffer, image, large, a, b},
+          [&] { return copy_buffer_to_image(w.buffer, w.image, large, first, second); });
+}
+
+TEST_F(commands, maps_and_unmaps) {
+    void* mapped = host;
     std::size_t row_pitch = 0;
     std::size_t slice_pitch = 0;
     for (bool const blocking : {false, true}) {
-        this->template sends<clEnqueueMapBuffer>(
-            {{40, 48, 64, 72, 8, 56}, {u8(0, flags), u8(16, w.buffer), u8(24, 3), u8(32, large), u4(68, blocking)}},
-            [&] { return typename TypeParam::map_buffer(mapped, w.buffer, blocking, value{flags}, 3, large); });
-        this->template sends<clEnqueueMapImage>(
-            {{56, 64, 80, 88, 8, 72},
-             {u8(0, flags), u8(16, w.image), u8(40, &row_pitch), u8(48, &slice_pitch), u4(84, blocking)},
-             {own(24, first), own(32, second)}},
-            [&] {
-                return typename TypeParam::map_image(mapped, w.image, blocking, value{flags}, first, second, row_pitch,
-                                                     slice_pitch);
-            });
+        clEnqueueMapBuffer map_of_buffer{flags, nullptr, buffer, 3, large};
+        clEnqueueMapImage map_of_image{flags, nullptr, image, a, b, &row_pitch, &slice_pitch};
+        map_of_buffer.blocking_map = map_of_image.blocking_map = blocking;
+        sends(map_of_buffer, [&] { return map_buffer(mapped, w.buffer, blocking, value{flags}, 3, large); });
+        sends(map_of_image, [&] {
+            return map_image(mapped, w.image, blocking, value{flags}, first, second, row_pitch, slice_pitch);
+        });
     }
-    this->template sends<clEnqueueUnmapMemObject>({{24, 32, 40, 44}, {u8(8, w.image), u8(16, mapped)}}, [&] {
-        return typename TypeParam::unmap_mem_object(w.image, mapped);
+    sends(clEnqueueUnmapMemObject{nullptr, image, mapped}, [&] { return unmap_mem_object(w.image, mapped); });
+}
+
+TEST_F(commands, sets_what_was_mapped_on_success_alone) {
+    std::size_t pitch = 0;
+    void* mapped = nullptr;
+    auto const maps = [&](auto const& map) {
+        w.queue.enqueue_command_without_event(map);
+        void const* const given = libnq.calls().back().made;
+        for (auto const& enqueue : {std::function<void()>([&] { w.queue.enqueue_command_without_event(map); }),
+                                    std::function<void()>([&] { w.queue.enqueue_command(map); })}) {
+            mapped = host;
+            libnq.fail(scripted::status(-12));
+            EXPECT_THROW(enqueue(), common::map_failure);
+            libnq.fail(scripted::layer(-2));
+            EXPECT_THROW(enqueue(), nq::invalid_command_id);
+            EXPECT_EQ(mapped, host);
+            enqueue();
+            EXPECT_EQ(mapped, given);
+        }
+    };
+    maps(map_buffer(mapped, w.buffer, false, value{1}, 0, 4));
+    maps(map_image(mapped, w.image, false, value{1}, first, second, pitch, pitch));
+}
+
+TEST_F(commands, launches_kernels) {
+    clEnqueueNDRangeKernel sent{nullptr, raw_of(w.kernel), nullptr, b, c};
+    sent.work_dim = 3;
+#if UNIT_OPENCL < 110
+    sends(sent, [&] { return nd_range_kernel(w.kernel, 3, second, third); });
+    sends(clEnqueueTask{nullptr, raw_of(w.kernel)}, [&] { return task_kernel(w.kernel); });
+#else
+    sent.global_work_offset = a;
+    sends(sent, [&] { return nd_range_kernel(w.kernel, 3, first, second, third); });
+    sent.work_dim = 1;
+    sends(sent, [&] { return nd_range_kernel(w.kernel, 1, first, second, third); });
+#endif
+}
+
+TEST_F(commands, runs_native_functions) {
+    auto* const on_host = +[](void*) {};
+    _nq_cl_mem* const objects[] = {buffer};
+    void const* places[] = {host};
+    clEnqueueNativeKernel sent{nullptr, on_host, host, 64, objects, places};
+    sent.num_mem_objects = 1;
+    sends(sent, [&] { return native_kernel(on_host, host, 64, 1, objects, places); });
+    sent = {nullptr, on_host, nullptr, 9};
+    sent.num_mem_objects = 2; // nothing is taken for granted
+    sends(sent, [&] { return native_kernel(on_host, nullptr, 9, 2, nullptr, nullptr); });
+}
+
+#if UNIT_OPENCL >= 120
+TEST_F(commands, fills_and_migrates) {
+    clEnqueueFillBuffer fill{nullptr, buffer, "1234", 4, 5, 64};
+    sends(fill, [&] { return fill_buffer_base(w.buffer, "1234", 4, 5, 16); });
+    fill.size = 12; // the product wraps
+    sends(fill, [&] { return fill_buffer_base(w.buffer, "1234", 4, 5, (word{1} << 62) + 3); });
+    std::vector<unsigned char> const pattern(memory, std::end(memory));
+    fill = {nullptr, buffer, host, 64, 5, 192};
+    sends(fill, [&] { return fill_buffer_bytes(w.buffer, pattern, 5, 3); });
+    sends(clEnqueueFillImage{nullptr, image, &first, a, b},
+          [&] { return fill_image_base(w.image, &first, first, second); });
+
+    std::vector<_nq_cl_mem*> const objects{buffer, image, buffer_2};
+    sends(clEnqueueMigrateMemObjects{.flags = flags, .mem_objects = objects.data(), .num_mem_objects = 3},
+          [&] { return migrate_mem_objects(objects, value{flags}); });
+    sends(clEnqueueMigrateMemObjects{.flags = flags},
+          [&] { return migrate_mem_objects(std::vector<_nq_cl_mem*>(), value{flags}); });
+}
+
+// Typed fills keep the pattern themselves, also after an assignment.
+TEST_F(commands, keeps_typed_patterns) {
+    auto const keeps = [&](auto const& sent, auto make, auto other) {
+        sends(sent, make);
+        auto assigned = other;
+        auto source = std::make_unique<decltype(other)>(make());
+        assigned = *source;
+        other = std::move(*source);
+        source.reset();
+        enqueues(sent, assigned);
+        enqueues(sent, other);
+    };
+    std::array<std::int32_t, 4> const color{-1, 2, 3, 4};
+    keeps(
+        clEnqueueFillBuffer{nullptr, buffer, &third, 24, 5, 72},
+        [&] { return fill_buffer<array3>(w.buffer, third, 5, 3); }, fill_buffer<array3>(w.buffer_2, second, 6, 4));
+    keeps(
+        clEnqueueFillImage{nullptr, image, &color, a, b},
+        [&] { return fill_image<std::int32_t>(w.image, color, first, second); },
+        fill_image<std::int32_t>(w.image_2, {}, third, third));
+#if UNIT_OPENCL >= 200
+    keeps(
+        clEnqueueSVMMemFill{nullptr, &w, &third, 24, 72}, [&] { return fill_svm<array3>(&w, third, 3); },
+        fill_svm<array3>(host, second, 4));
+#endif
+}
+
+TEST_F(commands, reads_another_pattern_from_then_on) {
+    fill_buffer_base of_buffer(w.buffer, "1234", 4, 5, 1);
+    of_buffer.update_pattern_pointer("5678");
+    enqueues(clEnqueueFillBuffer{nullptr, buffer, "5678", 4, 5, 4}, of_buffer);
+    fill_image_base of_image(w.image, &first, first, second);
+    of_image.update_fill_color_pointer(&third);
+    enqueues(clEnqueueFillImage{nullptr, image, &third, a, b}, of_image);
+#if UNIT_OPENCL >= 200
+    fill_svm_base of_memory(host, "1234", 4, 1);
+    of_memory.update_pattern_pointer("5678");
+    enqueues(clEnqueueSVMMemFill{nullptr, host, "5678", 4, 4}, of_memory);
+#endif
+}
+#endif
+
+#if UNIT_OPENCL >= 200
+TEST_F(commands, shares_memory) {
+    std::vector<void*> pointers{host, nullptr, &w};
+    auto* const freed = +[](_nq_cl_command_queue*, std::uint32_t, void**, void*) {};
+    clEnqueueSVMFree free{.svm_pointers = pointers.data(), .num_svm_pointers = 3};
+    sends(free, [&] { return svm_free(pointers); });
+    free.pfn_free_func = freed;
+    free.user_data = &w;
+    sends(free, [&] { return svm_free(pointers, freed, &w); });
+    sends(clEnqueueSVMFree{}, [] { return svm_free(std::vector<void*>()); });
+    for (std::uint32_t const blocking : {0U, 1U, 7U}) { // passed on as given
+        sends(clEnqueueSVMMemcpy{.dst_ptr = host, .src_ptr = &w, .size = large, .blocking_copy = blocking},
+              [&] { return svm_memcpy(blocking, host, &w, large); });
+    }
+    sends(clEnqueueSVMMemFill{nullptr, host, "1234", 4, 1024}, [&] { return fill_svm_base(host, "1234", 4, 256); });
+    for (bool const blocking : {false, true}) {
+        sends(clEnqueueSVMMap{.map_flags = flags, .svm_ptr = host, .size = large, .blocking_map = blocking},
+              [&] { return svm_map(blocking, value{flags}, host, large); });
+    }
+    sends(clEnqueueSVMUnmap{.svm_ptr = host}, [&] { return svm_unmap(host); });
+}
+#endif
+
+#if UNIT_OPENCL >= 210
+TEST_F(commands, migrates_shared_memory) {
+    std::vector<void const*> const pointers{host, nullptr, &w};
+    std::vector<std::size_t> const sizes{large, 0, 7};
+    clEnqueueSVMMigrateMem const sent{
+        .num_svm_pointers = 3, .svm_pointers = pointers.data(), .sizes = sizes.data(), .flags = flags};
+    sends(sent, [&] { return svm_migrate_mem(pointers, sizes, value{flags}); });
+    sends(clEnqueueSVMMigrateMem{.flags = flags}, [] { return svm_migrate_mem({}, {}, value{flags}); });
+    EXPECT_EQ(message_of<std::logic_error>([&] { svm_migrate_mem(pointers, {}, value{1}); }),
+              "svm_migrate_mem::svm_migrate_mem : arguments svm_pointers and sizes must have an equal number of "
+              "elements.");
+}
+#endif
+
+#if UNIT_OPENCL >= 120
+TEST_F(commands, passes_null_and_0_for_a_list_that_it_gave_away) {
+    auto const given_away = [](auto command) {
+        auto const taken = std::move(command);
+        return command; // NOLINT(bugprone-use-after-move)
+    };
+    sends(clEnqueueFillBuffer{.buffer = buffer, .offset = 5}, [&] {
+        return given_away(fill_buffer_bytes(w.buffer, {1, 2}, 5, 3));
     });
+    sends(clEnqueueMigrateMemObjects{.flags = 1}, [&] {
+        return given_away(migrate_mem_objects(std::vector{buffer, image}, value{1}));
+    });
+#if UNIT_OPENCL >= 200
+    sends(clEnqueueSVMFree{}, [&] { return given_away(svm_free(std::vector{host})); });
+#endif
+#if UNIT_OPENCL >= 210
+    sends(clEnqueueSVMMigrateMem{.flags = 1}, [&] { return given_away(svm_migrate_mem({host}, {1}, value{1})); });
+#endif
 }
-
-TYPED_TEST(commands, launches_kernels) {
-    auto& w = this->objects;
-    places const at{40, 48, 56, 64};
-    std::vector<field> fields{u8(8, w.kernel), u4(60, 1)};
-    if constexpr (TypeParam::number < 110) {
-        fields.push_back(u8(16, nullptr));
-        this->template sends<clEnqueueNDRangeKernel>({at, fields, {own(24, first), own(32, second)}}, [&] {
-            return typename TypeParam::nd_range_kernel(w.kernel, 1, first, second);
-        });
-        this->template sends<clEnqueueTask>({{16, 24, 32, 36}, {u8(8, w.kernel)}},
-                                            [&] { return typename TypeParam::task_kernel(w.kernel); });
-        EXPECT_FALSE(std::is_copy_constructible_v<typename TypeParam::task_kernel>);
-    } else {
-        std::vector<own_words> const arrays{own(16, first), own(24, second), own(32, third)};
-        this->template sends<clEnqueueNDRangeKernel>({at, fields, arrays}, [&] {
-            return typename TypeParam::nd_range_kernel(w.kernel, 1, first, second, third);
-        });
-    }
-    EXPECT_FALSE(std::is_copy_constructible_v<typename TypeParam::nd_range_kernel>);
-}
-
-void on_host(void*) {}
-
-TYPED_TEST(commands, runs_native_functions) {
-    auto& w = this->objects;
-    _nq_cl_mem* const mem_list[] = {owner_access::raw(w.buffer)};
-    void const* places_of_objects[] = {this->memory};
-    this->template sends<clEnqueueNativeKernel>(
-        {{48, 56, 64, 72},
-         {u8(8, &on_host), u8(16, this->memory), u8(24, 64), u8(32, mem_list), u8(40, places_of_objects), u4(68, 1)}},
-        [&] { return typename TypeParam::native_kernel(&on_host, this->memory, 64, 1, mem_list, places_of_objects); });
-    // nothing is taken for granted
-    this->template sends<clEnqueueNativeKernel>(
-        {{48, 56, 64, 72}, {u8(8, &on_host), u8(16, nullptr), u8(24, 9), u8(32, nullptr), u8(40, nullptr), u4(68, 2)}},
-        [&] { return typename TypeParam::native_kernel(&on_host, nullptr, 9, 2, nullptr, nullptr); });
-}
-
-TYPED_TEST(commands, fills_and_migrates) {
-    if constexpr (TypeParam::number >= 120) {
-        auto& w = this->objects;
-        places const at{48, 56, 64, 68};
-        auto const filled = [&](word pattern_size, word size) {
-            return std::vector<field>{u8(8, w.buffer), u8(24, pattern_size), u8(32, 5), u8(40, size)};
-        };
-        std::vector<field> fields = filled(4, 64);
-        fields.push_back(u8(16, this->memory));
-        this->template sends<clEnqueueFillBuffer>(
-            {at, fields}, [&] { return typename TypeParam::fill_buffer_base(w.buffer, this->memory, 4, 5, 16); });
-        this->template sends<clEnqueueFillBuffer>({at, filled(4, 12)}, [&] { // the product wraps
-            return typename TypeParam::fill_buffer_base(w.buffer, this->memory, 4, 5, (word{1} << 62) + 3);
-        });
-        std::vector<unsigned char> const pattern{1, 2, 3, 4, 5, 6, 7, 8};
-        this->template sends<clEnqueueFillBuffer>({at, filled(8, 24), {{16, {0x0807060504030201}, false}}}, [&] {
-            return typename TypeParam::fill_buffer_bytes(w.buffer, pattern, 5, 3);
-        });
-        this->template sends<clEnqueueFillImage>(
-            {{40, 48, 56, 60}, {u8(8, w.image), u8(16, this->memory)}, {own(24, first), own(32, second)}},
-            [&] { return typename TypeParam::fill_image_base(w.image, this->memory, first, second); });
-
-        std::vector<_nq_cl_mem*> const handles{owner_access::raw(w.buffer), owner_access::raw(w.image)};
-        places const of_migration{24, 32, 40, 48, 8};
-        this->template sends<clEnqueueMigrateMemObjects>(
-            {of_migration, {u8(0, flags), u4(44, 2)}, {{16, {word_of(w.buffer), word_of(w.image)}, false}}},
-            [&] { return typename TypeParam::migrate_mem_objects(handles, value{flags}); });
-        std::vector<_nq_cl_mem*> const none;
-        this->template sends<clEnqueueMigrateMemObjects>(
-            {of_migration, {u8(0, flags), u8(16, nullptr), u4(44, 0)}},
-            [&] { return typename TypeParam::migrate_mem_objects(none, value{flags}); });
-    }
-}
-
-TYPED_TEST(commands, shares_memory) {
-    if constexpr (TypeParam::number >= 200) {
-        auto& w = this->objects;
-        std::vector<void*> const pointers{this->memory, nullptr};
-        auto* const freed = +[](_nq_cl_command_queue*, std::uint32_t, void**, void*) {};
-        places const at{32, 40, 48, 56};
-        std::vector<own_words> const arrays{{8, {word_of(this->memory), 0}, false}};
-        this->template sends<clEnqueueSVMFree>({at, {u8(16, nullptr), u8(24, nullptr), u4(52, 2)}, arrays},
-                                               [&] { return typename TypeParam::svm_free(pointers); });
-        this->template sends<clEnqueueSVMFree>({at, {u8(16, freed), u8(24, &w), u4(52, 2)}, arrays},
-                                               [&] { return typename TypeParam::svm_free(pointers, freed, &w); });
-        std::vector<void*> const none;
-        this->template sends<clEnqueueSVMFree>({at, {u8(8, nullptr), u4(52, 0)}},
-                                               [&] { return typename TypeParam::svm_free(none); });
-        for (std::uint32_t const blocking : {0U, 1U, 7U}) { // passed on as given
-            this->template sends<clEnqueueSVMMemcpy>(
-                {at, {u8(8, this->memory), u8(16, &w), u8(24, large), u4(52, blocking)}},
-                [&] { return typename TypeParam::svm_memcpy(blocking, this->memory, &w, large); });
-        }
-        this->template sends<clEnqueueSVMMemFill>(
-            {{40, 48, 56, 60}, {u8(8, this->memory), u8(16, &w), u8(24, 4), u8(32, 1024)}},
-            [&] { return typename TypeParam::fill_svm_base(this->memory, &w, 4, 256); });
-        for (bool const blocking : {false, true}) {
-            this->template sends<clEnqueueSVMMap>(
-                {{32, 40, 48, 56, 8}, {u8(0, flags), u8(16, this->memory), u8(24, large), u4(52, blocking)}},
-                [&] { return typename TypeParam::svm_map(blocking, value{flags}, this->memory, large); });
-        }
-        this->template sends<clEnqueueSVMUnmap>({{16, 24, 32, 36}, {u8(8, this->memory)}},
-                                                [&] { return typename TypeParam::svm_unmap(this->memory); });
-    }
-}
-
-TYPED_TEST(commands, migrates_shared_memory) {
-    if constexpr (TypeParam::number >= 210) {
-        using svm_migrate_mem = typename TypeParam::svm_migrate_mem;
-        places const at{48, 56, 64, 40};
-        this->template sends<clEnqueueSVMMigrateMem>(
-            {at, {u4(8, 2), u8(32, flags)}, {{16, {word_of(this->memory), 0}, false}, {24, {large, 0}, false}}}, [&] {
-                return svm_migrate_mem({this->memory, nullptr}, {large, 0}, value{flags});
-            });
-        this->template sends<clEnqueueSVMMigrateMem>({at, {u4(8, 0), u8(16, nullptr), u8(24, nullptr), u8(32, flags)}},
-                                                     [&] { return svm_migrate_mem({}, {}, value{flags}); });
-        EXPECT_EQ(message_of<std::logic_error>([&] {
-                      svm_migrate_mem({this->memory, nullptr}, {16}, value{1});
-                  }),
-                  "svm_migrate_mem::svm_migrate_mem : arguments svm_pointers and sizes must have an equal number of "
-                  "elements.");
-    }
-}
+#endif
 
 } // namespace
 } // namespace unit

@@ -1,154 +1,107 @@
-#include "unit/allocations.hpp"
 #include "unit/members.hpp"
 
 namespace unit {
 namespace {
 
-using namespace nq::block; // NOLINT(google-build-using-namespace)
-
-template <class Api>
-class contexts : public members<Api> {
+class contexts : public members {
 protected:
-    std::array<char, 16> memory{};
+    char memory[16]{};
+    void* const host = memory;
+    _nq_cl_context* const raw = raw_of(w.context);
 };
-TYPED_TEST_SUITE(contexts, versions);
 
 constexpr word flags = 0x8000000000000021;
-
-template <class Api>
-using properties_type = std::vector<typename Api::context_property>;
+constexpr value any{flags};
 
 void on_error(char const*, void const*, std::size_t, void*) {}
-void on_program(_nq_cl_program*, void*) {}
 
-TYPED_TEST(contexts, is_made_of_devices) {
-    auto& w = this->objects;
-    properties_type<TypeParam> const properties{0x1084, 0x1234, 0};
-    auto const ids = scripted::bytes_of(word_of(w.device), word_of(w.device_2));
+TEST_F(contexts, is_made_of_devices) {
+    std::vector<context_property> const properties{0x1084, 0x1234, 0};
+    std::vector<context_property> const none;
+    std::int64_t const list[]{0x1084, 0x1234, 0};
     // the devices are of two call handles: the first one's is taken
-    this->template performs<clCreateContext>(
-        w.device, {.status = 48, .object = 40}, {u8(0, properties.data()), u4(8, 2), u8(24, &on_error), u8(32, &w)},
-        [&] { return w.create_context(properties, w.devices, &on_error, &w); }, {{"devices", ids}});
-    properties_type<TypeParam> const none;
-    this->template performs<clCreateContext>(w.device, {.status = 48, .object = 40},
-                                             {u8(0, nullptr), u4(8, 2), u8(24, nullptr), u8(32, nullptr)},
-                                             [&] { return w.create_context(none, w.devices, nullptr, nullptr); });
-    this->forget();
-    EXPECT_EQ(message_of<std::logic_error>(
-                  [&] { w.create_context(none, std::vector<typename TypeParam::device>{}, nullptr, nullptr); }),
-              "Cannot create a context without supplying any devices!");
-    EXPECT_EQ(this->libnq.names(), calls{});
-}
-
-TYPED_TEST(contexts, is_made_of_a_device_type) {
-    auto& w = this->objects;
-    properties_type<TypeParam> const properties{0x1084, 0x1234, 0};
-    properties_type<TypeParam> const none;
+    performs(w.device, clCreateContext{list, 2, w.ids.data(), &on_error, &w},
+             [&] { return create_context(properties, w.devices, &on_error, &w); });
+    performs(w.device, clCreateContext{nullptr, 2, w.ids.data(), nullptr, nullptr},
+             [&] { return create_context(none, w.devices, nullptr, nullptr); });
     auto const& other = owner_access::call_handle(w.queue);
-    auto const makes = [&](auto const& list, void const* passed) {
-        this->template performs<clCreateContextFromType>(
-            other, {.status = 40, .object = 32}, {u8(0, passed), u8(8, flags), u8(16, &on_error), u8(24, &w)}, [&] {
-                typename TypeParam::device_type const type = value{flags};
-                return w.create_context_from_type(other, list, type, &on_error, &w);
-            });
-    };
-    makes(properties, properties.data());
-    makes(none, nullptr);
+    performs(other, clCreateContextFromType{list, flags, &on_error, &w},
+             [&] { return create_context_from_type(other, properties, any, &on_error, &w); });
+    performs(other, clCreateContextFromType{nullptr, 4, nullptr, nullptr},
+             [&] { return create_context_from_type(other, none, value{4}, nullptr, nullptr); });
+    libnq.forget_calls();
+    EXPECT_EQ(message_of<std::logic_error>([&] { create_context(none, {}, nullptr, nullptr); }),
+              "Cannot create a context without supplying any devices!");
+    EXPECT_EQ(libnq.names(), names{});
 }
 
-TYPED_TEST(contexts, creates_memory_objects) {
-    auto& w = this->objects;
-    this->template performs<clCreateBuffer>(
-        w.context, {.status = 40, .object = 32},
-        {u8(0, flags), u8(8, w.context), u8(16, 0x123456789A), u8(24, this->memory.data())},
-        [&] { return w.context.create_buffer(value{flags}, 0x123456789A, this->memory.data()); });
-    if constexpr (TypeParam::number >= 110) {
-        this->template performs<clCreateSubBuffer>(
-            w.context, {.status = 32, .object = 24}, {u8(0, flags), u8(8, w.buffer), u4(36, 0x1220)},
-            [&] { return w.context.create_sub_buffer(w.buffer, value{flags}, 0x111111111, 0x222222222); },
-            {list("buffer_create_info", {0x111111111, 0x222222222})});
-    }
-    if constexpr (TypeParam::number >= 200) {
-        this->template performs<clCreatePipe>(
-            w.context, {.status = 40, .object = 24},
-            {u8(0, flags), u8(8, w.context), u8(16, nullptr), u4(32, 0xFFFFFFFE), u4(36, 7)},
-            [&] { return w.context.create_pipe(value{flags}, 0xFFFFFFFE, 7); });
-    }
+TEST_F(contexts, creates_memory_objects) {
+    performs(w.context, clCreateBuffer{flags, raw, large, host},
+             [&] { return w.context.create_buffer(any, large, host); });
+#if UNIT_OPENCL >= 110
+    nq::buffer_region const region{0x111111111, 0x222222222};
+    clCreateSubBuffer const sent{
+        .flags = flags, .buffer = raw_of(w.buffer), .buffer_create_info = &region, .buffer_create_type = 0x1220};
+    performs(w.context, sent, [&] { return w.context.create_sub_buffer(w.buffer, any, region.origin, region.size); });
+#endif
+#if UNIT_OPENCL >= 200
+    performs(w.context, clCreatePipe{flags, raw, nullptr, nullptr, 0xFFFFFFFE, 7},
+             [&] { return w.context.create_pipe(any, 0xFFFFFFFE, 7); });
+#endif
 }
 
 // The sizes and pitches are all different, so that an exchange is seen.
-TYPED_TEST(contexts, creates_images_from_sizes) {
-    if constexpr (TypeParam::number < 120) {
-        auto& w = this->objects;
-        typename TypeParam::image_format const format{value{0x10B5}, value{0x10D2}};
-        std::vector<pointee> const formats{list<std::uint32_t>("image_format", {0x10B5, 0x10D2})};
-        void* const host = this->memory.data();
-        this->template performs<clCreateImage2D>(
-            w.context, {.status = 64, .object = 56},
-            {u8(0, flags), u8(8, w.context), u8(24, 11), u8(32, 12), u8(40, 13), u8(48, host)},
-            [&] { return w.context.create_image_2d(value{flags}, format, 11, 12, 13, host); }, formats);
-        this->template performs<clCreateImage3D>(
-            w.context, {.status = 80, .object = 72},
-            {u8(0, flags), u8(8, w.context), u8(24, 11), u8(32, 12), u8(40, 13), u8(48, 14), u8(56, 15), u8(64, host)},
-            [&] { return w.context.create_image_3d(value{flags}, format, 11, 12, 13, 14, 15, host); }, formats);
-    }
+#if UNIT_OPENCL < 120
+TEST_F(contexts, creates_images) {
+    image_format const format{value{0x10B5}, value{0x10D2}};
+    performs(w.context, clCreateImage2D{flags, raw, &format, 11, 12, 13, host},
+             [&] { return w.context.create_image_2d(any, format, 11, 12, 13, host); });
+    performs(w.context, clCreateImage3D{flags, raw, &format, 11, 12, 13, 14, 15, host},
+             [&] { return w.context.create_image_3d(any, format, 11, 12, 13, 14, 15, host); });
 }
-
-TYPED_TEST(contexts, creates_images_from_a_descriptor) {
-    if constexpr (TypeParam::number >= 120) {
-        auto& w = this->objects;
-        typename TypeParam::image_format const format{value{0x10B5}, value{0x10D2}};
-        void* const host = this->memory.data();
-        // A descriptor is the type, width, height, depth, array size, row pitch, slice pitch, two counts and a buffer.
-        auto const creates = [&](std::vector<word> const& descriptor, auto create) {
-            this->template performs<clCreateImage>(
-                w.context, {.status = 48, .object = 40}, {u8(0, flags), u8(8, w.context), u8(32, host)},
-                [&] { return create(value{flags}, format); },
-                {list<std::uint32_t>("image_format", {0x10B5, 0x10D2}), list("image_desc", descriptor)});
-        };
-        creates({0x10F4, 11, 0, 0, 0, 12, 0, 0, 0},
-                [&](auto... head) { return w.context.create_image_1d(head..., 11, 12, host); });
-        creates({0x10F6, 11, 0, 0, 0, 12, 0, 0, word_of(w.buffer)},
-                [&](auto... head) { return w.context.create_image_1d_buffer(head..., w.buffer, 11, 12, host); });
-        creates({0x10F5, 11, 0, 0, 12, 14, 13, 0, 0},
-                [&](auto... head) { return w.context.create_image_1d_array(head..., 11, 12, 13, 14, host); });
-        creates({0x10F1, 11, 12, 0, 0, 13, 0, 0, 0},
-                [&](auto... head) { return w.context.create_image_2d(head..., 11, 12, 13, host); });
-        creates({0x10F3, 64, 65, 0, 4, 256, 4096, 0, 0},
-                [&](auto... head) { return w.context.create_image_2d_array(head..., 64, 65, 4, 4096, 256, host); });
-        creates({0x10F2, 11, 12, 13, 0, 14, 15, 0, 0},
-                [&](auto... head) { return w.context.create_image_3d(head..., 11, 12, 13, 14, 15, host); });
-    }
+#else
+TEST_F(contexts, creates_images) {
+    image_format const format{value{0x10B5}, value{0x10D2}};
+    // A descriptor is the type, width, height, depth, array size, row pitch, slice pitch, two counts and a buffer.
+    auto const creates = [&](nq::image_desc const& descriptor, auto create) {
+        performs(w.context, clCreateImage{flags, raw, &format, &descriptor, host}, create);
+    };
+    auto& c = w.context;
+    creates({0x10F4, 11, 0, 0, 0, 12, 0, 0, 0, nullptr}, [&] { return c.create_image_1d(any, format, 11, 12, host); });
+    creates({0x10F6, 11, 0, 0, 0, 12, 0, 0, 0, raw_of(w.buffer)},
+            [&] { return c.create_image_1d_buffer(any, format, w.buffer, 11, 12, host); });
+    creates({0x10F5, 11, 0, 0, 12, 14, 13, 0, 0, nullptr},
+            [&] { return c.create_image_1d_array(any, format, 11, 12, 13, 14, host); });
+    creates({0x10F1, 11, 12, 0, 0, 13, 0, 0, 0, nullptr},
+            [&] { return c.create_image_2d(any, format, 11, 12, 13, host); });
+    creates({0x10F3, 64, 65, 0, 4, 256, 4096, 0, 0, nullptr},
+            [&] { return c.create_image_2d_array(any, format, 64, 65, 4, 4096, 256, host); });
+    creates({0x10F2, 11, 12, 13, 0, 14, 15, 0, 0, nullptr},
+            [&] { return c.create_image_3d(any, format, 11, 12, 13, 14, 15, host); });
 }
+#endif
 
-TYPED_TEST(contexts, lists_image_formats_in_two_calls) {
-    auto& w = this->objects;
-    auto const lists = [&](std::uint32_t type, auto read) {
-        for (std::vector<std::uint32_t> const& words :
-             {std::vector<std::uint32_t>{}, {0x10B0, 0x10DE, 0x10B5, 0x10D2}}) {
-            this->libnq.template reply<clGetSupportedImageFormats>(type, scripted::bytes_of_list(words));
-            this->forget();
-            auto const formats = read();
-            EXPECT_EQ(scripted::bytes_of_list(formats), scripted::bytes_of_list(words));
-            this->expect_listing("clGetSupportedImageFormats", handle_of(w.context),
-                                 {u8(0, flags), u8(8, w.context), u4(36, type)}, {40, 16, 24}, words.size() / 2);
-        }
-        for (unsigned const n : {1U, 2U}) {
-            this->libnq.template fail<clGetSupportedImageFormats>(scripted::status(-30), n);
-            EXPECT_THROW(read(), common::invalid_value);
+TEST_F(contexts, lists_image_formats_in_two_calls) {
+    auto const lists = [&](std::uint32_t type, std::vector<image_format> (context::*read)(mem_flags)) {
+        for (std::uint32_t const count : {0U, 2U}) {
+            std::vector<image_format> const formats(count, {value{0x10B0}, value{0x10DE}});
+            libnq.reply<clGetSupportedImageFormats>(type, scripted::bytes_of_list(formats));
+            clGetSupportedImageFormats const counting{flags, raw, nullptr, somewhere, 0, type, 0};
+            members::lists(w.context, counting, {flags, raw, somewhere, nullptr, 0, type, count}, count,
+                           [&] { return (w.context.*read)(any); });
+            EXPECT_EQ((w.context.*read)(any), formats);
         }
     };
-    constexpr value any{flags};
-    lists(0x10F1, [&] { return w.context.image_2d_supported_formats(any); });
-    lists(0x10F2, [&] { return w.context.image_3d_supported_formats(any); });
-    if constexpr (TypeParam::number >= 120) {
-        lists(0x10F4, [&] { return w.context.image_1d_supported_formats(any); });
-        lists(0x10F6, [&] { return w.context.image_1d_buffer_supported_formats(any); });
-        lists(0x10F5, [&] { return w.context.image_1d_array_supported_formats(any); });
-        lists(0x10F3, [&] { return w.context.image_2d_array_supported_formats(any); });
-    }
+    lists(0x10F1, &context::image_2d_supported_formats);
+    lists(0x10F2, &context::image_3d_supported_formats);
+#if UNIT_OPENCL >= 120
+    lists(0x10F4, &context::image_1d_supported_formats);
+    lists(0x10F6, &context::image_1d_buffer_supported_formats);
+    lists(0x10F5, &context::image_1d_array_supported_formats);
+    lists(0x10F3, &context::image_2d_array_supported_formats);
+#endif
     // what the second call leaves unwritten stays zero, and the vector is not shrunk
-    this->libnq.template on<clGetSupportedImageFormats>([](clGetSupportedImageFormats& block) {
+    libnq.on<clGetSupportedImageFormats>([](clGetSupportedImageFormats& block) {
         if (block.num_image_formats != nullptr) {
             *block.num_image_formats = 3;
         }
@@ -156,167 +109,140 @@ TYPED_TEST(contexts, lists_image_formats_in_two_calls) {
     EXPECT_EQ(scripted::bytes_of_list(w.context.image_2d_supported_formats(any)), std::string(24, '\0'));
 }
 
-TYPED_TEST(contexts, creates_samplers) {
-    auto& w = this->objects;
+TEST_F(contexts, creates_samplers) {
     for (bool const normalized : {false, true}) {
-        auto const make = [&] { return w.context.create_sampler(normalized, value{0x1133}, value{0x1141}); };
-        if constexpr (TypeParam::number < 200) {
-            this->template performs<clCreateSampler>(
-                w.context, {.status = 20, .object = 24},
-                {u8(0, w.context), u4(8, normalized), u4(12, 0x1133), u4(16, 0x1141)}, make);
-        } else {
-            this->template performs<clCreateSamplerWithProperties>(
-                w.context, {.status = 24, .object = 16}, {u8(0, w.context)}, make,
-                {list("sampler_properties", {0x1152, normalized, 0x1153, 0x1133, 0x1154, 0x1141, 0})});
-        }
+#if UNIT_OPENCL < 200
+        clCreateSampler const sent{raw, normalized, 0x1133, 0x1141};
+#else
+        words const properties{0x1152, normalized, 0x1153, 0x1133, 0x1154, 0x1141, 0};
+        clCreateSamplerWithProperties const sent{raw, properties.data()};
+#endif
+        performs(w.context, sent, [&] { return w.context.create_sampler(normalized, value{0x1133}, value{0x1141}); });
     }
 }
 
-TYPED_TEST(contexts, creates_host_queues) {
-    auto& w = this->objects;
+TEST_F(contexts, creates_host_queues) {
     for (word const bits : {0U, 1U, 2U, 3U}) {
-        auto const make = [&] {
-            return TypeParam::create_queue(w.context, w.device, (bits & 1) != 0, (bits & 2) != 0);
-        };
-        if constexpr (TypeParam::number < 200) {
-            this->template performs<clCreateCommandQueue>(w.context, {.status = 24, .object = 32},
-                                                          {u8(0, w.context), u8(8, w.device), u8(16, bits)}, make);
-        } else {
-            this->template performs<clCreateCommandQueueWithProperties>(w.context, {.status = 32, .object = 24},
-                                                                        {u8(0, w.device), u8(8, w.context)}, make,
-                                                                        {list("properties", {0x1093, bits, 0})});
-        }
+#if UNIT_OPENCL < 200
+        clCreateCommandQueue const sent{raw, raw_of(w.device), bits};
+#else
+        words const properties{0x1093, bits, 0};
+        clCreateCommandQueueWithProperties const sent{raw_of(w.device), raw, properties.data()};
+#endif
+        performs(w.context, sent,
+                 [&] { return api::create_queue(w.context, w.device, (bits & 1) != 0, (bits & 2) != 0); });
     }
 }
 
-TYPED_TEST(contexts, creates_device_queues) {
-    if constexpr (TypeParam::number >= 200) {
-        auto& w = this->objects;
-        auto const creates = [&](std::vector<word> const& properties, auto make) {
-            this->template performs<clCreateCommandQueueWithProperties>(
-                w.context, {.status = 32, .object = 24}, {u8(0, w.device), u8(8, w.context)}, [&] { return make(); },
-                {list("properties", properties)});
-        };
-        for (bool const profiling : {false, true}) {
-            word const bits = profiling ? 7 : 5;
-            creates({0x1093, bits, 0}, [&] { return w.context.create_device_command_queue(w.device, profiling); });
-            creates({0x1093, bits, 0x1094, 65536, 0},
-                    [&] { return w.context.create_device_command_queue(w.device, profiling, 65536); });
-            creates({0x1093, bits + 8, 0},
-                    [&] { return w.context.create_default_device_command_queue(w.device, profiling); });
-            creates({0x1093, bits + 8, 0x1094, 0, 0},
-                    [&] { return w.context.create_default_device_command_queue(w.device, profiling, 0); });
-        }
-    }
-    if constexpr (TypeParam::number >= 210) {
-        auto& w = this->objects;
-        this->template performs<clSetDefaultDeviceCommandQueue>(
-            w.context, {.status = 24}, {u8(0, w.context), u8(8, w.device), u8(16, w.device_queue)},
-            [&] { w.context.set_default_device_command_queue(w.device, w.device_queue); });
-    }
-}
-
-TYPED_TEST(contexts, creates_programs) {
-    auto& w = this->objects;
-    std::string const source{"kernel void f() {}"};
-    auto const creates = [&](auto const& given, std::string const& sent) {
-        this->template performs<clCreateProgramWithSource>(
-            w.context, {.status = 32, .object = 24}, {u8(0, w.context), u8(16, nullptr), u4(36, 1)},
-            [&] { return w.context.create_program_from_source(given); }, {{"strings", sent}});
+#if UNIT_OPENCL >= 200
+TEST_F(contexts, creates_device_queues) {
+    auto const creates = [&](words const& properties, auto make) {
+        performs(w.context, clCreateCommandQueueWithProperties{raw_of(w.device), raw, properties.data()}, make);
     };
-    creates(source, source);
-    creates(source.c_str(), source);
-    creates(static_cast<char const*>(nullptr), ""); // is OpenCL's to judge
-    std::vector<typename TypeParam::device_binary> const binaries{{w.device, {1, 2, 3}}, {w.device_2, {4}}};
-    this->template performs<clCreateProgramWithBinary>(
-        w.context, {.status = 48, .object = 40}, {u8(0, w.context), u8(32, nullptr), u4(52, 2)},
-        [&] {
-            auto made = w.context.create_program_from_binary(binaries);
-            EXPECT_EQ(this->libnq.calls().back().parts("binaries"), (calls{"\1\2\3", "\4"}));
-            return made;
-        },
-        {list("device_list", {word_of(w.device), word_of(w.device_2)}), list("lengths", {3, 1})});
-    this->forget();
-    EXPECT_EQ(message_of<std::logic_error>([&] { w.context.create_program_from_binary({}); }),
-              "Cannot create a device binary from an empty collection of binaries.");
-    EXPECT_EQ(this->libnq.names(), calls{});
-    if constexpr (TypeParam::number >= 210) {
-        std::vector<unsigned char> const il{3, 2, 35, 7};
-        this->template performs<clCreateProgramWithIL>(
-            w.context, {.status = 32, .object = 24}, {u8(0, w.context), u8(8, il.data()), u8(16, 4)},
-            [&] { return w.context.create_program_from_il(il); }, {{"il", {3, 2, 35, 7}}});
+    auto& c = w.context;
+    for (bool const profiling : {false, true}) {
+        word const bits = profiling ? 7 : 5;
+        creates({0x1093, bits, 0}, [&] { return c.create_device_command_queue(w.device, profiling); });
+        creates({0x1093, bits, 0x1094, 65536, 0},
+                [&] { return c.create_device_command_queue(w.device, profiling, 65536); });
+        creates({0x1093, bits + 8, 0}, [&] { return c.create_default_device_command_queue(w.device, profiling); });
+        creates({0x1093, bits + 8, 0x1094, 0, 0},
+                [&] { return c.create_default_device_command_queue(w.device, profiling, 0); });
     }
 }
 
-TYPED_TEST(contexts, creates_programs_of_builtin_kernels_and_by_linking) {
-    if constexpr (TypeParam::number >= 120) {
-        auto& w = this->objects;
-        auto const devices = list("device_list", {word_of(w.device), word_of(w.device_2)});
-        auto const programs = list("input_programs", {word_of(w.program), word_of(w.program_2)});
-        results const at{.status = 32, .object = 24};
-        this->template performs<clCreateProgramWithBuiltInKernels>(
-            w.context, at, {u8(0, w.context), u4(36, 2)},
-            [&] {
-                return w.context.create_program_from_builtin_kernels(w.devices, {"a", "b"});
-            },
-            {devices, {"kernel_names", "a;b"}});
-        this->template performs<clCreateProgramWithBuiltInKernels>(
-            w.context, at, {u8(0, w.context), u8(8, nullptr), u4(36, 0)},
-            [&] { return w.context.create_program_from_builtin_kernels({}, {}); }, {{"kernel_names", ""}});
-        results const linked{.status = 56, .object = 40};
-        this->template performs<clLinkProgram>(
-            w.context, linked, {u8(0, w.context), u8(32, &on_program), u8(48, &w), u4(60, 2), u4(64, 2)},
-            [&] { return w.context.link_programs(w.devices, w.programs, "-x", &on_program, &w); },
-            {devices, programs, {"options", "-x"}});
-        this->template performs<clLinkProgram>(
-            w.context, linked,
-            {u8(0, w.context), u8(8, nullptr), u8(24, nullptr), u8(32, nullptr), u8(48, nullptr), u4(60, 0), u4(64, 0)},
-            [&] { return w.context.link_programs({}, {}, "", nullptr, nullptr); }, {{"options", ""}});
-        this->libnq.template fail<clLinkProgram>(scripted::status(-11));
-        EXPECT_THROW(w.context.link_programs({}, {}, "", nullptr, nullptr), common::build_program_failure);
+TEST_F(contexts, allocates_shared_memory) {
+    performs(w.context, clSVMAlloc{flags, raw, large, nullptr, 64}, // the alignment has 32 bits
+             [&] { return w.context.svm_allocate(any, large, 0x100000040); });
+    performs(w.context, clSVMFree{raw, host}, [&] { w.context.svm_free(host); });
+    libnq.on<clSVMAlloc>([](clSVMAlloc& block) { block.result = nullptr; });
+    EXPECT_EQ(w.context.svm_allocate(any, 1, 0), nullptr);
+}
+#endif
+
+#if UNIT_OPENCL >= 210
+TEST_F(contexts, sets_the_default_device_queue) {
+    performs(w.context, clSetDefaultDeviceCommandQueue{raw, raw_of(w.device), raw_of(w.device_queue)},
+             [&] { w.context.set_default_device_command_queue(w.device, w.device_queue); });
+}
+#endif
+
+TEST_F(contexts, creates_user_events_and_waits) {
+    _nq_cl_event* const events[]{raw_of(w.event), nullptr};
+    performs(w.context, clWaitForEvents{events, 0, 2}, [&] { w.context.wait_for_events(2, events); });
+    performs(w.context, clWaitForEvents{nullptr, 0, 0}, [&] { w.context.wait_for_events(0, nullptr); });
+#if UNIT_OPENCL >= 110
+    performs(w.context, clCreateUserEvent{raw}, [&] { return w.context.create_user_event(); });
+#endif
+}
+
+class queues : public members {
+protected:
+    std::array<_nq_cl_event*, 2> const events{raw_of(w.event), nullptr};
+};
+
+TEST_F(queues, is_flushed_and_finished) {
+    performs(w.queue, clFlush{raw_of(w.queue)}, [&] { w.queue.flush(); });
+    performs(w.queue, clFinish{raw_of(w.queue)}, [&] { w.queue.finish(); });
+}
+
+#if UNIT_OPENCL < 120
+TEST_F(queues, takes_markers_and_barriers) {
+    performs(w.queue, clEnqueueMarker{raw_of(w.queue), somewhere}, [&] { return w.queue.enqueue_marker(); });
+    performs(w.queue, clEnqueueBarrier{raw_of(w.queue)}, [&] { w.queue.barrier(); });
+}
+#else
+TEST_F(queues, takes_markers_and_barriers) {
+    for (auto* const list : {events.data(), static_cast<decltype(events.data())>(nullptr)}) {
+        for (std::uint32_t const count : {0U, 2U}) { // goes as it is, also where it does not match the list
+            clEnqueueMarkerWithWaitList marker{raw_of(w.queue), list, somewhere};
+            clEnqueueBarrierWithWaitList barrier{raw_of(w.queue), list, somewhere};
+            marker.num_events_in_wait_list = barrier.num_events_in_wait_list = count;
+            performs(w.queue, marker, [&] { return w.queue.enqueue_marker(count, list); });
+            performs(w.queue, barrier, [&] { return w.queue.barrier(count, list); });
+        }
+    }
+}
+#endif
+
+#if UNIT_OPENCL < 110
+TEST_F(queues, waits_and_switches_in_1_0) {
+    performs(w.queue, clEnqueueWaitForEvents{raw_of(w.queue), events.data(), 0, 2},
+             [&] { w.queue.enqueue_wait_for_events(2, events.data()); });
+    performs(w.queue, clSetCommandQueueProperty{raw_of(w.queue), 1, nullptr, 0, 1},
+             [&] { w.queue.enable_out_of_order_execution(); });
+    performs(w.queue, clSetCommandQueueProperty{raw_of(w.queue), 2, nullptr, 0, 1},
+             [&] { w.queue.enable_profiling(); });
+}
+#endif
+
+#if UNIT_OPENCL >= 110
+TEST_F(queues, gives_events_that_call_back) {
+    auto* const on_event = +[](_nq_cl_event*, int, void*) {};
+    for (std::int32_t const type : {0, 1, 2, 0x13A}) {
+        performs(w.event, clSetEventCallback{raw_of(w.event), on_event, &w, 0, type},
+                 [&] { w.event.set_callback(value{word_of(type)}, on_event, &w); });
     }
 }
 
-TYPED_TEST(contexts, creates_user_events_and_waits) {
-    auto& w = this->objects;
-    std::array<_nq_cl_event*, 2> const events{owner_access::raw(w.event), nullptr};
-    this->template performs<clWaitForEvents>(w.context, {.status = 8}, {u8(0, events.data()), u4(12, 2)},
-                                             [&] { w.context.wait_for_events(2, events.data()); });
-    this->template performs<clWaitForEvents>(w.context, {.status = 8}, {u8(0, nullptr), u4(12, 0)},
-                                             [&] { w.context.wait_for_events(0, nullptr); });
-    if constexpr (TypeParam::number >= 110) {
-        this->template performs<clCreateUserEvent>(w.context, {.status = 16, .object = 8}, {u8(0, w.context)},
-                                                   [&] { return w.context.create_user_event(); });
+TEST_F(queues, waits_for_promised_events) {
+    auto const sets = [&](std::int32_t status, auto set) {
+        performs(w.promise, clSetUserEventStatus{raw_of(w.promise), status}, set);
+    };
+    sets(0, [&] { w.promise.set_status_success(); });
+    sets(-5, [&] { w.promise.set_status_failure(common::error_code::out_of_resources); });
+    sets(7, [&] { w.promise.set_status_failure(common::error_code{7}); });
+    libnq.forget_calls();
+    {
+        auto const promised = w.promise.get_event();
+        EXPECT_EQ(raw_of(promised), raw_of(w.promise));
+        EXPECT_EQ(libnq.names(), names{"clRetainEvent"});
+        EXPECT_EQ(handle_of(promised), handle_of(w.promise));
     }
+    libnq.fail<clRetainEvent>(scripted::status(-58));
+    EXPECT_THROW(w.promise.get_event(), common::invalid_event);
 }
-
-TYPED_TEST(contexts, allocates_shared_memory) {
-    if constexpr (TypeParam::number >= 200) {
-        auto& w = this->objects;
-        this->template performs<clSVMAlloc>(
-            w.context, {.object = 24},
-            {u8(0, flags), u8(8, w.context), u8(16, 0x123456789A), u4(32, 64)}, // the alignment has 32 bits
-            [&] { return w.context.svm_allocate(value{flags}, 0x123456789A, 0x100000040); });
-        this->template performs<clSVMFree>(w.context, {}, {u8(0, w.context), u8(8, this->memory.data())},
-                                           [&] { w.context.svm_free(this->memory.data()); });
-        this->libnq.template on<clSVMAlloc>([](clSVMAlloc& block) { block.result = nullptr; });
-        EXPECT_EQ(w.context.svm_allocate(value{flags}, 1, 0), nullptr);
-    }
-}
-
-TYPED_TEST(contexts, lists_its_devices_and_properties) {
-    auto& w = this->objects;
-    this->template lists_devices<clGetContextInfo>(w.context, 0x1081, [&] { return w.context.get_devices(); });
-    std::vector<word> const properties{0x1084, 5, 0};
-    this->template reads<clGetContextInfo>(w.context, 0x1082, scripted::bytes_of_list(properties),
-                                           scripted::bytes_of_list(properties),
-                                           [&] { return scripted::bytes_of_list(w.context.get_properties()); });
-    until_no_allocation_fails([&] { return [&] { w.context.get_devices(); }; });
-    allocation_watch const watch;
-    w.context.get_devices();
-    w.context.get_properties();
-    EXPECT_EQ(watch.count(), 2U) << "one for each result";
-}
+#endif
 
 } // namespace
 } // namespace unit

@@ -1,281 +1,161 @@
-#define CL_TARGET_OPENCL_VERSION 220
 #include "unit/allocations.hpp"
 #include "unit/members.hpp"
-
-#include <CL/cl.h>
 
 namespace unit {
 namespace {
 
-using block::clGetDeviceInfo;
+class devices : public members {
+protected:
+    using test = bool (device::*)() const;
 
-template <class Api>
-class devices : public members<Api> {};
-TYPED_TEST_SUITE(devices, versions);
+    // The members of one list read names, or test bits, that follow one another.
+    void numbers(std::uint32_t name, auto... each) { reads_each(w.device, name, number, each...); }
+    void sizes(std::uint32_t name, auto... each) { reads_each(w.device, name, large, each...); }
+    void flags(std::uint32_t name, auto... each) { reads_bool(w.device, name, each...); }
 
-enum class read_as { cl_uint, eight_bytes, cl_bool };
-using enum read_as;
-
-/// A member of one scalar query, or of one query and a test.
-template <class World>
-struct scalar {
-    char const* member;
-    int first;
-    int last;
-    std::uint32_t name;
-    read_as type;
-    bool present;
-    bool gives_bool;
-    word (*read)(World&);
-};
-
-#define SCALAR(member, first, last, name, type)                                                                        \
-    scalar<World> {                                                                                                    \
-#member, first, last, name, type, requires(World & w) { w.device.member(); }                                   \
-        , requires(World & w) {                                                                                        \
-            { w.device.member() } -> std::same_as<bool>;                                                               \
-        }                                                                                                              \
-        , [](World& w) {                                                                                               \
-            if constexpr (requires { w.device.member(); }) {                                                           \
-                return word_of(w.device.member());                                                                     \
-            } else {                                                                                                   \
-                return word{0};                                                                                        \
-            }                                                                                                          \
-        }                                                                                                              \
-    }
-
-template <class World>
-std::vector<scalar<World>> const scalars{
-    SCALAR(vendor_id, 100, 220, CL_DEVICE_VENDOR_ID, cl_uint),
-    SCALAR(max_compute_units, 100, 220, CL_DEVICE_MAX_COMPUTE_UNITS, cl_uint),
-    SCALAR(max_work_item_dimensions, 100, 220, CL_DEVICE_MAX_WORK_ITEM_DIMENSIONS, cl_uint),
-    SCALAR(max_work_group_size, 100, 220, CL_DEVICE_MAX_WORK_GROUP_SIZE, eight_bytes),
-    SCALAR(preferred_vector_width_char, 100, 220, CL_DEVICE_PREFERRED_VECTOR_WIDTH_CHAR, cl_uint),
-    SCALAR(preferred_vector_width_short, 100, 220, CL_DEVICE_PREFERRED_VECTOR_WIDTH_SHORT, cl_uint),
-    SCALAR(preferred_vector_width_int, 100, 220, CL_DEVICE_PREFERRED_VECTOR_WIDTH_INT, cl_uint),
-    SCALAR(preferred_vector_width_long, 100, 220, CL_DEVICE_PREFERRED_VECTOR_WIDTH_LONG, cl_uint),
-    SCALAR(preferred_vector_width_float, 100, 220, CL_DEVICE_PREFERRED_VECTOR_WIDTH_FLOAT, cl_uint),
-    SCALAR(preferred_vector_width_double, 100, 220, CL_DEVICE_PREFERRED_VECTOR_WIDTH_DOUBLE, cl_uint),
-    SCALAR(preferred_vector_width_half, 110, 220, CL_DEVICE_PREFERRED_VECTOR_WIDTH_HALF, cl_uint),
-    SCALAR(native_vector_width_char, 110, 220, CL_DEVICE_NATIVE_VECTOR_WIDTH_CHAR, cl_uint),
-    SCALAR(native_vector_width_short, 110, 220, CL_DEVICE_NATIVE_VECTOR_WIDTH_SHORT, cl_uint),
-    SCALAR(native_vector_width_int, 110, 220, CL_DEVICE_NATIVE_VECTOR_WIDTH_INT, cl_uint),
-    SCALAR(native_vector_width_long, 110, 220, CL_DEVICE_NATIVE_VECTOR_WIDTH_LONG, cl_uint),
-    SCALAR(native_vector_width_float, 110, 220, CL_DEVICE_NATIVE_VECTOR_WIDTH_FLOAT, cl_uint),
-    SCALAR(native_vector_width_double, 110, 220, CL_DEVICE_NATIVE_VECTOR_WIDTH_DOUBLE, cl_uint),
-    SCALAR(native_vector_width_half, 110, 220, CL_DEVICE_NATIVE_VECTOR_WIDTH_HALF, cl_uint),
-    SCALAR(max_clock_frequency, 100, 220, CL_DEVICE_MAX_CLOCK_FREQUENCY, cl_uint),
-    SCALAR(address_bits, 100, 220, CL_DEVICE_ADDRESS_BITS, cl_uint),
-    SCALAR(max_read_image_args, 100, 220, CL_DEVICE_MAX_READ_IMAGE_ARGS, cl_uint),
-    SCALAR(max_write_image_args, 100, 120, CL_DEVICE_MAX_WRITE_IMAGE_ARGS, cl_uint),
-    SCALAR(max_read_write_image_args, 200, 220, CL_DEVICE_MAX_READ_WRITE_IMAGE_ARGS, cl_uint),
-    SCALAR(max_mem_alloc_size, 100, 220, CL_DEVICE_MAX_MEM_ALLOC_SIZE, eight_bytes),
-    SCALAR(image2d_max_width, 100, 220, CL_DEVICE_IMAGE2D_MAX_WIDTH, eight_bytes),
-    SCALAR(image2d_max_height, 100, 220, CL_DEVICE_IMAGE2D_MAX_HEIGHT, eight_bytes),
-    SCALAR(image3d_max_width, 100, 220, CL_DEVICE_IMAGE3D_MAX_WIDTH, eight_bytes),
-    SCALAR(image3d_max_height, 100, 220, CL_DEVICE_IMAGE3D_MAX_HEIGHT, eight_bytes),
-    SCALAR(image3d_max_depth, 100, 220, CL_DEVICE_IMAGE3D_MAX_DEPTH, eight_bytes),
-    SCALAR(image_max_buffer_size, 120, 220, CL_DEVICE_IMAGE_MAX_BUFFER_SIZE, eight_bytes),
-    SCALAR(image_max_array_size, 120, 220, CL_DEVICE_IMAGE_MAX_ARRAY_SIZE, eight_bytes),
-    SCALAR(image_pitch_alignment, 200, 220, CL_DEVICE_IMAGE_PITCH_ALIGNMENT, cl_uint),
-    SCALAR(image_base_address_alignment, 200, 220, CL_DEVICE_IMAGE_BASE_ADDRESS_ALIGNMENT, cl_uint),
-    SCALAR(image_support, 100, 220, CL_DEVICE_IMAGE_SUPPORT, cl_bool),
-    SCALAR(max_parameter_size, 100, 220, CL_DEVICE_MAX_PARAMETER_SIZE, eight_bytes),
-    SCALAR(max_samplers, 100, 220, CL_DEVICE_MAX_SAMPLERS, cl_uint),
-    SCALAR(mem_base_addr_align, 100, 220, CL_DEVICE_MEM_BASE_ADDR_ALIGN, cl_uint),
-    SCALAR(min_data_type_align_size, 110, 110, CL_DEVICE_MIN_DATA_TYPE_ALIGN_SIZE, cl_uint),
-    SCALAR(global_mem_cacheline_size, 100, 220, CL_DEVICE_GLOBAL_MEM_CACHELINE_SIZE, cl_uint),
-    SCALAR(global_mem_cache_size, 100, 220, CL_DEVICE_GLOBAL_MEM_CACHE_SIZE, eight_bytes),
-    SCALAR(global_mem_size, 100, 220, CL_DEVICE_GLOBAL_MEM_SIZE, eight_bytes),
-    SCALAR(max_constant_buffer_size, 100, 220, CL_DEVICE_MAX_CONSTANT_BUFFER_SIZE, eight_bytes),
-    SCALAR(max_constant_args, 100, 220, CL_DEVICE_MAX_CONSTANT_ARGS, cl_uint),
-    SCALAR(max_global_variable_size, 200, 220, CL_DEVICE_MAX_GLOBAL_VARIABLE_SIZE, eight_bytes),
-    SCALAR(global_variable_preferred_total_size, 200, 220, CL_DEVICE_GLOBAL_VARIABLE_PREFERRED_TOTAL_SIZE, eight_bytes),
-    SCALAR(local_mem_size, 100, 220, CL_DEVICE_LOCAL_MEM_SIZE, eight_bytes),
-    SCALAR(error_correction_support, 100, 220, CL_DEVICE_ERROR_CORRECTION_SUPPORT, cl_bool),
-    SCALAR(host_unified_memory, 110, 120, CL_DEVICE_HOST_UNIFIED_MEMORY, cl_bool),
-    SCALAR(profiling_timer_resolution, 100, 220, CL_DEVICE_PROFILING_TIMER_RESOLUTION, eight_bytes),
-    SCALAR(endian_little, 100, 220, CL_DEVICE_ENDIAN_LITTLE, cl_bool),
-    SCALAR(available, 100, 220, CL_DEVICE_AVAILABLE, cl_bool),
-    SCALAR(compiler_available, 100, 220, CL_DEVICE_COMPILER_AVAILABLE, cl_bool),
-    SCALAR(linker_available, 120, 220, CL_DEVICE_LINKER_AVAILABLE, cl_bool),
-    SCALAR(preferred_interop_user_sync, 120, 220, CL_DEVICE_PREFERRED_INTEROP_USER_SYNC, cl_bool),
-    SCALAR(printf_buffer_size, 120, 220, CL_DEVICE_PRINTF_BUFFER_SIZE, eight_bytes),
-    SCALAR(partition_max_sub_devices, 120, 220, CL_DEVICE_PARTITION_MAX_SUB_DEVICES, cl_uint),
-    SCALAR(partition_supported_affinity_domains, 120, 220, CL_DEVICE_PARTITION_AFFINITY_DOMAIN, eight_bytes),
-    SCALAR(max_pipe_args, 200, 220, CL_DEVICE_MAX_PIPE_ARGS, cl_uint),
-    SCALAR(pipe_max_active_reservations, 200, 220, CL_DEVICE_PIPE_MAX_ACTIVE_RESERVATIONS, cl_uint),
-    SCALAR(pipe_max_packet_size, 200, 220, CL_DEVICE_PIPE_MAX_PACKET_SIZE, cl_uint),
-    SCALAR(queue_on_device_preferred_size, 200, 220, CL_DEVICE_QUEUE_ON_DEVICE_PREFERRED_SIZE, cl_uint),
-    SCALAR(queue_on_device_max_size, 200, 220, CL_DEVICE_QUEUE_ON_DEVICE_MAX_SIZE, cl_uint),
-    SCALAR(max_on_device_queues, 200, 220, CL_DEVICE_MAX_ON_DEVICE_QUEUES, cl_uint),
-    SCALAR(max_on_device_events, 200, 220, CL_DEVICE_MAX_ON_DEVICE_EVENTS, cl_uint),
-    SCALAR(preferred_platform_atomic_alignment, 200, 220, CL_DEVICE_PREFERRED_PLATFORM_ATOMIC_ALIGNMENT, cl_uint),
-    SCALAR(preferred_global_atomic_alignment, 200, 220, CL_DEVICE_PREFERRED_GLOBAL_ATOMIC_ALIGNMENT, cl_uint),
-    SCALAR(preferred_local_atomic_alignment, 200, 220, CL_DEVICE_PREFERRED_LOCAL_ATOMIC_ALIGNMENT, cl_uint),
-    SCALAR(max_num_sub_groups, 210, 220, CL_DEVICE_MAX_NUM_SUB_GROUPS, cl_uint),
-    SCALAR(sub_group_independent_forward_progress, 210, 220, CL_DEVICE_SUB_GROUP_INDEPENDENT_FORWARD_PROGRESS, cl_bool),
-};
-
-TYPED_TEST(devices, reads_scalars) {
-    auto& w = this->objects;
-    for (auto const& row : scalars<world<TypeParam>>) {
-        SCOPED_TRACE(row.member);
-        bool const present = row.first <= TypeParam::number && TypeParam::number <= row.last;
-        ASSERT_EQ(present, row.present);
-        if (!present) {
-            continue;
-        }
-        EXPECT_EQ(row.gives_bool, row.type == cl_bool);
-        auto const reads = [&](std::string const& reply, word expected) {
-            this->template reads<clGetDeviceInfo>(w.device, row.name, reply, expected, [&] { return row.read(w); });
-        };
-        if (row.type == cl_uint) {
-            reads(scripted::bytes_of(std::uint32_t{0x89ABCDEF}), 0x89ABCDEF);
-        } else if (row.type == eight_bytes) {
-            reads(scripted::bytes_of(word{0x8123456789ABCDEF}), 0x8123456789ABCDEF);
-        } else {
-            reads(scripted::bytes_of(std::uint32_t{0x100}), 1);
-            reads(scripted::bytes_of(std::uint32_t{0}), 0);
+    void bits(std::uint32_t name, unsigned position, auto... each) {
+        for (test const member : {each...}) {
+            word const bit = word{1} << position++;
+            tests<word>(name, bit, {~bit, 0}, member);
+            tests<word>(name, ~word{0}, {}, member);
         }
     }
-}
 
-/// A member that tests what a query of some bytes answers: true for the one answer, false for the others.
-template <class World>
-struct predicate {
-    scalar<World> member;
-    std::size_t width;
-    word yes;
-    std::vector<word> no;
-};
-
-constexpr word all_but(word bit) { return ~bit; }
-
-#define BIT(member, first, last, name, bit)                                                                            \
-    predicate<World> {                                                                                                 \
-        SCALAR(member, first, last, name, eight_bytes), 8, word{1} << (bit), { all_but(word{1} << (bit)), 0 }          \
-    }
-#define EQUAL(member, first, last, name, width, ...)                                                                   \
-    predicate<World> { SCALAR(member, first, last, name, cl_uint), width, __VA_ARGS__ }
-
-template <class World>
-std::vector<predicate<World>> const predicates{
-    EQUAL(is_type_default, 100, 220, CL_DEVICE_TYPE, 8, 1, {0, 2, 5}),
-    EQUAL(is_type_cpu, 100, 220, CL_DEVICE_TYPE, 8, 2, {0, 1, 3}),
-    EQUAL(is_type_gpu, 100, 220, CL_DEVICE_TYPE, 8, 4, {0, 1, 5}),
-    EQUAL(is_type_accelerator, 100, 220, CL_DEVICE_TYPE, 8, 8, {0, 9}),
-    EQUAL(is_type_custom, 120, 220, CL_DEVICE_TYPE, 8, 16, {0, 17}),
-    BIT(single_fp_denorms_supported, 100, 220, CL_DEVICE_SINGLE_FP_CONFIG, 0),
-    BIT(single_fp_inf_nan_supported, 100, 220, CL_DEVICE_SINGLE_FP_CONFIG, 1),
-    BIT(single_fp_round_to_nearest_supported, 100, 220, CL_DEVICE_SINGLE_FP_CONFIG, 2),
-    BIT(single_fp_round_to_zero_supported, 100, 220, CL_DEVICE_SINGLE_FP_CONFIG, 3),
-    BIT(single_fp_round_to_inf_supported, 100, 220, CL_DEVICE_SINGLE_FP_CONFIG, 4),
-    BIT(single_fp_fma_supported, 100, 220, CL_DEVICE_SINGLE_FP_CONFIG, 5),
-    BIT(single_fp_software_emulated, 110, 220, CL_DEVICE_SINGLE_FP_CONFIG, 6),
-    BIT(single_fp_correctly_rounded_divide_sqrt, 120, 220, CL_DEVICE_SINGLE_FP_CONFIG, 7),
-    BIT(double_fp_denorms_supported, 100, 220, CL_DEVICE_DOUBLE_FP_CONFIG, 0),
-    BIT(double_fp_inf_nan_supported, 100, 220, CL_DEVICE_DOUBLE_FP_CONFIG, 1),
-    BIT(double_fp_round_to_nearest_supported, 100, 220, CL_DEVICE_DOUBLE_FP_CONFIG, 2),
-    BIT(double_fp_round_to_zero_supported, 100, 220, CL_DEVICE_DOUBLE_FP_CONFIG, 3),
-    BIT(double_fp_round_to_inf_supported, 100, 220, CL_DEVICE_DOUBLE_FP_CONFIG, 4),
-    BIT(double_fp_fma_supported, 100, 220, CL_DEVICE_DOUBLE_FP_CONFIG, 5),
-    BIT(double_fp_software_emulated, 110, 220, CL_DEVICE_DOUBLE_FP_CONFIG, 6),
-    EQUAL(is_global_mem_cache_type_none, 100, 220, CL_DEVICE_GLOBAL_MEM_CACHE_TYPE, 4, 0, {1, 2}),
-    EQUAL(is_global_mem_cache_type_read_only, 100, 220, CL_DEVICE_GLOBAL_MEM_CACHE_TYPE, 4, 1, {0, 2, 3}),
-    EQUAL(is_global_mem_cache_type_read_write, 100, 220, CL_DEVICE_GLOBAL_MEM_CACHE_TYPE, 4, 2, {0, 1, 3}),
-    EQUAL(dedicated_local_memory, 100, 220, CL_DEVICE_LOCAL_MEM_TYPE, 4, 1, {0, 2, 3}),
-    BIT(can_execute_kernels, 100, 220, CL_DEVICE_EXECUTION_CAPABILITIES, 0),
-    BIT(can_execute_native_kernels, 100, 220, CL_DEVICE_EXECUTION_CAPABILITIES, 1),
-    BIT(out_of_order_command_queue_supported, 100, 120, CL_DEVICE_QUEUE_PROPERTIES, 0),
-    BIT(profiling_command_queue_supported, 100, 120, CL_DEVICE_QUEUE_PROPERTIES, 1),
-    BIT(host_out_of_order_command_queue_supported, 200, 220, CL_DEVICE_QUEUE_ON_HOST_PROPERTIES, 0),
-    BIT(host_profiling_command_queue_supported, 200, 220, CL_DEVICE_QUEUE_ON_HOST_PROPERTIES, 1),
-    BIT(device_out_of_order_command_queue_supported, 200, 220, CL_DEVICE_QUEUE_ON_DEVICE_PROPERTIES, 0),
-    BIT(device_profiling_command_queue_supported, 200, 220, CL_DEVICE_QUEUE_ON_DEVICE_PROPERTIES, 1),
-    BIT(svm_coarse_grain_buffer_supported, 200, 220, CL_DEVICE_SVM_CAPABILITIES, 0),
-    BIT(svm_fine_grain_buffer_supported, 200, 220, CL_DEVICE_SVM_CAPABILITIES, 1),
-    BIT(svm_fine_grain_system_supported, 200, 220, CL_DEVICE_SVM_CAPABILITIES, 2),
-    BIT(svm_atomics_supported, 200, 220, CL_DEVICE_SVM_CAPABILITIES, 3),
-    EQUAL(is_root_device, 120, 220, CL_DEVICE_PARENT_DEVICE, 8, 0, {0x1000, all_but(0)}),
-    EQUAL(partition_equally_supported, 120, 220, CL_DEVICE_PARTITION_PROPERTIES, 8, 0x1086, {0, 0x1087, 0x1088}),
-    EQUAL(partition_by_counts_supported, 120, 220, CL_DEVICE_PARTITION_PROPERTIES, 8, 0x1087, {0, 0x1086, 0x1088}),
-    EQUAL(partition_affinity_domain_supported, 120, 220, CL_DEVICE_PARTITION_AFFINITY_DOMAIN, 8, word{1} << 40, {0}),
-};
-
-TYPED_TEST(devices, tests_what_it_reads) {
-    auto& w = this->objects;
-    for (auto const& row : predicates<world<TypeParam>>) {
-        SCOPED_TRACE(row.member.member);
-        bool const present = row.member.first <= TypeParam::number && TypeParam::number <= row.member.last;
-        ASSERT_EQ(present, row.member.present);
-        if (!present) {
-            continue;
-        }
-        auto const answers = [&](word reply, word expected) {
-            this->template reads<clGetDeviceInfo>(w.device, row.member.name,
-                                                  scripted::bytes_of(reply).substr(0, row.width), expected,
-                                                  [&] { return row.member.read(w); });
-        };
-        answers(row.yes, 1);
-        for (word const reply : row.no) {
-            answers(reply, 0);
+    /// A member that is true for one answer, and false for others.
+    template <class Answer>
+    void tests(std::uint32_t name, Answer yes, std::initializer_list<Answer> no, test member) {
+        reads(w.device, name, true, member, reply_of(yes));
+        for (Answer const answer : no) {
+            reads(w.device, name, false, member, reply_of(answer));
         }
     }
+};
+
+TEST_F(devices, reads_what_all_versions_tell) {
+    numbers(0x1001, &device::vendor_id, &device::max_compute_units, &device::max_work_item_dimensions);
+    numbers(0x1006, &device::preferred_vector_width_char, &device::preferred_vector_width_short,
+            &device::preferred_vector_width_int, &device::preferred_vector_width_long,
+            &device::preferred_vector_width_float, &device::preferred_vector_width_double, &device::max_clock_frequency,
+            &device::address_bits, &device::max_read_image_args);
+    numbers(0x1018, &device::max_samplers, &device::mem_base_addr_align);
+    numbers(0x101D, &device::global_mem_cacheline_size);
+    numbers(0x1021, &device::max_constant_args);
+    sizes(0x1004, &device::max_work_group_size);
+    sizes(0x1010, &device::max_mem_alloc_size, &device::image2d_max_width, &device::image2d_max_height,
+          &device::image3d_max_width, &device::image3d_max_height, &device::image3d_max_depth);
+    sizes(0x1017, &device::max_parameter_size);
+    sizes(0x101E, &device::global_mem_cache_size, &device::global_mem_size, &device::max_constant_buffer_size);
+    sizes(0x1023, &device::local_mem_size);
+    sizes(0x1025, &device::profiling_timer_resolution);
+    flags(0x1016, &device::image_support);
+    flags(0x1024, &device::error_correction_support);
+    flags(0x1026, &device::endian_little, &device::available, &device::compiler_available);
+    bits(0x101B, 0, &device::single_fp_denorms_supported, &device::single_fp_inf_nan_supported,
+         &device::single_fp_round_to_nearest_supported, &device::single_fp_round_to_zero_supported,
+         &device::single_fp_round_to_inf_supported, &device::single_fp_fma_supported);
+    bits(0x1032, 0, &device::double_fp_denorms_supported, &device::double_fp_inf_nan_supported,
+         &device::double_fp_round_to_nearest_supported, &device::double_fp_round_to_zero_supported,
+         &device::double_fp_round_to_inf_supported, &device::double_fp_fma_supported);
+    bits(0x1029, 0, &device::can_execute_kernels, &device::can_execute_native_kernels);
+    tests<word>(0x1000, 1, {0, 2, 5}, &device::is_type_default);
+    tests<word>(0x1000, 2, {0, 1, 3}, &device::is_type_cpu);
+    tests<word>(0x1000, 4, {0, 1, 5}, &device::is_type_gpu);
+    tests<word>(0x1000, 8, {0, 9}, &device::is_type_accelerator);
+    tests<std::uint32_t>(0x101C, 0, {1, 2}, &device::is_global_mem_cache_type_none);
+    tests<std::uint32_t>(0x101C, 1, {0, 2, 3}, &device::is_global_mem_cache_type_read_only);
+    tests<std::uint32_t>(0x101C, 2, {0, 1, 3}, &device::is_global_mem_cache_type_read_write);
+    tests<std::uint32_t>(0x1022, 1, {0, 2, 3}, &device::dedicated_local_memory);
 }
 
-TYPED_TEST(devices, reads_texts_and_lists) {
-    auto& w = this->objects;
-    auto const reads = [&](std::uint32_t name, std::string const& text, auto const& expected, auto read) {
-        this->template reads<clGetDeviceInfo>(w.device, name, scripted::text(text), expected, read);
-    };
-    reads(CL_DEVICE_NAME, "a name", "a name", [&] { return w.device.name(); });
-    reads(CL_DEVICE_VENDOR, "a maker", "a maker", [&] { return w.device.vendor(); });
-    reads(CL_DRIVER_VERSION, "3", "3", [&] { return w.device.driver_version(); });
-    reads(CL_DEVICE_VERSION, "OpenCL 1", "OpenCL 1", [&] { return w.device.device_version(); });
-    reads(CL_DEVICE_EXTENSIONS, " a;b  c ", calls{"a;b", "c"}, [&] { return w.device.extensions(); });
-    for (auto const& [profile, embedded] :
-         {std::pair{"EMBEDDED_PROFILE", true}, {"FULL_PROFILE", false}, {"", false}}) {
-        reads(CL_DEVICE_PROFILE, profile, embedded, [&] { return w.device.is_embedded_profile(); });
-        reads(CL_DEVICE_PROFILE, profile, !embedded, [&] { return w.device.is_full_profile(); });
+TEST_F(devices, reads_texts_and_lists) {
+    reads_each(w.device, 0x102B, "a text", &device::name, &device::vendor, &device::driver_version);
+    reads(w.device, 0x102F, "OpenCL 1", &device::device_version);
+    reads(w.device, 0x1030, names{"a;b", "c"}, &device::extensions, scripted::text(" a;b  c "));
+    for (std::string const profile : {"EMBEDDED_PROFILE", "FULL_PROFILE", ""}) {
+        bool const is_embedded = profile == "EMBEDDED_PROFILE";
+        reads(w.device, 0x102E, is_embedded, &device::is_embedded_profile, scripted::text(profile));
+        reads(w.device, 0x102E, !is_embedded, &device::is_full_profile, scripted::text(profile));
     }
-    if constexpr (TypeParam::number >= 110) {
-        reads(CL_DEVICE_OPENCL_C_VERSION, "C", "C", [&] { return w.device.opencl_c_version(); });
-    }
-    if constexpr (TypeParam::number >= 120) {
-        reads(CL_DEVICE_BUILT_IN_KERNELS, ";a b;;c", calls{"a b", "c"}, [&] { return w.device.built_in_kernels(); });
-    }
-    if constexpr (TypeParam::number >= 210) {
-        reads(CL_DEVICE_IL_VERSION, "SPIR-V", "SPIR-V", [&] { return w.device.il_version(); });
-    }
+    reads(w.device, 0x1005, std::array<std::size_t, 3>{7, 8, large}, &device::max_work_item_sizes);
+    reads(w.device, 0x1031, w.platform, &device::get_platform);
 }
 
-TYPED_TEST(devices, reads_sizes_and_related_objects) {
-    auto& w = this->objects;
-    auto const reads = [&](std::uint32_t name, std::string const& reply, auto const& expected, auto read) {
-        this->template reads<clGetDeviceInfo>(w.device, name, reply, expected, read);
-    };
-    std::vector<std::size_t> const sizes{7, 8, 9, 10};
-    reads(CL_DEVICE_MAX_WORK_ITEM_SIZES, scripted::bytes_of(sizes[0], sizes[1], sizes[2]),
-          std::array<std::size_t, 3>{7, 8, 9}, [&] { return w.device.max_work_item_sizes(); });
-    this->libnq.template reply<clGetDeviceInfo>(CL_DEVICE_MAX_WORK_ITEM_SIZES, scripted::bytes_of_list(sizes));
-    EXPECT_EQ(message_of<common::bad_implementation>([&] { w.device.max_work_item_sizes(); }),
-              "Expected to read an array of 3 elements from the OpenCL implementation.  Implementation reported the "
-              "array to be 32 bytes, but expected the array to be 24 bytes.");
-
-    reads(CL_DEVICE_PLATFORM, scripted::bytes_of(word_of(w.platform)), w.platform,
-          [&] { return w.device.get_platform(); });
-    if constexpr (TypeParam::number >= 120) {
-        reads(CL_DEVICE_PARENT_DEVICE, scripted::bytes_of(word_of(w.device_2)), w.device_2,
-              [&] { return w.device.parent_device(); });
-    }
+#if UNIT_OPENCL < 200
+TEST_F(devices, reads_what_versions_until_1_2_tell) {
+    numbers(0x100F, &device::max_write_image_args);
+    bits(0x102A, 0, &device::out_of_order_command_queue_supported, &device::profiling_command_queue_supported);
 }
+#endif
 
-TYPED_TEST(devices, allocates_for_its_results_alone) {
-    auto& w = this->objects;
-    this->libnq.template reply<clGetDeviceInfo>(CL_DEVICE_NAME, scripted::text(std::string(100, 'a')));
-    this->libnq.template reply<clGetDeviceInfo>(CL_DEVICE_ADDRESS_BITS, scripted::bytes_of(64));
-    this->libnq.template reply<clGetDeviceInfo>(CL_DEVICE_MAX_WORK_ITEM_SIZES, std::string(24, '\1'));
+#if UNIT_OPENCL >= 110
+TEST_F(devices, reads_what_versions_since_1_1_tell) {
+    numbers(0x1034, &device::preferred_vector_width_half);
+    numbers(0x1036, &device::native_vector_width_char, &device::native_vector_width_short,
+            &device::native_vector_width_int, &device::native_vector_width_long, &device::native_vector_width_float,
+            &device::native_vector_width_double, &device::native_vector_width_half);
+    bits(0x101B, 6, &device::single_fp_software_emulated);
+    bits(0x1032, 6, &device::double_fp_software_emulated);
+#if UNIT_OPENCL < 120
+    numbers(0x101A, &device::min_data_type_align_size);
+#endif
+#if UNIT_OPENCL < 200
+    flags(0x1035, &device::host_unified_memory);
+#endif
+    reads(w.device, 0x103D, "C", &device::opencl_c_version);
+}
+#endif
+
+#if UNIT_OPENCL >= 120
+TEST_F(devices, reads_what_versions_since_1_2_tell) {
+    numbers(0x1043, &device::partition_max_sub_devices);
+    sizes(0x1040, &device::image_max_buffer_size, &device::image_max_array_size);
+    sizes(0x1045, &device::partition_supported_affinity_domains);
+    sizes(0x1049, &device::printf_buffer_size);
+    flags(0x103E, &device::linker_available);
+    flags(0x1048, &device::preferred_interop_user_sync);
+    bits(0x101B, 7, &device::single_fp_correctly_rounded_divide_sqrt);
+    tests<word>(0x1000, 16, {0, 17}, &device::is_type_custom);
+    tests<word>(0x1042, 0, {0x1000, ~word{0}}, &device::is_root_device);
+    tests<word>(0x1044, 0x1086, {0, 0x1087, 0x1088}, &device::partition_equally_supported);
+    tests<word>(0x1044, 0x1087, {0, 0x1086, 0x1088}, &device::partition_by_counts_supported);
+    tests<word>(0x1045, word{1} << 40, {0}, &device::partition_affinity_domain_supported);
+    reads(w.device, 0x103F, names{"a b", "c"}, &device::built_in_kernels, scripted::text(";a b;;c"));
+    reads(w.device, 0x1042, w.device_2, &device::parent_device);
+}
+#endif
+
+#if UNIT_OPENCL >= 200
+TEST_F(devices, reads_what_versions_since_2_0_tell) {
+    numbers(0x104A, &device::image_pitch_alignment, &device::image_base_address_alignment,
+            &device::max_read_write_image_args);
+    numbers(0x104F, &device::queue_on_device_preferred_size, &device::queue_on_device_max_size,
+            &device::max_on_device_queues, &device::max_on_device_events);
+    numbers(0x1055, &device::max_pipe_args, &device::pipe_max_active_reservations, &device::pipe_max_packet_size,
+            &device::preferred_platform_atomic_alignment, &device::preferred_global_atomic_alignment,
+            &device::preferred_local_atomic_alignment);
+    sizes(0x104D, &device::max_global_variable_size);
+    sizes(0x1054, &device::global_variable_preferred_total_size);
+    bits(0x102A, 0, &device::host_out_of_order_command_queue_supported,
+         &device::host_profiling_command_queue_supported);
+    bits(0x104E, 0, &device::device_out_of_order_command_queue_supported,
+         &device::device_profiling_command_queue_supported);
+    bits(0x1053, 0, &device::svm_coarse_grain_buffer_supported, &device::svm_fine_grain_buffer_supported,
+         &device::svm_fine_grain_system_supported, &device::svm_atomics_supported);
+}
+#endif
+
+#if UNIT_OPENCL >= 210
+TEST_F(devices, reads_what_versions_since_2_1_tell) {
+    numbers(0x105C, &device::max_num_sub_groups);
+    flags(0x105D, &device::sub_group_independent_forward_progress);
+    reads(w.device, 0x105B, "SPIR-V", &device::il_version);
+}
+#endif
+
+TEST_F(devices, allocates_for_its_results_alone) {
+    libnq.reply<clGetDeviceInfo>(0x102B, scripted::text(std::string(100, 'a')));
+    libnq.reply<clGetDeviceInfo>(0x100D, reply_of(number));
+    libnq.reply<clGetDeviceInfo>(0x1005, std::string(24, '\1'));
     allocation_watch const watch;
     w.device.address_bits();
     w.device.max_work_item_sizes();
@@ -284,23 +164,87 @@ TYPED_TEST(devices, allocates_for_its_results_alone) {
     EXPECT_EQ(watch.count(), 1U);
 }
 
-TYPED_TEST(devices, reads_timers) {
-    if constexpr (TypeParam::number >= 210) {
-        auto& w = this->objects;
-        auto* const device_time = reinterpret_cast<void*>(0x1111);
-        auto* const host_time = reinterpret_cast<void*>(0x2222);
-        this->template performs<block::clGetHostTimer>(w.device, {.status = 16, .through = 8}, {u8(0, w.device)},
-                                                       [&] { return w.device.get_host_timer(); });
-        this->template performs<block::clGetDeviceAndHostTimer>(
-            w.device, {.status = 24, .through = 16}, {u8(0, w.device)},
-            [&] { return w.device.get_device_and_host_timer().first; });
-        this->libnq.template on<block::clGetDeviceAndHostTimer>([=](block::clGetDeviceAndHostTimer& block) {
-            answer(&block, {.through = 8}, 0, device_time);
-            answer(&block, {.through = 16}, 0, host_time);
-        });
-        EXPECT_EQ(w.device.get_device_and_host_timer(), (std::pair<word, word>{0x2222, 0x1111}));
+#if UNIT_OPENCL >= 210
+TEST_F(devices, reads_timers) {
+    libnq.on<clGetHostTimer>([](clGetHostTimer& block) { *block.host_timestamp = 0x1111; });
+    libnq.on<clGetDeviceAndHostTimer>([](clGetDeviceAndHostTimer& block) {
+        *block.device_timestamp = 0x2222;
+        *block.host_timestamp = 0x3333;
+    });
+    EXPECT_EQ(w.device.get_host_timer(), 0x1111U);
+    EXPECT_EQ(w.device.get_device_and_host_timer(), (std::pair<word, word>{0x3333, 0x2222}));
+    expect_sent(w.device, clGetHostTimer{raw_of(w.device), somewhere},
+                clGetDeviceAndHostTimer{raw_of(w.device), somewhere, somewhere});
+    fails<clGetHostTimer>([&] { w.device.get_host_timer(); });
+    fails<clGetDeviceAndHostTimer>([&] { w.device.get_device_and_host_timer(); });
+}
+#endif
+
+#if UNIT_OPENCL >= 120
+TEST_F(devices, has_no_parent_at_the_root) {
+    libnq.reply<clGetDeviceInfo>(0x1042, reply_of(word{0}));
+    EXPECT_EQ(message_of<std::logic_error>([&] { w.device.parent_device(); }),
+              "Querying for the parent of a root-level device.  You should add a check using "
+              "device::is_root_device() before calling device::parent_device().");
+    EXPECT_EQ(libnq.names(), names(2, "clGetDeviceInfo"));
+}
+
+TEST_F(devices, refuses_more_than_one_partition_scheme) {
+    libnq.reply<clGetDeviceInfo>(0x1044, reply_of(words{0x1086, 0x1087}));
+    EXPECT_THROW(w.device.partition_equally_supported(), common::bad_implementation);
+    EXPECT_THROW(w.device.partition_by_counts_supported(), common::bad_implementation);
+}
+
+TEST_F(devices, tells_how_it_was_partitioned) {
+    for (auto const& [reply, expected] : {std::pair<words, words>{{0x1086, 4, 0}, {0x1086, 4, 0}},
+                                          {{0x1087, 2, 0, 0}, {0x1087, 2, 0, 0}},
+                                          {{0}, {}},
+                                          {{0, 5}, {}}}) {
+        auto const read = [](device& of) { return reply_of(of.partition_type()); };
+        reads(w.device, 0x1046, reply_of(expected), read, reply_of(reply));
     }
 }
+
+TEST_F(devices, is_partitioned_in_two_calls) {
+    auto const makes = [&](std::vector<std::int64_t> const& properties, auto partition) {
+        for (std::uint32_t const count : {0U, 1U, 3U}) {
+            clCreateSubDevices const counting{raw_of(w.device), properties.data(), 0, nullptr, somewhere};
+            lists(w.device, counting, {raw_of(w.device), properties.data(), count, somewhere, nullptr}, count,
+                  partition);
+        }
+    };
+    makes({0x1086, 0xFFFFFFFF, 0}, [&] { return w.device.partition_equally(0xFFFFFFFF); });
+    makes({0x1086, 0, 0}, [&] { return w.device.partition_equally(0); });
+    makes({0x1087, 2, 3, 0}, [&] { return w.device.partition_by_counts({2, 3}); });
+    makes({0x1087, 0}, [&] { return w.device.partition_by_counts({}); });
+    makes({0x1088, 0x20, 0}, [&] { return w.device.partition_by_affinity(value{0x20}); });
+    libnq.forget_calls();
+    EXPECT_EQ(message_of<std::logic_error>([&] {
+                  w.device.partition_by_counts(std::vector<unsigned>{2, 0, 3});
+              }),
+              "Cannot create a device with zero compute units.  Invalid usage of device::partition_by_counts()");
+    EXPECT_EQ(libnq.names(), names{});
+}
+
+// Whatever allocation fails, every handle is released exactly once; the fixture asks for that.
+TEST_F(devices, releases_every_sub_device_once) {
+    EXPECT_TRUE(w.device.safe_create_devices_from_ids({}).empty());
+    std::size_t const tries = until_no_allocation_fails([&] {
+        std::vector<_nq_cl_device_id*> ids(3);
+        std::generate(ids.begin(), ids.end(), [&] { return libnq.make<_nq_cl_device_id>(1); });
+        return [this, ids] {
+            auto const made = w.device.safe_create_devices_from_ids(ids);
+            for (std::size_t i = 0; i != ids.size(); ++i) {
+                EXPECT_EQ(raw_of(made.at(i)), ids[i]);
+                EXPECT_EQ(handle_of(made[i]), handle_of(w.device));
+            }
+        };
+    });
+    EXPECT_GE(tries, 1U);
+    until_no_allocation_fails([&] { return [&] { w.device.partition_by_counts({1, 2, 3, 4, 5}); }; });
+}
+
+#endif
 
 } // namespace
 } // namespace unit

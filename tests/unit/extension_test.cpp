@@ -1,325 +1,301 @@
 #include "unit/members.hpp"
 
 #include <algorithm>
-#include <cctype>
+#include <map>
 
 namespace unit {
 namespace {
 
-using namespace nq::block; // NOLINT(google-build-using-namespace)
-namespace extension_1_0 = vorn::mero::opencl_1_0::extension;
-namespace extension_2_0 = vorn::mero::opencl_2_0::extension;
-
-template <class Api>
-struct extensions;
-
-#define UNIT_BODY "unit/extension_body.inc"
-#include "unit/every_version.inc"
-
-/// The extension functions of a test's OpenCL, which remember what they are called with.
-struct functions {
-    using arguments = std::vector<word>;
-
-    std::vector<arguments> calls;
-    std::string input; ///< What the last input pointer led to.
-    std::int32_t status = 0;
-    _nq_cl_program* made = nullptr;
-    std::size_t reported = 8;    ///< To the size query.
-    std::size_t reported_at = 8; ///< To the read.
-
-    static functions& now() {
-        static functions current;
-        return current;
-    }
-
-    static std::int32_t answer_info(std::size_t size, void* result, std::size_t* size_ret) {
-        *size_ret = result == nullptr ? now().reported : now().reported_at;
-        if (result != nullptr) {
-            std::memset(result, 0x5A, size);
-        }
-        return now().status;
-    }
-
-    static std::int32_t get_kernel_info(_nq_cl_kernel* kernel, _nq_cl_device_id* device, std::uint32_t name,
-                                        std::size_t size, void* result, std::size_t* size_ret) {
-        now().calls.push_back({word_of(kernel), word_of(device), name, size, result != nullptr});
-        return answer_info(size, result, size_ret);
-    }
-
-    static std::int32_t get_sub_group_info(_nq_cl_kernel* kernel, _nq_cl_device_id* device, std::uint32_t name,
-                                           std::size_t input_size, void const* input, std::size_t size, void* result,
-                                           std::size_t* size_ret) {
-        now().calls.push_back({word_of(kernel), word_of(device), name, input_size, size, result != nullptr});
-        now().input.assign(static_cast<char const*>(input), input_size);
-        return answer_info(size, result, size_ret);
-    }
-
-    static _nq_cl_program* create_program(_nq_cl_context* context, void const* il, std::size_t size,
-                                          std::int32_t* error) {
-        now().calls.push_back({word_of(context), word_of(il), size});
-        *error = now().status;
-        return now().made;
-    }
-
-    static std::int32_t terminate(_nq_cl_context* context) {
-        now().calls.push_back({word_of(context)});
-        return now().status;
-    }
-
-    static void track(_nq_cl_platform_id* platform) { now().calls.push_back({word_of(platform)}); }
-
-    static void report(_nq_cl_platform_id* platform, void (*callback)(void*, void*, char const*, std::uint32_t),
-                       void* user_data) {
-        now().calls.push_back({word_of(platform), word_of(callback), word_of(user_data)});
-    }
+/// The support tests that look at the device's extensions, by the name that they look for.
+std::map<std::string, bool (*)(device const&)> const support_tests = {
+#if UNIT_OPENCL < 110
+    {"cl_altera_device_temperature", extension::cl_altera_device_temperature::extension_available},
+    {"cl_altera_live_object_tracking", extension::cl_altera_live_object_tracking::extension_available},
+#endif
+#if UNIT_OPENCL < 120
+    {"cl_arm_printf", extension::cl_arm_printf::extension_available},
+#endif
+#if UNIT_OPENCL < 210
+    {"cl_amd_device_topology", extension::cl_amd_device_topology::extension_available},
+#endif
+#if UNIT_OPENCL >= 120
+    {"cl_khr_il_program", extension::cl_khr_il_program::extension_available},
+    {"cl_khr_spir", extension::cl_khr_spir::extension_available},
+#endif
+#if UNIT_OPENCL >= 120 && UNIT_OPENCL < 210
+    {"cl_intel_subgroups", extension::cl_intel_subgroups::extension_available},
+#endif
+#if UNIT_OPENCL == 200
+    {"cl_khr_sub_groups", extension::cl_khr_sub_groups::extension_available},
+    {"cl_khr_terminate_context", extension::cl_khr_terminate_context::extension_available},
+    {"cl_khr_initialize_memory", extension::cl_khr_initialize_memory::extension_available},
+#endif
 };
 
-using arguments = functions::arguments;
+/// What the extension functions of the tests' OpenCL are called with, and how they answer.
+struct script {
+    std::vector<words> calls{};
+    std::string input{}; ///< What the last input pointer led to.
+    std::int32_t status = 0;
+    std::size_t reported = 8;  ///< To the size query.
+    std::size_t delivered = 8; ///< To the read.
+    _nq_cl_program* made = nullptr;
+} script;
+
 constexpr word answered = 0x5A5A5A5A5A5A5A5A;
 
-template <class Api>
-class extension_functions : public members<Api> {
-protected:
-    static constexpr bool by_platform = Api::number >= 120;
+std::int32_t answer_info(std::size_t size, void* result, std::size_t* size_ret) {
+    *size_ret = result == nullptr ? script.reported : script.delivered;
+    if (result != nullptr) {
+        std::memset(result, 0x5A, size);
+    }
+    return script.status;
+}
 
-    extension_functions() {
-        functions::now() = {};
-        auto& w = this->objects;
-        this->libnq.template reply<clGetDeviceInfo>(0x1031, scripted::bytes_of(word_of(w.platform)));
-        this->libnq.template reply<clGetContextInfo>(0x1081, scripted::bytes_of(word_of(w.device)));
+std::int32_t get_kernel_info(_nq_cl_kernel* kernel, _nq_cl_device_id* device, std::uint32_t name, std::size_t size,
+                             void* result, std::size_t* size_ret) {
+    script.calls.push_back({word_of(kernel), word_of(device), name, size, result != nullptr});
+    return answer_info(size, result, size_ret);
+}
+
+#if UNIT_OPENCL < 120
+using look_up = clGetExtensionFunctionAddress;
+#else
+using look_up = clGetExtensionFunctionAddressForPlatform;
+#endif
+
+class extensions : public members {
+protected:
+    extensions() {
+        script = {};
+        libnq.reply<clGetDeviceInfo>(0x1031, reply_of(w.platform));
+        libnq.reply<clGetContextInfo>(0x1081, reply_of(w.ids[0]));
+    }
+
+    /// Has `use` look for an extension function: first in vain, then with OpenCL offering it. That is one look-up
+    /// through an object's call handle, from 1.2 on for its platform.
+    void looks_up(auto const& object, std::string const& name, auto* function, std::string const& lacking, auto use) {
+        offer("", function);
+        EXPECT_EQ(message_of<std::logic_error>(use), lacking);
+        offer(name, function);
+        libnq.forget_calls();
+        use();
+        auto const is_look_up = [](auto const& call) { return call.name == scripted::name_of<look_up>(); };
+        ASSERT_EQ(std::count_if(libnq.calls().begin(), libnq.calls().end(), is_look_up), 1);
+        auto const& call = *std::find_if(libnq.calls().begin(), libnq.calls().end(), is_look_up);
+        EXPECT_EQ(call.handle, handle_of(object));
+        look_up expected{};
+        expected.func_name = name.c_str();
+#if UNIT_OPENCL >= 120
+        expected.platform = raw_of(w.platform);
+#endif
+        EXPECT_EQ(call.inputs, scripted::inputs_of(expected));
+    }
+
+    static std::string lacks(std::string const& function, std::string const& extension) {
+        return "Failed to extract " + function + " function address, is the " + extension +
+               " extension actually supported?";
     }
 
     /// From now on OpenCL has one extension function.
-    template <class Function>
-    void offer(std::string const& name, Function* function) {
-        this->libnq.template on<clGetExtensionFunctionAddress>(
-            [=](clGetExtensionFunctionAddress& block) { look_up(block, name, function); });
-        this->libnq.template on<clGetExtensionFunctionAddressForPlatform>(
-            [=](clGetExtensionFunctionAddressForPlatform& block) { look_up(block, name, function); });
-    }
-
-    /// Expects one look-up through an object's call handle, from 1.2 on for its platform.
-    void expect_look_up(nq_call_handle* through, std::string const& name) {
-        auto const made = this->libnq.calls();
-        auto const is_look_up = [](scripted::call const& call) { return call.name.starts_with("clGetExtension"); };
-        ASSERT_EQ(std::count_if(made.begin(), made.end(), is_look_up), 1);
-        auto const& call = *std::find_if(made.begin(), made.end(), is_look_up);
-        EXPECT_EQ(call.handle, through);
-        EXPECT_EQ(call.bytes("func_name"), name);
-        if (by_platform) {
-            expect_fields(call, {u8(0, this->objects.platform)});
-        }
-        this->forget();
-    }
-
-private:
-    template <class Block, class Function>
-    static void look_up(Block& block, std::string const& name, Function* function) {
-        if (block.func_name == name) {
-            block.result = reinterpret_cast<void*>(function);
-        }
+    void offer(std::string const& name, auto* function) {
+        libnq.on<look_up>([=](look_up& block) {
+            block.result = block.func_name == name ? reinterpret_cast<void*>(function) : nullptr;
+        });
     }
 };
-TYPED_TEST_SUITE(extension_functions, versions);
 
-std::string upper(std::string text) {
-    std::transform(text.begin(), text.end(), text.begin(), [](unsigned char c) { return std::toupper(c); });
-    return text;
-}
-
-TYPED_TEST(extension_functions, is_supported_when_an_entry_begins_its_name) {
-    auto& w = this->objects;
-    for (auto const& [name, available] : extensions<TypeParam>::support_tests()) {
+TEST_F(extensions, are_supported_when_an_entry_begins_their_name) {
+    for (auto const& [name, available] : support_tests) {
         SCOPED_TRACE(name);
-        bool const khronos = name.starts_with("cl_khr");
+        std::string upper(name);
+        std::transform(upper.begin(), upper.end(), upper.begin(), [](unsigned char c) { return std::toupper(c); });
         std::pair<std::string, bool> const lists[] = {{name, true},
-                                                      {"cl_other " + upper(name) + " x", true},
+                                                      {"cl_other " + upper + " x", true},
                                                       {name.substr(0, name.size() - 1), true},
                                                       {name + "x", false},
                                                       {"cl_other l" + name, false},
-                                                      {"cl_khr", khronos},
+                                                      {"cl_khr", name.starts_with("cl_khr")},
                                                       {" CL ", true},
                                                       {" ", false}};
         for (auto const& [list, expected] : lists) {
-            this->template reads<clGetDeviceInfo>(w.device, 0x1030, scripted::text(list), expected,
-                                                  [&, available = available] { return available(w.device); });
+            reads(w.device, 0x1030, expected, available, scripted::text(list));
         }
     }
-    this->libnq.template reply<clGetDeviceInfo>(0x1030, scripted::text("a b"));
-    EXPECT_FALSE(extensions<TypeParam>::supported(w.device, ""));
+    libnq.reply<clGetDeviceInfo>(0x1030, scripted::text("a b"));
+    EXPECT_FALSE(vorn::mero::internal::extension_supported(w.device, ""));
 }
 
-TYPED_TEST(extension_functions, tells_of_kernels_by_thirteen_parameters) {
-    auto& w = this->objects;
-    auto const all = extensions<TypeParam>::kernel_info();
-    EXPECT_FALSE(extensions<TypeParam>::has_kernel_info(w.device));
-    EXPECT_EQ(message_of<std::logic_error>([&] { all.front()(w.device, w.kernel); }),
-              "clGetKernelInfoAMD call not supported.  Check support first.");
-    this->offer("clGetKernelInfoAMD", &functions::get_kernel_info);
-    this->forget();
-    EXPECT_TRUE(extensions<TypeParam>::has_kernel_info(w.device));
-    this->expect_look_up(handle_of(w.device), "clGetKernelInfoAMD");
-    ASSERT_EQ(all.size(), 13U);
+TEST_F(extensions, tell_of_kernels_by_thirteen_parameters) {
+    namespace info = extension::cl_amd_kernel_info;
+    std::vector<word (*)(device const&, kernel const&)> const all{
+        info::scratch_regs,    info::wavefront_per_simd, info::wavefront_size, info::available_gprs,
+        info::used_gprs,       info::available_lds_size, info::used_lds_size,  info::available_stack_size,
+        info::used_stack_size, info::available_sgprs,    info::used_sgprs,     info::available_vgprs,
+        info::used_vgprs};
+    EXPECT_FALSE(info::extension_available(w.device));
     for (word parameter = 1; parameter <= 13; ++parameter) {
-        functions::now() = {};
-        EXPECT_EQ(all[parameter - 1](w.device, w.kernel), answered);
-        this->expect_look_up(handle_of(w.device), "clGetKernelInfoAMD");
-        EXPECT_EQ(functions::now().calls,
-                  (std::vector<arguments>{{word_of(w.kernel), word_of(w.device), parameter, 0, 0},
-                                          {word_of(w.kernel), word_of(w.device), parameter, 8, 1}}));
+        looks_up(w.device, "clGetKernelInfoAMD", &get_kernel_info,
+                 "clGetKernelInfoAMD call not supported.  Check support first.", [&] {
+                     script.calls.clear();
+                     EXPECT_EQ(all.at(parameter - 1)(w.device, w.kernel), answered);
+                 });
+        words const query{word_of(w.kernel), word_of(w.device), parameter, 0, 0};
+        words const read{word_of(w.kernel), word_of(w.device), parameter, 8, 1};
+        EXPECT_EQ(script.calls, (std::vector{query, read}));
     }
-    functions::now() = {};
-    functions::now().reported = 0;
-    EXPECT_EQ(all.front()(w.device, w.kernel), answered);
-    EXPECT_EQ(functions::now().calls.back().at(3), 16U);
-    functions::now().reported_at = 4;
-    EXPECT_EQ(message_of<common::bad_implementation>([&] { all.front()(w.device, w.kernel); }),
+    EXPECT_TRUE(info::extension_available(w.device));
+    script.reported = 0;
+    EXPECT_EQ(all[0](w.device, w.kernel), answered);
+    EXPECT_EQ(script.calls.back().at(3), 16U);
+    script.delivered = 4;
+    EXPECT_EQ(message_of<common::bad_implementation>([&] { all[0](w.device, w.kernel); }),
               "OpenCL implementation did not provide expected size of data.  Expected: 8 bytes, but implementation "
               "provided 4 bytes.");
-    functions::now().status = -48;
-    EXPECT_THROW(all.front()(w.device, w.kernel), common::invalid_kernel);
+    script.status = -48;
+    EXPECT_THROW(all[0](w.device, w.kernel), common::invalid_kernel);
 }
 
-TYPED_TEST(extension_functions, tells_of_sub_groups) {
-    auto& w = this->objects;
-    extensions<TypeParam>::visit_sub_groups([&](std::string const& name, auto max, auto count) {
+#if UNIT_OPENCL >= 120 && UNIT_OPENCL < 210
+std::int32_t get_sub_group_info(_nq_cl_kernel* kernel, _nq_cl_device_id* device, std::uint32_t name,
+                                std::size_t input_size, void const* input, std::size_t size, void* result,
+                                std::size_t* size_ret) {
+    script.calls.push_back({word_of(kernel), word_of(device), name, input_size, size, result != nullptr});
+    script.input.assign(static_cast<char const*>(input), input_size);
+    return answer_info(size, result, size_ret);
+}
+
+class sub_groups : public extensions {
+protected:
+    void reads(std::string const& extension, auto const& size, word parameter, auto read) {
         std::string const function = "clGetKernelSubGroupInfoKHR";
-        auto const reads = [&](auto const& size) {
-            std::string const input = scripted::bytes_of(size);
-            for (word const parameter : {0x2033U, 0x2034U}) {
-                functions::now() = {};
-                this->offer(function, &functions::get_sub_group_info);
-                this->forget();
-                EXPECT_EQ(parameter == 0x2033 ? max(w.kernel, w.device, size) : count(w.kernel, w.device, size),
-                          answered);
-                this->expect_look_up(handle_of(w.device), function);
-                arguments const query{word_of(w.kernel), word_of(w.device), parameter, input.size(), 0, 0};
-                arguments const read{word_of(w.kernel), word_of(w.device), parameter, input.size(), 8, 1};
-                EXPECT_EQ(functions::now().calls, (std::vector{query, read}));
-                EXPECT_EQ(functions::now().input, input);
-            }
-            functions::now().status = -30;
-            EXPECT_THROW(max(w.kernel, w.device, size), common::invalid_value);
-            this->offer("", &functions::get_sub_group_info);
-            EXPECT_EQ(message_of<std::logic_error>([&] { count(w.kernel, w.device, size); }),
-                      "Failed to extract clGetKernelSubGroupInfoKHR function address, is the " + name +
-                          " extension actually supported?");
-        };
+        looks_up(w.device, function, &get_sub_group_info, lacks(function, extension), [&] {
+            script = {};
+            EXPECT_EQ(read(w.kernel, w.device, size), answered);
+        });
+        words const query{word_of(w.kernel), word_of(w.device), parameter, sizeof size, 0, 0};
+        words const reading{word_of(w.kernel), word_of(w.device), parameter, sizeof size, 8, 1};
+        EXPECT_EQ(script.calls, (std::vector{query, reading}));
+        EXPECT_EQ(script.input, reply_of(size));
+        script.status = -30;
+        EXPECT_THROW(read(w.kernel, w.device, size), common::invalid_value);
+    }
+};
+
+// The functions of all ranges have one name.
+#define UNIT_SUB_GROUPS(name, parameter, function)                                                                     \
+    for_ranges([&](auto const& size) {                                                                                 \
+        reads(#name, size, parameter, [](auto const&... all) { return extension::name::function(all...); });           \
+    })
+
+TEST_F(sub_groups, are_told_for_every_range) {
+    auto const for_ranges = [](auto reads) {
         reads(std::array<std::size_t, 1>{7});
         reads(std::array<std::size_t, 2>{7, 8});
         reads(std::array<std::size_t, 3>{7, 8, 9});
-    });
-}
-
-/// The tests of what exists in few versions.
-class extension_1_0_only : public extension_functions<vorn::mero::opencl_1_0::api> {};
-class extension_2_0_only : public extension_functions<vorn::mero::opencl_2_0::api> {};
-
-TEST_F(extension_1_0_only, tells_the_temperature_and_the_topology) {
-    auto& w = objects;
-    auto const reads = [&](std::uint32_t name, std::string const& reply, auto const& expected, auto read) {
-        this->reads<clGetDeviceInfo>(w.device, name, reply, expected, [&] { return read(w.device); });
     };
-    reads(0x40F3, scripted::bytes_of(std::int32_t{-7}), -7,
-          extension_1_0::cl_altera_device_temperature::get_device_temperature);
-    auto const& topology = extension_1_0::cl_amd_device_topology::get_device_topology;
-    reads(0x4037, "\x9C", 0x9C, topology);
-    libnq.reply<clGetDeviceInfo>(0x4037, scripted::reply{"\x9D", 0, 1});
-    EXPECT_EQ(topology(w.device), 0x9D);
-    expect_fields(libnq.last_call<clGetDeviceInfo>(), {u8(32, 2)});
+    UNIT_SUB_GROUPS(cl_intel_subgroups, 0x2033, get_max_sub_group_size_for_nd_range);
+    UNIT_SUB_GROUPS(cl_intel_subgroups, 0x2034, get_sub_group_count_for_nd_range);
+#if UNIT_OPENCL == 200
+    UNIT_SUB_GROUPS(cl_khr_sub_groups, 0x2033, get_max_sub_group_size_for_nd_range);
+    UNIT_SUB_GROUPS(cl_khr_sub_groups, 0x2034, get_sub_group_count_for_nd_range);
+#endif
+}
+#endif
+
+#if UNIT_OPENCL < 210
+TEST_F(extensions, tell_the_topology) {
+    auto const& topology = extension::cl_amd_device_topology::get_device_topology;
+    reads(w.device, 0x4037, std::uint8_t{0x9C}, topology);
     libnq.reply<clGetDeviceInfo>(0x4037, std::string(24, '\1')); // the whole record
     EXPECT_THROW(topology(w.device), common::bad_implementation);
+}
+#endif
+
+#if UNIT_OPENCL < 110
+TEST_F(extensions, tell_the_temperature) {
+    reads(w.device, 0x40F3, std::int32_t{-7}, extension::cl_altera_device_temperature::get_device_temperature);
+}
+
+void track(_nq_cl_platform_id* of) { script.calls.push_back({word_of(of)}); }
+
+void report(_nq_cl_platform_id* of, void (*callback)(void*, void*, char const*, std::uint32_t), void* user_data) {
+    script.calls.push_back({word_of(of), word_of(callback), word_of(user_data)});
 }
 
 void on_object(void*, void*, char const*, std::uint32_t) {}
 
-TEST_F(extension_1_0_only, tracks_objects) {
-    namespace tracking = extension_1_0::cl_altera_live_object_tracking;
-    auto& w = objects;
-    auto const lacks = [](std::string const& function) {
-        return "Failed to extract " + function +
-               " function address, is the cl_altera_live_object_tracking extension actually supported?";
-    };
-    EXPECT_EQ(message_of<std::logic_error>([&] { tracking::track_live_objects(w.platform); }),
-              lacks("clTrackLiveObjectsAltera"));
-    EXPECT_EQ(message_of<std::logic_error>([&] { tracking::report_live_objects(w.platform, on_object, &w); }),
-              lacks("clReportLiveObjectsAltera"));
-    offer("clTrackLiveObjectsAltera", &functions::track);
-    forget();
-    tracking::track_live_objects(w.platform);
-    expect_look_up(handle_of(w.platform), "clTrackLiveObjectsAltera");
-    offer("clReportLiveObjectsAltera", &functions::report);
-    tracking::report_live_objects(w.platform, on_object, &w);
-    expect_look_up(handle_of(w.platform), "clReportLiveObjectsAltera");
-    EXPECT_EQ(functions::now().calls,
-              (std::vector<arguments>{{word_of(w.platform)}, {word_of(w.platform), word_of(&on_object), word_of(&w)}}));
+TEST_F(extensions, track_objects) {
+    namespace tracking = extension::cl_altera_live_object_tracking;
+    std::string const extension = "cl_altera_live_object_tracking";
+    looks_up(w.platform, "clTrackLiveObjectsAltera", &track, lacks("clTrackLiveObjectsAltera", extension),
+             [&] { tracking::track_live_objects(w.platform); });
+    looks_up(w.platform, "clReportLiveObjectsAltera", &report, lacks("clReportLiveObjectsAltera", extension),
+             [&] { tracking::report_live_objects(w.platform, on_object, &w); });
+    EXPECT_EQ(script.calls,
+              (std::vector<words>{{word_of(w.platform)}, {word_of(w.platform), word_of(&on_object), word_of(&w)}}));
+}
+#endif
+
+#if UNIT_OPENCL >= 120
+_nq_cl_program* create_program(_nq_cl_context* context, void const* il, std::size_t size, std::int32_t* error) {
+    script.calls.push_back({word_of(context), word_of(il), size});
+    *error = script.status;
+    return script.made = scripted::libnq::instance().make<_nq_cl_program>(script.status == 0 ? 1 : 0);
 }
 
-TEST_F(extension_2_0_only, makes_and_reads_intermediate_language) {
-    namespace il_program = extension_2_0::cl_khr_il_program;
-    auto& w = objects;
-    auto const create = [&] { return il_program::create_program_with_il(w.context, &w, 99); };
-    EXPECT_EQ(message_of<std::logic_error>(create),
-              "Failed to extract clCreateProgramWithILKHR function address, is the cl_khr_il_program extension "
-              "actually supported?");
-    offer("clCreateProgramWithILKHR", &functions::create_program);
-    functions::now().made = libnq.make<_nq_cl_program>(1);
-    forget();
-    {
-        auto const made = create();
-        EXPECT_EQ(word_of(made), word_of(functions::now().made));
+TEST_F(extensions, make_and_read_intermediate_language) {
+    namespace il_program = extension::cl_khr_il_program;
+    auto const create = [&] {
+        auto const made = il_program::create_program_with_il(w.context, &w, 99);
+        EXPECT_EQ(raw_of(made), script.made);
         EXPECT_EQ(handle_of(made), handle_of(w.context));
-        EXPECT_EQ(functions::now().calls, (std::vector<arguments>{{word_of(w.context), word_of(&w), 99}}));
-        expect_look_up(handle_of(w.context), "clCreateProgramWithILKHR");
-    }
-    EXPECT_EQ(libnq.names(), calls{"clReleaseProgram"});
-    functions::now().status = -42;
-    functions::now().made = reinterpret_cast<_nq_cl_program*>(0xBAD);
+    };
+    looks_up(w.context, "clCreateProgramWithILKHR", &create_program,
+             lacks("clCreateProgramWithILKHR", "cl_khr_il_program"), create);
+    EXPECT_EQ(script.calls, (std::vector<words>{{word_of(w.context), word_of(&w), 99}}));
+    script.status = -42;
     EXPECT_THROW(create(), common::invalid_binary);
 
-    reads<clGetDeviceInfo>(w.device, 0x105B, scripted::text("a  b"), calls{"a", "b"},
-                           [&] { return il_program::get_supported_il_versions(w.device); });
+    reads(w.device, 0x105B, names{"a", "b"}, il_program::get_supported_il_versions, scripted::text("a  b"));
     std::string const il(100, '\7');
-    reads<clGetProgramInfo>(w.program, 0x1169, il, il.substr(1), [&] { return il_program::get_program_il(w.program); });
+    members::reads(w.program, 0x1169, il.substr(1), il_program::get_program_il, il);
 }
 
-TEST_F(extension_2_0_only, knows_the_intermediate_binary_type) {
-    namespace spir = extension_2_0::cl_khr_spir;
-    auto& w = objects;
-    reads<clGetDeviceInfo>(w.device, 0x40E0, scripted::text("1.2 2.0"), calls{"1.2", "2.0"},
-                           [&] { return spir::get_device_spir_versions(w.device); });
+TEST_F(extensions, know_the_intermediate_binary_type) {
+    namespace spir = extension::cl_khr_spir;
+    reads(w.device, 0x40E0, names{"1.2", "2.0"}, spir::get_device_spir_versions, scripted::text("1.2 2.0"));
     for (word const type : {0U, 1U, 4U, 0x40E0U, 0x40E1U, 0x40E2U}) {
         EXPECT_EQ(spir::is_binary_type_intermediate(value{type}), type == 0x40E1);
     }
 }
+#endif
 
-void on_terminated(_nq_cl_event*, int, void*) {}
+#if UNIT_OPENCL == 200
+std::int32_t terminate(_nq_cl_context* context) {
+    script.calls.push_back({word_of(context)});
+    return script.status;
+}
 
-TEST_F(extension_2_0_only, terminates_contexts) {
-    namespace terminate_context = extension_2_0::cl_khr_terminate_context;
-    auto& w = objects;
-    EXPECT_EQ(message_of<std::logic_error>([&] { terminate_context::terminate(w.context); }),
-              "Failed to extract clTerminateContextKHR function address, is the cl_khr_terminate_context extension "
-              "actually supported?");
-    offer("clTerminateContextKHR", &functions::terminate);
-    forget();
-    terminate_context::terminate(w.context);
-    expect_look_up(handle_of(w.context), "clTerminateContextKHR");
-    EXPECT_EQ(functions::now().calls, (std::vector<arguments>{{word_of(w.context)}}));
-    functions::now().status = -34;
+TEST_F(extensions, terminate_contexts) {
+    namespace terminate_context = extension::cl_khr_terminate_context;
+    looks_up(w.context, "clTerminateContextKHR", &terminate, lacks("clTerminateContextKHR", "cl_khr_terminate_context"),
+             [&] { terminate_context::terminate(w.context); });
+    EXPECT_EQ(script.calls, (std::vector<words>{{word_of(w.context)}}));
+    script.status = -34;
     EXPECT_THROW(terminate_context::terminate(w.context), common::invalid_context);
 
     for (auto const& [capability, expected] :
-         {std::pair<word, word>{0x13A, 1}, {0x2, 1}, {0x100, 1}, {0x1, 0}, {0xFFFFFFFFFFFFFEC5, 0}, {0, 0}}) {
-        reads<clGetDeviceInfo>(w.device, 0x2032, scripted::bytes_of(capability), expected,
-                               [&] { return terminate_context::is_terminate_supported(w.device); });
+         {std::pair<word, bool>{0x13A, true}, {0x2, true}, {0x100, true}, {0x1, false}, {~word{0x13A}, false}}) {
+        reads(w.device, 0x2032, expected, terminate_context::is_terminate_supported, reply_of(capability));
     }
     EXPECT_TRUE(terminate_context::is_execution_status_terminated(value{314}));
     EXPECT_FALSE(terminate_context::is_execution_status_terminated(value{0}));
-    performs<clSetEventCallback>(
-        w.event, {.status = 24}, {u8(0, w.event), u8(8, &on_terminated), u8(16, &w), u4(28, 314)},
-        [&] { terminate_context::set_event_terminated_callback(w.event, &on_terminated, &w); });
+    auto* const on_terminated = +[](_nq_cl_event*, int, void*) {};
+    performs(w.event, clSetEventCallback{raw_of(w.event), on_terminated, &w, 0, 314},
+             [&] { terminate_context::set_event_terminated_callback(w.event, on_terminated, &w); });
 }
+#endif
 
 } // namespace
 } // namespace unit

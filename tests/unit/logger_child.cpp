@@ -29,72 +29,59 @@ void release_and_fail() {
     scripted::libnq::instance().fail(scripted::status(-5));
 }
 
-void release() { context const object = make_context(); }
-
-// What the program sees of the logger.
-void look() {
-    auto* const logger = get_mero_logger();
-    std::printf("%s %d %zu", logger->name().c_str(), static_cast<int>(logger->level()), logger->sinks().size());
-}
-
-// The variables no longer matter once the logger is there.
-void change_variables() {
-    release_and_fail();
-    ::setenv("MERO_LOG_LEVEL", "off", 1);
-    ::setenv("MERO_LOG_TARGET", "none", 1);
-    release_and_fail();
-}
-
-// The program has taken the name.
-void take_the_name() {
-    auto const own = spdlog::stderr_logger_mt("mero");
-    release_and_fail();
-    try {
-        get_mero_logger();
-    } catch (spdlog::spdlog_ex const& error) {
-        std::printf("%s", error.what());
-    }
-}
-
-// A file that cannot be opened, until it can.
-void open_late() {
-    ::mkdir("mero.log", 0700);
-    release_and_fail();
-    ::rmdir("mero.log");
-    release_and_fail();
-}
-
 // An object that is destroyed at process exit, and fails then.
 context& doomed_at_exit() {
     static context doomed = make_context();
-    scripted::libnq::instance().fail<nq::block::clReleaseContext>(scripted::status(-5), scripted::every);
+    scripted::libnq::instance().fail<nq::block::clReleaseContext>(scripted::status(-5));
     return doomed;
 }
 
-void outlive_the_logger() {
-    doomed_at_exit();
-    get_mero_logger();
-}
-
-void end_before_the_logger() {
-    get_mero_logger();
-    doomed_at_exit();
-}
-
-void log_first_at_exit() {
-    doomed_at_exit();
-    spdlog::get("a logger of the program"); // its use of spdlog begins late and ends early
-}
-
-std::map<std::string, void (*)()> const scenes = {{"release_and_fail", release_and_fail},
-                                                  {"release", release},
-                                                  {"look", look},
-                                                  {"change_variables", change_variables},
-                                                  {"take_the_name", take_the_name},
-                                                  {"open_late", open_late},
-                                                  {"outlive_the_logger", outlive_the_logger},
-                                                  {"end_before_the_logger", end_before_the_logger},
-                                                  {"log_first_at_exit", log_first_at_exit}};
+std::map<std::string, void (*)()> const scenes = {
+    {"release", [] { context const object = make_context(); }},
+    {"release_and_look",
+     [] {
+         release_and_fail();
+         auto* const logger = get_mero_logger();
+         std::printf("%s %d %zu", logger->name().c_str(), static_cast<int>(logger->level()), logger->sinks().size());
+     }},
+    {"change_variables", // which no longer matter once the logger is there
+     [] {
+         release_and_fail();
+         ::setenv("MERO_LOG_LEVEL", "off", 1);
+         ::setenv("MERO_LOG_TARGET", "none", 1);
+         release_and_fail();
+     }},
+    {"take_the_name", // before the library does
+     [] {
+         auto const own = spdlog::stderr_logger_mt("mero");
+         release_and_fail();
+         try {
+             get_mero_logger();
+         } catch (spdlog::spdlog_ex const& error) {
+             std::printf("%s", error.what());
+         }
+     }},
+    {"open_late", // a file that cannot be opened, until it can
+     [] {
+         ::mkdir("mero.log", 0700);
+         release_and_fail();
+         ::rmdir("mero.log");
+         release_and_fail();
+     }},
+    {"outlive_the_logger",
+     [] {
+         doomed_at_exit();
+         get_mero_logger();
+     }},
+    {"end_before_the_logger",
+     [] {
+         get_mero_logger();
+         doomed_at_exit();
+     }},
+    {"log_first_at_exit", [] {
+         doomed_at_exit();
+         spdlog::get("a logger of the program"); // its use of spdlog begins late and ends early
+     }}};
 
 } // namespace
 
