@@ -22,7 +22,7 @@ numbers read(session& s, _nq_cl_mem* buffer) {
 
 namespace {
 
-// 16 rows of 16 bytes out of rows of 32, by way of the rectangle of both buffers.
+// 16 rows of 16 bytes: in the first buffer in rows of 32, in the second tight, on the host in rows of 48.
 void rectangles(session& s) {
     auto* const first = make_buffer(s);
     auto* const second = make_buffer(s);
@@ -33,10 +33,12 @@ void rectangles(session& s) {
     s.ok(clEnqueueCopyBufferRect{
         .src_buffer = first, .dst_buffer = second, .src_origin = inner.data(), .src_row_pitch = 32});
     numbers target{};
-    s.ok(clEnqueueReadBufferRect{.buffer = second, .host_row_pitch = 32, .ptr = &target});
-    EXPECT_EQ(read(s, first)[3 * 8 + 4], source[4]); // the first element of the second row
-    EXPECT_EQ(read(s, second)[4], source[4]);
-    EXPECT_EQ(target[8], source[4]);
+    s.ok(clEnqueueReadBufferRect{
+        .buffer = first, .buffer_origin = inner.data(), .buffer_row_pitch = 32, .host_row_pitch = 48, .ptr = &target});
+    constexpr std::size_t row = 4; // the elements of a tight one
+    EXPECT_EQ(read(s, first)[3 * 2 * row + row], source[row]);
+    EXPECT_EQ(read(s, second)[row], source[row]);
+    EXPECT_EQ(target[3 * row], source[row]);
 }
 
 void sub_buffer(session& s, _nq_cl_mem* buffer) {
