@@ -78,7 +78,7 @@ void programs_made_of_nothing(session& s, _nq_cl_program* program) {
     char const* const name = "h";
     unsigned char const* no_binary = nullptr;
     std::size_t const size = 0;
-    s.refused(clCreateProgramWithSource{.strings = &no_text, .lengths = &size, .count = 1}, CL_INVALID_VALUE);
+    s.refused(clCreateProgramWithSource{.strings = &no_text, .count = 1}, CL_INVALID_VALUE);
     s.refused(clCreateProgramWithBinary{.lengths = &size, .binaries = &no_binary}, CL_INVALID_VALUE);
     s.refused(clCreateProgramWithBuiltInKernels{.device_list = &no_device, .kernel_names = name}, CL_INVALID_DEVICE);
     s.refused(clBuildProgram{.program = program, .device_list = &no_device}, CL_INVALID_DEVICE);

@@ -84,13 +84,15 @@ void session::tear_down() {
     releases_.clear();
 }
 
-bool session::nulls_pointer(std::span<std::byte> field, std::string const& call) const {
+bool session::nulls_pointer(std::span<std::byte> field, void const* code, std::string const& call) const {
     std::uintptr_t word = 0;
     unsigned char resident = 0;
     std::memcpy(&word, field.data(), sizeof word);
     auto const page = static_cast<std::uintptr_t>(sysconf(_SC_PAGESIZE));
-    if (mincore(reinterpret_cast<void*>(word / page * page), 1, &resident) != 0) {
-        return false; // numbers, flags or padding
+    // The flag beside a code, which makes a command blocking, can look like an address.
+    bool const holds_code = code >= field.data() && code < field.data() + field.size();
+    if (holds_code || mincore(reinterpret_cast<void*>(word / page * page), 1, &resident) != 0) {
+        return false;
     }
     std::ranges::fill(field, std::byte{});
     std::cout << name << " " << text_of(version) << " " << call << std::endl;

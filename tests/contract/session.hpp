@@ -52,18 +52,28 @@ std::string name_of() {
     return text.substr(begin, text.find_first_of("];", begin) - begin);
 }
 
-/// What a call came to: its status or error code; for a call without one, whether it gave a result.
+/// The place of a block's status or error code, null in one that has neither.
 template <class Block>
-std::int32_t code_of(Block const& block) {
+std::int32_t* code_in(Block& block) {
     if constexpr (requires { block.status; }) {
-        return block.status;
+        return &block.status;
     } else if constexpr (requires { block.error_code; }) {
-        return block.error_code;
-    } else if constexpr (requires { block.result; }) {
-        return block.result != nullptr ? CL_SUCCESS : CL_INVALID_OPERATION;
+        return &block.error_code;
     } else {
-        return CL_SUCCESS;
+        return nullptr;
     }
+}
+
+/// What a call came to: its code; for a call without one, whether it gave a result.
+template <class Block>
+std::int32_t code_of(Block block) {
+    if (auto const* const code = code_in(block); code != nullptr) {
+        return *code;
+    }
+    if constexpr (requires { block.result; }) {
+        return block.result != nullptr ? CL_SUCCESS : CL_INVALID_OPERATION;
+    }
+    return CL_SUCCESS;
 }
 
 /// The code that a platform answers for an entry point that does not work there; CL_SUCCESS for one that does.
@@ -180,11 +190,8 @@ public:
 private:
     template <class Block>
     static void spoil(Block& block) {
-        if constexpr (requires { block.status; }) {
-            block.status = 0x5A5A5A5A;
-        }
-        if constexpr (requires { block.error_code; }) {
-            block.error_code = 0x5A5A5A5A;
+        if (auto* const code = code_in(block); code != nullptr) {
+            *code = 0x5A5A5A5A;
         }
         if constexpr (requires { block.result; }) {
             std::memset(&block.result, 0x5A, sizeof block.result);
@@ -232,15 +239,16 @@ private:
         for (std::size_t offset = 0; !once && offset < sizeof block; offset += sizeof(void*)) {
             Block copy = block;
             auto const bytes = std::as_writable_bytes(std::span(&copy, 1)).subspan(offset, sizeof(void*));
-            if (nulls_pointer(bytes, name_of<Block>() + " without the pointer at " + std::to_string(offset))) {
+            std::string const what = name_of<Block>() + " without the pointer at " + std::to_string(offset);
+            if (nulls_pointer(bytes, code_in(copy), what)) {
                 EXPECT_EQ(nq_call_capability(handle_, id, &copy, nullptr), 0) << name_of<Block>();
                 codes_when_null[{id, offset}].insert(code_of(copy));
             }
         }
     }
 
-    /// Whether it was a pointer to memory, and the call may be made without it; then that is said.
-    bool nulls_pointer(std::span<std::byte> field, std::string const& call) const;
+    /// Whether a field was a pointer to memory, so that the call is to be made without it; then that is said.
+    bool nulls_pointer(std::span<std::byte> field, void const* code, std::string const& call) const;
 
     nq_call_handle* handle_;
     std::vector<std::function<void()>> releases_;
