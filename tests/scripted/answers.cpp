@@ -1,7 +1,6 @@
 #include "scripted/scripted.hpp"
 
 #include <algorithm>
-#include <tuple>
 
 // How every entry point is recorded and answered, made from the command lists
 // of the wire.
@@ -106,21 +105,11 @@ private:
         auto const scripted = self_.replies.find({name_of<Block>(), block_.param_name});
         if (scripted != self_.replies.end()) {
             write(scripted->second);
-        } else if (is_reference_count(block_.param_name)) {
-            write(bytes_of(std::uint32_t(self_.references(object()))));
         } else {
             set_status(invalid_value);
             self_.faults.push_back(std::string(name_of<Block>()) +
                                    " of a name that nobody scripted: " + std::to_string(block_.param_name));
         }
-    }
-
-    static bool is_reference_count(std::uint32_t name) {
-        constexpr std::tuple<std::string_view, std::uint32_t> names[] = {
-            {"clGetDeviceInfo", 0x1047},    {"clGetContextInfo", 0x1080}, {"clGetCommandQueueInfo", 0x1092},
-            {"clGetMemObjectInfo", 0x1105}, {"clGetSamplerInfo", 0x1150}, {"clGetProgramInfo", 0x1160},
-            {"clGetKernelInfo", 0x1192},    {"clGetEventInfo", 0x11D2}};
-        return std::find(std::begin(names), std::end(names), std::tuple(name_of<Block>(), name)) != std::end(names);
     }
 
     void write(std::string const& bytes) {

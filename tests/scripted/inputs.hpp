@@ -57,7 +57,7 @@ std::vector<field> layout_of(Probes... probes) {
     } else {
         std::vector<field> fields;
         ((probes.fields = &fields), ...);
-        Block{probes...};
+        [[maybe_unused]] Block const filled{probes...};
         return fields;
     }
 }

@@ -6,33 +6,13 @@
 #include <cstdlib>
 #include <malloc.h>
 
-namespace unit {
-namespace {
-
-thread_local std::size_t* counter = nullptr;
-thread_local std::size_t limit = 0;
-
-} // namespace
-
-allocation_watch::allocation_watch(std::size_t failing) : failing_(failing) {
-    limit = failing_;
-    counter = &count_;
-}
-
-allocation_watch::~allocation_watch() { counter = nullptr; }
-
-void allocation_watch::allocate() {
-    if (counter != nullptr && !scripted::libnq::answering() && ++*counter == limit) {
-        throw std::bad_alloc();
-    }
-}
-
-} // namespace unit
+std::size_t unit::allocated = 0;
+std::size_t unit::failing_allocation = 0;
 
 // The array forms and those with a size come here by default.
 void* operator new(std::size_t size) {
-    unit::allocation_watch::allocate();
-    if (void* const memory = std::malloc(size != 0 ? size : 1)) {
+    bool const fails = !scripted::libnq::answering() && ++unit::allocated == unit::failing_allocation;
+    if (void* const memory = fails ? nullptr : std::malloc(size != 0 ? size : 1)) {
         return memory;
     }
     throw std::bad_alloc();

@@ -5,34 +5,29 @@
 
 namespace unit {
 
-/// Counts this thread's allocations outside of libnq while it lives, and has one of them fail.
-class allocation_watch {
-public:
-    /// The `failing`-th allocation fails, counted from 1; with 0 none does.
-    explicit allocation_watch(std::size_t failing = 0);
-    allocation_watch(allocation_watch const&) = delete;
-    allocation_watch& operator=(allocation_watch const&) = delete;
-    ~allocation_watch();
+/// The allocations outside of libnq so far, and which of them is to fail; with 0 none is.
+extern std::size_t allocated;
+extern std::size_t failing_allocation;
 
-    std::size_t count() const noexcept { return count_; }
-
-    /// Throws `std::bad_alloc` when the allocation that is about to be made is to fail.
-    static void allocate();
-
-private:
-    std::size_t failing_;
-    std::size_t count_ = 0;
-};
+/// How many allocations some work makes. The n-th of them fails, counted from 1.
+template <class Work>
+std::size_t allocations_of(Work work, std::size_t failing = 0) {
+    struct no_more_failing {
+        ~no_more_failing() { failing_allocation = 0; }
+    } const at_the_end;
+    allocated = 0;
+    failing_allocation = failing;
+    work();
+    return allocated;
+}
 
 /// Runs what `prepare()` returns with its first allocation failing, then with its second, until none fails. Returns how
 /// many failed.
 template <class Prepare>
 std::size_t until_no_allocation_fails(Prepare prepare) {
     for (std::size_t failing = 1;; ++failing) {
-        auto const work = prepare();
         try {
-            allocation_watch const watch(failing);
-            work();
+            allocations_of(prepare(), failing);
             return failing - 1;
         } catch (std::bad_alloc const&) { // as it should
         }

@@ -156,12 +156,9 @@ TEST_F(devices, allocates_for_its_results_alone) {
     libnq.reply<clGetDeviceInfo>(0x102B, scripted::text(std::string(100, 'a')));
     libnq.reply<clGetDeviceInfo>(0x100D, reply_of(number));
     libnq.reply<clGetDeviceInfo>(0x1005, std::string(24, '\1'));
-    allocation_watch const watch;
-    w.device.address_bits();
-    w.device.max_work_item_sizes();
-    EXPECT_EQ(watch.count(), 0U);
-    w.device.name();
-    EXPECT_EQ(watch.count(), 1U);
+    EXPECT_EQ(allocations_of([&] { w.device.address_bits(); }), 0U);
+    EXPECT_EQ(allocations_of([&] { w.device.max_work_item_sizes(); }), 0U);
+    EXPECT_EQ(allocations_of([&] { w.device.name(); }), 1U);
 }
 
 #if UNIT_OPENCL >= 210

@@ -107,6 +107,9 @@ clGetSamplerInfo info_of(sampler const&);
 clGetProgramInfo info_of(program const&);
 clGetKernelInfo info_of(kernel const&);
 clGetEventInfo info_of(event const&);
+#if UNIT_OPENCL >= 110
+clGetEventInfo info_of(event_promise const&);
+#endif
 #if UNIT_OPENCL >= 200
 clGetCommandQueueInfo info_of(device_command_queue const&);
 clGetPipeInfo info_of(pipe const&);

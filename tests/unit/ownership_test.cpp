@@ -16,39 +16,41 @@ namespace {
 template <class Object>
 struct called;
 
-#define UNIT_CLASS(object, kind_name, accessor, creator, destroyed_as)                                                 \
+#define UNIT_CLASS(object, kind_name, count_name, accessor, creator, destroyed_as)                                     \
     template <>                                                                                                        \
     struct called<object> {                                                                                            \
         static constexpr char const* kind = kind_name;                                                                 \
+        [[maybe_unused]] static constexpr std::uint32_t count = count_name;                                            \
         static constexpr char const* destroyed = #destroyed_as "::~" #destroyed_as "()";                               \
         static constexpr auto create = creator;                                                                        \
         static auto* get(object const& of) { return raw::accessor(of); }                                               \
     };
-#define UNIT_MEMORY(object, creator) UNIT_CLASS(object, "MemObject", get_raw_memory_object, creator, memory_object)
+#define UNIT_MEMORY(object, creator)                                                                                   \
+    UNIT_CLASS(object, "MemObject", 0x1105, get_raw_memory_object, creator, memory_object)
 
-UNIT_CLASS(platform, "", get_raw_platform_id, &raw::create_platform, )
-UNIT_CLASS(device, "Device", get_raw_device_id, &raw::create_device, device)
-UNIT_CLASS(context, "Context", get_raw_context, &raw::create_context, context)
+UNIT_CLASS(platform, "", 0, get_raw_platform_id, &raw::create_platform, )
+UNIT_CLASS(device, "Device", 0x1047, get_raw_device_id, &raw::create_device, device)
+UNIT_CLASS(context, "Context", 0x1080, get_raw_context, &raw::create_context, context)
 UNIT_MEMORY(memory_object, nullptr)
 UNIT_MEMORY(buffer, &raw::create_buffer)
 UNIT_MEMORY(image, nullptr)
 UNIT_MEMORY(image_2d, &raw::create_image_2d)
 UNIT_MEMORY(image_3d, &raw::create_image3d)
-UNIT_CLASS(sampler, "Sampler", get_raw_sampler, &raw::create_sampler, sampler)
-UNIT_CLASS(program, "Program", get_raw_program, &raw::create_program, program)
-UNIT_CLASS(kernel, "Kernel", get_raw_kernel, nullptr, kernel)
-UNIT_CLASS(event, "Event", get_raw_event, &raw::create_event, event)
+UNIT_CLASS(sampler, "Sampler", 0x1150, get_raw_sampler, &raw::create_sampler, sampler)
+UNIT_CLASS(program, "Program", 0x1160, get_raw_program, &raw::create_program, program)
+UNIT_CLASS(kernel, "Kernel", 0x1192, get_raw_kernel, nullptr, kernel)
+UNIT_CLASS(event, "Event", 0x11D2, get_raw_event, &raw::create_event, event)
 #if UNIT_OPENCL < 200
-UNIT_CLASS(command_queue, "CommandQueue", get_raw_command_queue, &raw::create_command_queue, command_queue)
+UNIT_CLASS(command_queue, "CommandQueue", 0x1092, get_raw_command_queue, &raw::create_command_queue, command_queue)
 #else
-UNIT_CLASS(host_command_queue, "CommandQueue", get_raw_command_queue, &raw::create_host_command_queue,
+UNIT_CLASS(host_command_queue, "CommandQueue", 0x1092, get_raw_command_queue, &raw::create_host_command_queue,
            host_command_queue)
-UNIT_CLASS(device_command_queue, "CommandQueue", get_raw_command_queue, &raw::create_device_command_queue,
+UNIT_CLASS(device_command_queue, "CommandQueue", 0x1092, get_raw_command_queue, &raw::create_device_command_queue,
            device_command_queue)
 UNIT_MEMORY(pipe, &raw::create_pipe)
 #endif
 #if UNIT_OPENCL >= 110
-UNIT_CLASS(event_promise, "Event", get_raw_event, nullptr, event_promise)
+UNIT_CLASS(event_promise, "Event", 0x11D2, get_raw_event, nullptr, event_promise)
 UNIT_MEMORY(sub_buffer, &raw::create_sub_buffer)
 #endif
 #if UNIT_OPENCL >= 120
@@ -96,10 +98,12 @@ std::string logged(std::function<void()> const& done) {
 }
 
 template <class Object>
-class ownership : public scripted::fixture {
+constexpr bool clones = std::is_same_v<Object, kernel>;
+
+template <class Object>
+class ownership : public members {
 protected:
     using raw_type = typename Object::raw_type;
-    static constexpr bool clones = std::is_same_v<Object, kernel>;
 
     /// A raw handle with a reference that the test holds for an object to adopt, where the class counts any.
     raw_type* reference() { return libnq.make<raw_type>(counted<Object> ? 1 : 0); }
@@ -149,7 +153,6 @@ protected:
         libnq.forget_calls();
     }
 
-    nq::call_handle handle = libnq.open(api::capability);
     nq::call_handle other_handle = libnq.open(api::capability);
 };
 TYPED_TEST_SUITE(ownership, classes);
@@ -233,7 +236,7 @@ TYPED_TEST(ownership, retains_nothing_for_an_empty_object_and_never_releases_it)
     };
     is_refused([&] { raw::retain(also_empty); });
     if constexpr (std::is_copy_constructible_v<TypeParam>) {
-        if constexpr (!this->clones) {
+        if constexpr (!clones<TypeParam>) {
             is_refused([&] { TypeParam{also_empty}; });
         }
         empty = source;
@@ -246,16 +249,18 @@ TYPED_TEST(ownership, performs_one_operation_for_a_raw_function) {
     auto const owner = this->object(this->handle);
     raw::retain(owner);
     this->expect_calls({"Retain"});
-    EXPECT_EQ(raw::refcount(owner), counted<TypeParam> ? 2U : 1U);
-    EXPECT_EQ(this->libnq.names(),
-              names(counted<TypeParam> ? 2 : 0, "clGet" + std::string(called<TypeParam>::kind) + "Info"));
-    this->libnq.forget_calls();
     raw::release(owner);
     this->expect_calls({"Release"});
     this->expect_failures("Retain", 1, [&] { raw::retain(owner); });
     this->expect_failures("Release", 1, [&] { raw::release(owner); });
-    this->expect_failures("Info", 1, [&] { raw::refcount(owner); });
-    this->expect_failures("Info", 2, [&] { raw::refcount(owner); });
+    if constexpr (counted<TypeParam>) {
+        // images and pipes have info entry points of their own, but are counted as memory objects
+        using asked = std::conditional_t<std::is_base_of_v<memory_object, TypeParam>, memory_object, TypeParam>;
+        this->reads(static_cast<asked const&>(owner), called<TypeParam>::count, number,
+                    [](asked const& of) { return raw::refcount(of); });
+    } else {
+        EXPECT_EQ(raw::refcount(owner), 1U);
+    }
 }
 
 TYPED_TEST(ownership, copies_by_a_retain_or_a_clone) {
@@ -263,8 +268,8 @@ TYPED_TEST(ownership, copies_by_a_retain_or_a_clone) {
         auto const original = this->object(this->handle);
         {
             TypeParam const copy(original);
-            this->expect_calls({this->clones ? "Clone" : "Retain"});
-            EXPECT_EQ(called<TypeParam>::get(copy) == called<TypeParam>::get(original), !this->clones);
+            this->expect_calls({clones<TypeParam> ? "Clone" : "Retain"});
+            EXPECT_EQ(called<TypeParam>::get(copy) == called<TypeParam>::get(original), !clones<TypeParam>);
             EXPECT_EQ(raw::get_call_handle(copy), this->handle);
         }
         this->expect_calls({"Release"});
