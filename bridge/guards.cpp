@@ -62,10 +62,11 @@ cl_int CL_API_CALL oclgrind_set_argument(cl_kernel kernel, cl_uint index, std::s
     return loaded().clSetKernelArg(kernel, index, size, value);
 }
 
-// Oclgrind divides by the local size.
-cl_int CL_API_CALL oclgrind_launch(cl_command_queue queue, cl_kernel kernel, cl_uint dimensions,
-                                   std::size_t const* offset, std::size_t const* global, std::size_t const* local,
-                                   cl_uint event_count, cl_event const* events, cl_event* event) {
+// PoCL and Oclgrind divide by the local size.
+cl_int CL_API_CALL launch_unless_group_is_empty(cl_command_queue queue, cl_kernel kernel, cl_uint dimensions,
+                                                std::size_t const* offset, std::size_t const* global,
+                                                std::size_t const* local, cl_uint event_count, cl_event const* events,
+                                                cl_event* event) {
     if (local != nullptr && dimensions <= 3 && std::find(local, local + dimensions, 0U) != local + dimensions) {
         return CL_INVALID_WORK_GROUP_SIZE;
     }
@@ -150,9 +151,10 @@ void install_guards(std::string_view platform_name, functions& cl) noexcept {
         cl.clSetProgramSpecializationConstant = nullptr; // aborts on a program never built, knows no constants
         replace(cl.clCreateCommandQueueWithProperties, pocl_create_queue);
         replace(cl.clCreateImage, pocl_create_image);
+        replace(cl.clEnqueueNDRangeKernel, launch_unless_group_is_empty);
     } else if (platform_name == oclgrind) {
         replace(cl.clSetKernelArg, oclgrind_set_argument);
-        replace(cl.clEnqueueNDRangeKernel, oclgrind_launch);
+        replace(cl.clEnqueueNDRangeKernel, launch_unless_group_is_empty);
     } else if (platform_name == rusticl) {
         replace(cl.clSetKernelArg, set_argument_unless_null<image_type>);
     } else if (platform_name == intel) {

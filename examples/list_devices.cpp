@@ -74,9 +74,9 @@ row describe(Device const& device, std::string const& version, _nq_cl_device_id*
 
 // One device in several namespaces has one raw handle, and gets one row.
 template <class Api>
-void add_rows(std::vector<row>& rows, _nq_cl_device_id* (*raw_id)(typename Api::device const&)) {
+void add_rows(std::vector<row>& rows) {
     for (auto const& device : Api::get_all_devices()) {
-        auto* const id = raw_id(device);
+        auto* const id = Api::raw_handle(device);
         auto const known = std::find_if(rows.begin(), rows.end(), [id](row const& other) { return other.id == id; });
         if (known != rows.end()) {
             known->versions += ' ' + version_of<Api>();
@@ -143,12 +143,12 @@ void print_json() {
 
 void print_rows() {
     std::vector<row> rows;
-    add_rows<opencl_1_0::api>(rows, opencl_1_0::raw::get_raw_device_id);
-    add_rows<opencl_1_1::api>(rows, opencl_1_1::raw::get_raw_device_id);
-    add_rows<opencl_1_2::api>(rows, opencl_1_2::raw::get_raw_device_id);
-    add_rows<opencl_2_0::api>(rows, opencl_2_0::raw::get_raw_device_id);
-    add_rows<opencl_2_1::api>(rows, opencl_2_1::raw::get_raw_device_id);
-    add_rows<opencl_2_2::api>(rows, opencl_2_2::raw::get_raw_device_id);
+    add_rows<opencl_1_0::api>(rows);
+    add_rows<opencl_1_1::api>(rows);
+    add_rows<opencl_1_2::api>(rows);
+    add_rows<opencl_2_0::api>(rows);
+    add_rows<opencl_2_1::api>(rows);
+    add_rows<opencl_2_2::api>(rows);
     if (rows.empty()) {
         std::printf("No device was found. An OpenCL implementation is needed, for CPUs for example PoCL (on Debian: "
                     "apt-get install pocl-opencl-icd);\nNQ_BRIDGE_VERBOSE=1 says what was looked for and not found.\n");

@@ -1,6 +1,8 @@
 #pragma once
 
 // What a failing call layer throws. A failed OpenCL operation throws the exceptions of `vorn::mero::common` instead.
+// `what()` is empty for a call on an object that was moved from and in a forked process, the commonest causes: tell the
+// code too.
 //
 //     try {
 //         devices = cl::get_all_devices();

@@ -111,7 +111,7 @@ void kernel_arguments(session& s, _nq_cl_program* program) {
     }
     s.ok(clSetKernelArg{.kernel = kernel, .arg_size = 8});
     s.ok(clSetKernelArg{.kernel = kernel, .arg_size = 8, .arg_value = &nothing});
-    if (s.name == "oclgrind") {
+    if (s.name == "oclgrind" || s.name == "pocl") {
         std::size_t const global = 16;
         std::size_t const local = 0;
         s.refused(clEnqueueNDRangeKernel{.kernel = kernel, .global_work_size = &global, .local_work_size = &local},

@@ -20,8 +20,10 @@ namespace vorn::mero::internal {
 ///     second = third;                        // retains again
 ///
 /// Copying retains, destruction releases, moving transfers without a call. An object that was moved from is empty: its
-/// raw handle is null, and it may be destroyed, assigned to or moved from; any other use of it hands null handles to
-/// libnq, which refuses them: `nq::unrecoverable_error`.
+/// raw handle is null, and it may be destroyed, assigned to or moved from. A member that makes a call throws
+/// `nq::unrecoverable_error`. As an argument its null handle goes to OpenCL, which refuses it with the status for such
+/// an object (`common::invalid_mem_object`, say) or, as the buffer argument of a kernel, takes it for a null pointer;
+/// PoCL takes null images and samplers too, and crashes at the launch.
 ///
 /// An object does not keep alive what it was made from: OpenCL does, as far as it needs it. It does keep the call
 /// handle open. Objects may be kept in containers, and in objects of static lifetime as far as the OpenCL

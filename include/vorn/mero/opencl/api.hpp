@@ -73,10 +73,14 @@ struct api {
     using device_type = VORN_MERO_NAMESPACE::device_type;
     using mem_flags = VORN_MERO_NAMESPACE::mem_flags;
     using map_flags = VORN_MERO_NAMESPACE::map_flags;
+    using mem_object_type = VORN_MERO_NAMESPACE::mem_object_type;
+    using sampler_addressing_mode = VORN_MERO_NAMESPACE::sampler_addressing_mode;
+    using sampler_filter_mode = VORN_MERO_NAMESPACE::sampler_filter_mode;
     using image_channel_order = VORN_MERO_NAMESPACE::image_channel_order;
     using image_channel_type = VORN_MERO_NAMESPACE::image_channel_type;
     using image_format = VORN_MERO_NAMESPACE::image_format;
     using event_execution_status = VORN_MERO_NAMESPACE::event_execution_status;
+    using program_build_status = VORN_MERO_NAMESPACE::program_build_status;
     using device_binary = VORN_MERO_NAMESPACE::device_binary;
     using local_memory = VORN_MERO_NAMESPACE::local_memory;
     using create_reference = internal::create_reference;
@@ -87,6 +91,7 @@ struct api {
 #endif
 
 #if VORN_MERO_OPENCL >= 110
+    using sub_buffer = VORN_MERO_NAMESPACE::sub_buffer;
     using event_promise = VORN_MERO_NAMESPACE::event_promise;
     using read_buffer_rect = VORN_MERO_NAMESPACE::read_buffer_rect;
     using write_buffer_rect = VORN_MERO_NAMESPACE::write_buffer_rect;
@@ -95,11 +100,17 @@ struct api {
 #endif
 
 #if VORN_MERO_OPENCL >= 120
+    using image_1d = VORN_MERO_NAMESPACE::image_1d;
+    using image_1d_buffer = VORN_MERO_NAMESPACE::image_1d_buffer;
+    using image_1d_array = VORN_MERO_NAMESPACE::image_1d_array;
+    using image_2d_array = VORN_MERO_NAMESPACE::image_2d_array;
     using fill_buffer_base = VORN_MERO_NAMESPACE::fill_buffer_base;
     using fill_buffer_bytes = VORN_MERO_NAMESPACE::fill_buffer_bytes;
     using fill_image_base = VORN_MERO_NAMESPACE::fill_image_base;
     using migrate_mem_objects = VORN_MERO_NAMESPACE::migrate_mem_objects;
     using migration_flags = VORN_MERO_NAMESPACE::migration_flags;
+    using program_binary_type = VORN_MERO_NAMESPACE::program_binary_type;
+    using device_affinity_domain = VORN_MERO_NAMESPACE::device_affinity_domain;
 
     template <class T>
     using fill_buffer = VORN_MERO_NAMESPACE::fill_buffer<T>;
@@ -108,6 +119,8 @@ struct api {
 #endif
 
 #if VORN_MERO_OPENCL >= 200
+    using pipe = VORN_MERO_NAMESPACE::pipe;
+    using device_command_queue = VORN_MERO_NAMESPACE::device_command_queue;
     using svm_free = VORN_MERO_NAMESPACE::svm_free;
     using svm_memcpy = VORN_MERO_NAMESPACE::svm_memcpy;
     using fill_svm_base = VORN_MERO_NAMESPACE::fill_svm_base;
@@ -139,6 +152,13 @@ struct api {
     /// As the function of this name in the namespace.
     static device get_call_handle_device(nq::call_handle const& call_handle) {
         return VORN_MERO_NAMESPACE::get_call_handle_device(call_handle);
+    }
+
+    /// The raw handle of any object of the version, as `raw::get_raw_event` and its siblings give it: a wait list is an
+    /// array of these.
+    template <class Object>
+    static auto* raw_handle(Object const& object) noexcept {
+        return mero::internal::owner_access::raw(object);
     }
 
     /// A context of one device, without properties and callback.

@@ -246,8 +246,9 @@ public:
     /// The most sub-devices that a partition can make, 0 or 1 for a device that cannot be divided. Since OpenCL 1.2.
     std::uint32_t partition_max_sub_devices() const;
 
-    /// Whether the scheme is the only one that the device lists; throws `common::bad_implementation` when it lists
-    /// more, which tells nothing of whether it has this one: try the partition then. Since OpenCL 1.2.
+    /// Whether the scheme is the only one that the device lists. A device that lists more makes it throw, mostly
+    /// `common::invalid_value`, else `common::bad_implementation`, which tells nothing of whether it has this one: try
+    /// the partition then. Since OpenCL 1.2.
     bool partition_equally_supported() const;
     bool partition_by_counts_supported() const;
 

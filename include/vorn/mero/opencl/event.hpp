@@ -90,8 +90,9 @@ public:
 ///     ready.set_status_success();
 ///
 /// OpenCL lets the status be set once; a second time is `common::invalid_operation`. A promise that is destroyed before
-/// leaves its event pending, and what waits for the event never starts, so that `finish` never returns. Since
-/// OpenCL 1.1.
+/// leaves its event pending, and what waits for the event never starts, so that `finish` never returns. Oclgrind runs
+/// commands inside `flush`, `finish` and the queue's release, and none of these returns there before the promise is
+/// kept. Since OpenCL 1.1.
 class VORN_MERO_EXPORT event_promise : public mero::internal::handle<internal::event_promise_kind> {
 public:
     /// Adopts a reference that the caller holds; makes no call.

@@ -54,7 +54,8 @@ public:
     /// to keep the program and call `create_kernel` makes one.
     kernel clone() const;
 
-    /// A null memory object: the kernel gets a null pointer. Only arguments that are buffers take it.
+    /// A null memory object: the kernel gets a null pointer. Only arguments that are buffers take it. A literal 0 means
+    /// this too: numbers are set by `set_argument_raw`.
     void set_argument(unsigned int index, std::nullptr_t);
 
     /// Local memory of a size, for a pointer in the `__local` address space. A size of 0 is `common::invalid_arg_size`.

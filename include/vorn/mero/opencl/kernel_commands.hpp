@@ -15,7 +15,8 @@ namespace vorn::mero::VORN_MERO_NAMESPACE {
 ///
 ///     queue.enqueue_command_without_event(cl::nd_range_kernel(kernel, 2, {640, 480, 1}, {8, 8, 1}));
 ///
-/// The local size is always passed on and must divide the global size in each dimension, or
+/// The local size is always passed on, OpenCL cannot be asked to choose one; a start is
+/// `kernel::max_work_group_size`. It must divide the global size in each dimension, or
 /// `common::invalid_work_group_size` is thrown; so it is for more work-items than `kernel::max_work_group_size`. An
 /// argument that was never set is `common::invalid_kernel_args`, another `work_dim` `common::invalid_work_dimension`.
 class VORN_MERO_EXPORT nd_range_kernel : public command {
@@ -62,11 +63,13 @@ private:
 ///     queue.enqueue_command_without_event(
 ///         cl::nd_range_kernel(kernel, 2, {0, 0, 0}, {640, 480, 1}, {8, 8, 1})); // 80 x 60 work-groups of 64
 ///
-/// The local size is always passed on. It must divide the global size in each dimension, unless the kernel was built
-/// with `-cl-std=CL2.0` or later, or `common::invalid_work_group_size` is thrown; so it is for more work-items than
-/// `kernel::max_work_group_size`, and for another size than the source requires. `common::invalid_work_item_size` is a
-/// dimension above `device::max_work_item_sizes`, `common::invalid_kernel_args` an argument that was never set,
-/// `common::invalid_program_executable` a program that was not built for the queue's device.
+/// The local size is always passed on, and OpenCL cannot be asked to choose one; a start is
+/// `kernel::preferred_work_group_size_multiple`, 0 is not. It must divide the global size in each dimension, unless the
+/// kernel was built with `-cl-std=CL2.0` or later, or `common::invalid_work_group_size` is thrown; so it is for more
+/// work-items than `kernel::max_work_group_size`, and for another size than the source requires.
+/// `common::invalid_work_item_size` is a dimension above `device::max_work_item_sizes`, `common::invalid_kernel_args`
+/// an argument that was never set, `common::invalid_program_executable` a program that was not built for the queue's
+/// device.
 class VORN_MERO_EXPORT nd_range_kernel : public command {
 public:
     /// Sizes and offset are in work-items; `get_global_id` counts from the offset. Arguments set on the kernel later do

@@ -68,8 +68,9 @@ public:
     std::string source_code() const;
 
     /// One binary for each device of the program, in the order of `get_devices`; empty for a device without, as all are
-    /// before the program is built. Makes five calls and those that retain the devices, and copies every binary. Throws
-    /// `common::bad_implementation` when the replies contradict each other.
+    /// before the program is built, but that PoCL throws `common::invalid_program` then. Makes five calls and those
+    /// that retain the devices, and copies every binary. Throws `common::bad_implementation` when the replies
+    /// contradict each other.
     std::vector<device_binary> binaries() const;
 
     /// The function of this name, with no arguments set; one call. Each kernel of one function has arguments of its
