@@ -76,7 +76,7 @@ row describe(Device const& device, std::string const& version, _nq_cl_device_id*
 template <class Api>
 void add_rows(std::vector<row>& rows) {
     for (auto const& device : Api::get_all_devices()) {
-        auto* const id = Api::raw_handle(device);
+        auto* const id = Api::get_raw_device_id(device);
         auto const known = std::find_if(rows.begin(), rows.end(), [id](row const& other) { return other.id == id; });
         if (known != rows.end()) {
             known->versions += ' ' + version_of<Api>();

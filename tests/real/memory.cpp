@@ -32,7 +32,7 @@ SCENARIO(buffers, "buffers", 100) {
     EXPECT_EQ(over_host.host_ptr(), sent.data());
     EXPECT_EQ(over_host.flags(), own);
     auto const copied = b.store(sent);
-    auto const same = copied;
+    auto const same = copied; // NOLINT(performance-unnecessary-copy-initialization): retains
     sent[0] = 9;
     EXPECT_EQ(b.load(same), (numbers{1, -2, 3, -4}));
     EXPECT_THROW(b.context.create_buffer(Api::mem_flags::read_write, 0, nullptr), common::invalid_buffer_size);

@@ -256,7 +256,7 @@ struct scenario {
                     for (auto const& [device_name, device] : found_devices<Api>()) {
                         auto const implementation = implementation_of(device.get_platform().name());
                         add_test({name, feature, implementation, device_name, Api::number},
-                                 [&device, implementation, body] {
+                                 [&device = device, implementation, body] {
                                      bench<Api> b(implementation, device);
                                      body(b);
                                  });

@@ -109,7 +109,7 @@ public:
 
     /// An open call handle, without a call that is remembered. Calls with a null
     /// handle are understood by the numbering of the one that was opened last.
-    nq::call_handle open(nq::capability version);
+    nq::call_handle open(nq::capability offered);
 
     /// A fresh raw handle of which the test and the library hold some references.
     template <class Raw>

@@ -267,7 +267,7 @@ TYPED_TEST(ownership, copies_by_a_retain_or_a_clone) {
     if constexpr (std::is_copy_constructible_v<TypeParam>) {
         auto const original = this->object(this->handle);
         {
-            TypeParam const copy(original);
+            TypeParam const copy(original); // NOLINT(performance-unnecessary-copy-initialization): makes a call
             this->expect_calls({clones<TypeParam> ? "Clone" : "Retain"});
             EXPECT_EQ(called<TypeParam>::get(copy) == called<TypeParam>::get(original), !clones<TypeParam>);
             EXPECT_EQ(raw::get_call_handle(copy), this->handle);

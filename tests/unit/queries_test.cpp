@@ -14,7 +14,6 @@ namespace {
 
 namespace common = vorn::mero::common;
 using namespace vorn::mero::internal;
-using testing::ElementsAre;
 
 constexpr std::size_t unwritten = ~std::size_t{0};
 constexpr char const* changed =

@@ -154,12 +154,12 @@ struct api {
         return VORN_MERO_NAMESPACE::get_call_handle_device(call_handle);
     }
 
-    /// The raw handle of any object of the version, as `raw::get_raw_event` and its siblings give it: a wait list is an
-    /// array of these.
-    template <class Object>
-    static auto* raw_handle(Object const& object) noexcept {
-        return mero::internal::owner_access::raw(object);
+    // As the functions of these names in `raw`: the elements of wait lists and of lists of memory objects.
+    static _nq_cl_event* get_raw_event(event const& object) noexcept { return raw::get_raw_event(object); }
+    static _nq_cl_mem* get_raw_memory_object(memory_object const& object) noexcept {
+        return raw::get_raw_memory_object(object);
     }
+    static _nq_cl_device_id* get_raw_device_id(device const& object) noexcept { return raw::get_raw_device_id(object); }
 
     /// A context of one device, without properties and callback.
     static context create_context(device const& target) {
