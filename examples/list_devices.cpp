@@ -4,7 +4,7 @@
 //
 // As a table with one row for each device, or as JSON with one object for each device in each namespace.
 
-#include <vorn/mero/opencl.hpp>
+#include "support.hpp"
 
 #include <algorithm>
 #include <cstdio>
@@ -128,27 +128,15 @@ void add_objects(nlohmann::json& list) {
     }
 }
 
-using namespace vorn::mero;
-
 void print_json() {
     auto objects = nlohmann::json::array();
-    add_objects<opencl_1_0::api>(objects);
-    add_objects<opencl_1_1::api>(objects);
-    add_objects<opencl_1_2::api>(objects);
-    add_objects<opencl_2_0::api>(objects);
-    add_objects<opencl_2_1::api>(objects);
-    add_objects<opencl_2_2::api>(objects);
+    example::for_each_version([&]<class Api>() { add_objects<Api>(objects); });
     std::printf("%s\n", objects.dump(2).c_str());
 }
 
 void print_rows() {
     std::vector<row> rows;
-    add_rows<opencl_1_0::api>(rows);
-    add_rows<opencl_1_1::api>(rows);
-    add_rows<opencl_1_2::api>(rows);
-    add_rows<opencl_2_0::api>(rows);
-    add_rows<opencl_2_1::api>(rows);
-    add_rows<opencl_2_2::api>(rows);
+    example::for_each_version([&]<class Api>() { add_rows<Api>(rows); });
     if (rows.empty()) {
         std::printf("No device was found. An OpenCL implementation is needed, for CPUs for example PoCL (on Debian: "
                     "apt-get install pocl-opencl-icd);\nNQ_BRIDGE_VERBOSE=1 says what was looked for and not found.\n");

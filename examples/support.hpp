@@ -21,6 +21,18 @@ inline std::string option(int count, char** arguments, char const* name, std::st
     return otherwise;
 }
 
+/// Calls `work.operator()<Api>()` for each OpenCL version, oldest first.
+template <class Work>
+void for_each_version(Work work) {
+    using namespace vorn::mero;
+    work.template operator()<opencl_1_0::api>();
+    work.template operator()<opencl_1_1::api>();
+    work.template operator()<opencl_1_2::api>();
+    work.template operator()<opencl_2_0::api>();
+    work.template operator()<opencl_2_1::api>();
+    work.template operator()<opencl_2_2::api>();
+}
+
 /// The devices of the platforms whose names contain a text, that `accept`.
 template <class Api, class Accept>
 std::vector<typename Api::device> find_devices(std::string const& platform, Accept accept) {

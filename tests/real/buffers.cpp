@@ -57,24 +57,20 @@ SCENARIO(copies_rectangles, "rectangle commands", 110) {
 }
 
 // Each of the three commands overwrites a part of what the one before has filled.
-template <std::size_t Size, class Api>
-void fills_with_pattern(bench<Api>& b) {
-    using element = std::array<unsigned char, Size>;
-    element first{}, second{};
-    std::iota(first.begin(), first.end(), static_cast<unsigned char>(3));
-    std::iota(second.begin(), second.end(), static_cast<unsigned char>(100));
-    auto target = b.store(std::vector<element>(6));
-    b.run(typename Api::fill_buffer_bytes(target, bytes(first.begin(), first.end()), Size, 4));
-    b.run(typename Api::template fill_buffer<element>(target, second, 2 * Size, 2));
-    typename Api::fill_buffer_base fill(target, second.data(), Size, 3 * Size, 1);
+template <class Api, class Element>
+void fills_with(bench<Api>& b, Element const& first, Element const& second) {
+    constexpr std::size_t size = sizeof(Element);
+    auto target = b.store(std::vector<Element>(6));
+    b.run(typename Api::fill_buffer_bytes(target, bytes(first.begin(), first.end()), size, 4));
+    b.run(typename Api::template fill_buffer<Element>(target, second, 2 * size, 2));
+    typename Api::fill_buffer_base fill(target, second.data(), size, 3 * size, 1);
     fill.update_pattern_pointer(first.data());
     b.run(fill);
-    EXPECT_EQ(b.template load<element>(target), (std::vector<element>{{}, first, second, first, first, {}})) << Size;
+    EXPECT_EQ(b.template load<Element>(target), (std::vector<Element>{{}, first, second, first, first, {}})) << size;
 }
 
 SCENARIO(fills_buffers, "buffer fills", 120) {
-    [&]<std::size_t... Power>(std::index_sequence<Power...>) { (fills_with_pattern<std::size_t{1} << Power>(b), ...); }
-    (std::make_index_sequence<8>{});
+    for_each_pattern([&](auto const& first, auto const& second) { fills_with(b, first, second); });
     auto target = b.store(std::vector<float>(4));
     b.run(typename Api::template fill_buffer<float>(target, 1.5F, 4, 2));
     EXPECT_EQ(b.template load<float>(target), (std::vector<float>{0, 1.5F, 1.5F, 0}));

@@ -75,25 +75,21 @@ SCENARIO(moves_data_in_shared_memory, "SVM", 200) {
     EXPECT_EQ(read(b, second.as() + 8, 2), (numbers{-1, 20}));
 }
 
-template <std::size_t Size, class Api>
-void fills_with_pattern(bench<Api>& b) {
-    using element = std::array<unsigned char, Size>;
-    element first{}, second{};
-    std::iota(first.begin(), first.end(), static_cast<unsigned char>(1));
-    std::iota(second.begin(), second.end(), static_cast<unsigned char>(100));
-    shared_memory<Api> const target(b, Size * 4);
-    auto* const elements = target.template as<element>();
-    typename Api::fill_svm_base fill(elements, second.data(), Size, 4);
+template <class Api, class Element>
+void fills_with(bench<Api>& b, Element const& first, Element const& second) {
+    constexpr std::size_t size = sizeof(Element);
+    shared_memory<Api> const target(b, size * 4);
+    auto* const elements = target.template as<Element>();
+    typename Api::fill_svm_base fill(elements, second.data(), size, 4);
     b.run(fill);
     fill.update_pattern_pointer(first.data());
     b.run(fill);
-    b.run(typename Api::template fill_svm<element>(elements + 1, second, 2));
-    EXPECT_EQ(read<element>(b, elements, 4), (std::vector<element>{first, second, second, first})) << Size;
+    b.run(typename Api::template fill_svm<Element>(elements + 1, second, 2));
+    EXPECT_EQ(read<Element>(b, elements, 4), (std::vector<Element>{first, second, second, first})) << size;
 }
 
 SCENARIO(fills_shared_memory, "SVM", 200) {
-    [&]<std::size_t... Power>(std::index_sequence<Power...>) { (fills_with_pattern<std::size_t{1} << Power>(b), ...); }
-    (std::make_index_sequence<8>{});
+    for_each_pattern([&](auto const& first, auto const& second) { fills_with(b, first, second); });
 }
 
 /// What the function that frees was told.

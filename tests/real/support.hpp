@@ -38,6 +38,21 @@ std::vector<T> counting(std::size_t count, T first = 1) {
     return values;
 }
 
+/// Calls `use` with two patterns of each size that fills take, 1 to 128 bytes.
+template <class Use>
+void for_each_pattern(Use use) {
+    auto const of_size = [&]<std::size_t Size>(std::integral_constant<std::size_t, Size>) {
+        std::array<unsigned char, Size> first{}, second{};
+        std::iota(first.begin(), first.end(), static_cast<unsigned char>(3));
+        std::iota(second.begin(), second.end(), static_cast<unsigned char>(100));
+        use(first, second);
+    };
+    [&]<std::size_t... Power>(std::index_sequence<Power...>) {
+        (of_size(std::integral_constant<std::size_t, std::size_t{1} << Power>{}), ...);
+    }
+    (std::make_index_sequence<8>{});
+}
+
 struct region {
     box origin;
     box size;
