@@ -11,6 +11,7 @@
 #include <fstream>
 
 namespace cl = vorn::mero::opencl_1_2;
+using api = vorn::mero::api<120>;
 
 namespace {
 
@@ -44,7 +45,7 @@ std::vector<step> enqueue(cl::command_queue& queue, std::vector<cl::buffer>& buf
         float* const host = values.data() + i * chunk_elements;
         cl::event uploaded = queue.enqueue_command(cl::write_buffer(buffers[i], false, 0, chunk_bytes, host));
         _nq_cl_event* const before_launch[] = {cl::raw::get_raw_event(uploaded)};
-        cl::event computed = queue.enqueue_command(cl::api::launch(kernels[i], chunk_elements, 64), 1, before_launch);
+        cl::event computed = queue.enqueue_command(api::launch(kernels[i], chunk_elements, 64), 1, before_launch);
         _nq_cl_event* const before_read[] = {cl::raw::get_raw_event(computed)};
         cl::event downloaded =
             queue.enqueue_command(cl::read_buffer(buffers[i], false, 0, chunk_bytes, host), 1, before_read);
@@ -58,7 +59,7 @@ std::vector<step> enqueue(cl::command_queue& queue, std::vector<cl::buffer>& buf
 std::vector<step> run(cl::device const& device, std::vector<float>& values) {
     cl::context context = cl::create_context({}, {device}, nullptr, nullptr);
     cl::command_queue queue = context.create_command_queue(device, true, true);
-    cl::program program = example::build<cl::api>(context, device, source);
+    cl::program program = example::build<api>(context, device, source);
     std::vector<cl::buffer> buffers;
     std::vector<cl::kernel> kernels;
     for (std::size_t i = 0; i != chunks; ++i) {
@@ -130,8 +131,8 @@ void draw(std::string const& path, std::vector<step> const& steps) {
 int main(int count, char** arguments) {
     try {
         auto const device =
-            example::find_device<cl::api>(example::option(count, arguments, "--platform", ""),
-                                          [](cl::device const& d) { return d.out_of_order_command_queue_supported(); });
+            example::find_device<api>(example::option(count, arguments, "--platform", ""),
+                                      [](cl::device const& d) { return d.out_of_order_command_queue_supported(); });
         std::vector<float> values(chunks * chunk_elements);
         for (std::size_t i = 0; i != values.size(); ++i) {
             values[i] = static_cast<float>(i % 1000);

@@ -193,8 +193,7 @@ int run_versions(options const& chosen) {
 int main(int count, char** arguments) {
     using namespace vorn::mero;
     try {
-        return run_versions<opencl_1_0::api, opencl_1_1::api, opencl_1_2::api, opencl_2_0::api, opencl_2_1::api,
-                            opencl_2_2::api>(parse(count, arguments));
+        return run_versions<api<100>, api<110>, api<120>, api<200>, api<210>, api<220>>(parse(count, arguments));
     } catch (std::exception const& failure) {
         std::fprintf(stderr, "saxpy: %s\n", failure.what());
         return EXIT_FAILURE;

@@ -25,12 +25,12 @@ inline std::string option(int count, char** arguments, char const* name, std::st
 template <class Work>
 void for_each_version(Work work) {
     using namespace vorn::mero;
-    work.template operator()<opencl_1_0::api>();
-    work.template operator()<opencl_1_1::api>();
-    work.template operator()<opencl_1_2::api>();
-    work.template operator()<opencl_2_0::api>();
-    work.template operator()<opencl_2_1::api>();
-    work.template operator()<opencl_2_2::api>();
+    work.template operator()<api<100>>();
+    work.template operator()<api<110>>();
+    work.template operator()<api<120>>();
+    work.template operator()<api<200>>();
+    work.template operator()<api<210>>();
+    work.template operator()<api<220>>();
 }
 
 /// The devices of the platforms whose names contain a text, that `accept`.

@@ -10,6 +10,7 @@
 #include <new>
 
 namespace cl = vorn::mero::opencl_2_0;
+using api = vorn::mero::api<200>;
 
 namespace {
 
@@ -110,7 +111,7 @@ std::size_t check(node const* head, std::size_t count) {
 std::size_t run(cl::device const& device, std::size_t count) {
     cl::context context = cl::create_context({}, {device}, nullptr, nullptr);
     cl::host_command_queue queue = context.create_host_command_queue(device, false, false);
-    cl::program program = example::build<cl::api>(context, device, source);
+    cl::program program = example::build<api>(context, device, source);
     cl::kernel kernel = program.create_kernel("square_and_append");
     node_pool pool(context);
     node* const head = link(pool, count, queue);
@@ -118,7 +119,7 @@ std::size_t run(cl::device const& device, std::size_t count) {
     kernel.set_svm_argument(0, head);
     kernel.set_svm_argument(1, spare);
     kernel.set_svm_pointers(pool.pointers());
-    queue.enqueue_command_without_event(cl::api::launch(kernel, 1, 1));
+    queue.enqueue_command_without_event(api::launch(kernel, 1, 1));
     map(queue, pool, cl::map_flags::read);
     std::size_t const seen = check(head, count);
     unmap(queue, pool);
@@ -131,8 +132,8 @@ std::size_t run(cl::device const& device, std::size_t count) {
 int main(int count, char** arguments) {
     try {
         auto const device =
-            example::find_device<cl::api>(example::option(count, arguments, "--platform", ""),
-                                          [](cl::device const& d) { return d.svm_coarse_grain_buffer_supported(); });
+            example::find_device<api>(example::option(count, arguments, "--platform", ""),
+                                      [](cl::device const& d) { return d.svm_coarse_grain_buffer_supported(); });
         std::size_t const nodes = std::stoul(example::option(count, arguments, "--nodes", "1000"));
         std::size_t const seen = run(device, nodes);
         std::printf("%s: %zu nodes followed, %s\n", device.name().c_str(), nodes,

@@ -12,7 +12,7 @@ namespace {
 constexpr std::int32_t absent = CL_INVALID_OPERATION;
 
 // What the platforms lack of the six tables. Where the code is not `absent`, the implementation answered it itself.
-std::map<std::string, std::map<std::string, std::int32_t>> const lacking{
+std::map<std::string_view, std::map<std::string, std::int32_t>> const lacking{
     {"clSetCommandQueueProperty", {{"pocl", absent}, {"rusticl", absent}, {"intel", absent}}},
     {"clEnqueueNativeKernel", {{"rusticl", absent}}},
     {"clEnqueueWaitForEvents", {{"pocl", absent}, {"rusticl", absent}}},
@@ -27,14 +27,9 @@ std::map<std::string, std::map<std::string, std::int32_t>> const lacking{
     {"clSetProgramSpecializationConstant", {{"pocl", absent}, {"rusticl", absent}}},
     {"clSetProgramReleaseCallback", {{"pocl", absent}, {"rusticl", absent}, {"intel", absent}}}};
 
-std::map<std::string, std::string> const short_names{{"Portable Computing Language", "pocl"},
-                                                     {"rusticl", "rusticl"},
-                                                     {"Oclgrind", "oclgrind"},
-                                                     {"Intel(R) OpenCL", "intel"}};
-
 } // namespace
 
-std::int32_t expected_code(std::string const& platform, std::string const& entry_point) {
+std::int32_t expected_code(std::string const& platform, std::string_view entry_point) {
     auto const entry = lacking.find(entry_point);
     return entry != lacking.end() && entry->second.contains(platform) ? entry->second.at(platform) : CL_SUCCESS;
 }
@@ -74,8 +69,8 @@ nq_call_handle* open(capability_node node) {
 session::session(capability offered, capability_node node) : version(offered), handle_(open(node)) {
     device = call(call_handle_device{}).result;
     platform = info<_nq_cl_platform_id*>(clGetDeviceInfo{device}, CL_DEVICE_PLATFORM);
-    auto const known = short_names.find(text(clGetPlatformInfo{platform}, CL_PLATFORM_NAME));
-    name = known != short_names.end() ? known->second : "other";
+    auto const known = names::short_names.find(text(clGetPlatformInfo{platform}, CL_PLATFORM_NAME));
+    name = known != names::short_names.end() ? known->second : "other";
 }
 
 void session::tear_down() {

@@ -2,6 +2,8 @@
 
 // One opened call handle and the calls that a test makes through it.
 
+#include "names.hpp"
+
 #include <nq/commands.hpp>
 #include <nq/nq.hpp>
 
@@ -45,12 +47,7 @@ std::uint32_t command_id(capability version) {
     return ids.at(static_cast<std::size_t>(version) - 1);
 }
 
-template <class Block>
-std::string name_of() {
-    std::string const text = __PRETTY_FUNCTION__;
-    std::size_t const begin = text.rfind("::", text.find_first_of("];", text.find("Block = "))) + 2;
-    return text.substr(begin, text.find_first_of("];", begin) - begin);
-}
+using names::name_of;
 
 /// The place of a block's status or error code, null in one that has neither.
 template <class Block>
@@ -77,7 +74,7 @@ std::int32_t code_of(Block block) {
 }
 
 /// The code that a platform answers for an entry point that does not work there; CL_SUCCESS for one that does.
-std::int32_t expected_code(std::string const& platform, std::string const& entry_point);
+std::int32_t expected_code(std::string const& platform, std::string_view entry_point);
 
 /// The nodes that offer a version, of all devices.
 std::vector<capability_node> list_nodes(capability version);
@@ -239,7 +236,8 @@ private:
         for (std::size_t offset = 0; !once && offset < sizeof block; offset += sizeof(void*)) {
             Block copy = block;
             auto const bytes = std::as_writable_bytes(std::span(&copy, 1)).subspan(offset, sizeof(void*));
-            std::string const what = name_of<Block>() + " without the pointer at " + std::to_string(offset);
+            std::string const what =
+                std::string(name_of<Block>()) + " without the pointer at " + std::to_string(offset);
             if (nulls_pointer(bytes, code_in(copy), what)) {
                 EXPECT_EQ(nq_call_capability(handle_, id, &copy, nullptr), 0) << name_of<Block>();
                 codes_when_null[{id, offset}].insert(code_of(copy));

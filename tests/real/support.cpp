@@ -1,5 +1,7 @@
 #include "support.hpp"
 
+#include "names.hpp"
+
 #include <CL/cl.h>
 #include <dlfcn.h>
 
@@ -9,7 +11,6 @@
 #include <cstdio>
 #include <fstream>
 #include <iterator>
-#include <map>
 #include <set>
 #include <stdexcept>
 
@@ -20,10 +21,7 @@ struct skipped : std::runtime_error {
     using runtime_error::runtime_error;
 };
 
-std::map<std::string, std::string> const short_names{{"Portable Computing Language", "pocl"},
-                                                     {"rusticl", "rusticl"},
-                                                     {"Oclgrind", "oclgrind"},
-                                                     {"Intel(R) OpenCL", "intel"}};
+using names::short_names;
 
 std::string without_punctuation(std::string const& text) {
     std::string made;
@@ -138,7 +136,7 @@ void find_devices(Api) {
 void add_missing() {
     std::set<std::string> missing{"others"};
     std::ranges::transform(short_names, std::inserter(missing, missing.end()), [](auto& each) { return each.second; });
-    for (auto const& [name, device] : found_devices<opencl_1_0::api>()) {
+    for (auto const& [name, device] : found_devices<api<100>>()) {
         auto const implementation = implementation_of(device.get_platform().name());
         missing.erase(is_known(implementation) ? implementation : "others");
     }

@@ -23,8 +23,7 @@ namespace real {
 
 using namespace vorn::mero;
 
-using versions =
-    std::tuple<opencl_1_0::api, opencl_1_1::api, opencl_1_2::api, opencl_2_0::api, opencl_2_1::api, opencl_2_2::api>;
+using versions = std::tuple<api<100>, api<110>, api<120>, api<200>, api<210>, api<220>>;
 
 using box = std::array<std::size_t, 3>;
 using bytes = std::vector<unsigned char>;

@@ -2,6 +2,8 @@
 
 // What a block says to OpenCL, in a form that two blocks can be compared by.
 
+#include "names.hpp"
+
 #include <nq/commands.hpp>
 
 #include <cstring>
@@ -14,13 +16,7 @@
 
 namespace scripted {
 
-/// The name of an entry point: "clFinish" for `nq::block::clFinish`.
-template <class Block>
-constexpr std::string_view name_of() {
-    std::string_view name = __PRETTY_FUNCTION__;
-    name.remove_prefix(name.find("nq::block::") + std::string_view("nq::block::").size());
-    return name.substr(0, name.find_first_of(";]"));
-}
+using names::name_of;
 
 /// The bytes of some values, one behind the other.
 template <class... T>

@@ -3,7 +3,7 @@
 // A libnq for tests, which answers as it is told, remembers every call and
 // counts every reference.
 //
-//     class queue : public scripted::versioned<opencl_1_2::api> {}; //
+//     class queue : public scripted::versioned<api<120>> {}; //
 //     <scripted/fixture.hpp>
 //
 //     TEST_F(queue, flushes) {

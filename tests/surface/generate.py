@@ -192,7 +192,7 @@ class Version:
         version = f"opencl_{table.VERSIONS[self.index]}"
         return "\n".join(('#include "surface.hpp"', f"#include <vorn/mero/{version}.hpp>",
                           f"namespace vorn::mero::{version}::surface_of_version {{", "using namespace mero::surface;",
-                          *self.lines, "}", ""))
+                          f"using api = mero::api<{version[-3::2]}0>;", *self.lines, "}", ""))
 
 
 def values(sections):

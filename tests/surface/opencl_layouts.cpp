@@ -42,9 +42,9 @@ constexpr bool passes_by_address() {
     return true;
 }
 
-static_assert(passes_by_address<vorn::mero::opencl_1_0::api>() && passes_by_address<vorn::mero::opencl_1_1::api>() &&
-              passes_by_address<vorn::mero::opencl_1_2::api>() && passes_by_address<vorn::mero::opencl_2_0::api>() &&
-              passes_by_address<vorn::mero::opencl_2_1::api>() && passes_by_address<vorn::mero::opencl_2_2::api>());
+static_assert(passes_by_address<vorn::mero::api<100>>() && passes_by_address<vorn::mero::api<110>>() &&
+              passes_by_address<vorn::mero::api<120>>() && passes_by_address<vorn::mero::api<200>>() &&
+              passes_by_address<vorn::mero::api<210>>() && passes_by_address<vorn::mero::api<220>>());
 static_assert(laid_out_alike<vorn::mero::opencl_1_2::device_partition_property, cl_device_partition_property>);
 
 // The functions that programs hand to OpenCL.

@@ -89,9 +89,9 @@ constexpr bool keeps_its_promises() {
     return true;
 }
 
-static_assert(keeps_its_promises<opencl_1_0::api, 100, 1>() && keeps_its_promises<opencl_1_1::api, 110, 2>());
-static_assert(keeps_its_promises<opencl_1_2::api, 120, 3>() && keeps_its_promises<opencl_2_0::api, 200, 4>());
-static_assert(keeps_its_promises<opencl_2_1::api, 210, 5>() && keeps_its_promises<opencl_2_2::api, 220, 6>());
+static_assert(keeps_its_promises<api<100>, 100, 1>() && keeps_its_promises<api<110>, 110, 2>());
+static_assert(keeps_its_promises<api<120>, 120, 3>() && keeps_its_promises<api<200>, 200, 4>());
+static_assert(keeps_its_promises<api<210>, 210, 5>() && keeps_its_promises<api<220>, 220, 6>());
 
 /// A type of one version is none of another's.
 template <class A, class B>
@@ -105,9 +105,8 @@ constexpr bool unrelated() {
     return true;
 }
 
-static_assert(unrelated<opencl_1_0::api, opencl_1_1::api>() && unrelated<opencl_1_1::api, opencl_1_2::api>() &&
-              unrelated<opencl_1_2::api, opencl_2_0::api>() && unrelated<opencl_2_0::api, opencl_2_1::api>() &&
-              unrelated<opencl_2_1::api, opencl_2_2::api>() && unrelated<opencl_2_2::api, opencl_1_0::api>());
+static_assert(unrelated<api<100>, api<110>>() && unrelated<api<110>, api<120>>() && unrelated<api<120>, api<200>>() &&
+              unrelated<api<200>, api<210>>() && unrelated<api<210>, api<220>>() && unrelated<api<220>, api<100>>());
 
 } // namespace
 } // namespace vorn::mero

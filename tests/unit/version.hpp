@@ -18,6 +18,7 @@ using vorn::mero::UNIT_NAMESPACE::pipe; // not the system's
 using namespace nq::block; // NOLINT(google-build-using-namespace)
 namespace block = nq::block;
 namespace common = vorn::mero::common;
+using api = vorn::mero::api<UNIT_OPENCL>;
 using vorn::mero::internal::owner_access;
 
 } // namespace unit

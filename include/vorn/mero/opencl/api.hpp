@@ -23,7 +23,7 @@
 #include <vorn/mero/opencl/svm_commands.hpp>
 #endif
 
-namespace vorn::mero::VORN_MERO_NAMESPACE {
+namespace vorn::mero {
 
 /// The version's number (120 for OpenCL 1.2), its capability, its commands and the classes that a program meets first.
 /// Classes whose name changed with OpenCL 2.0 have one name here.
@@ -36,10 +36,11 @@ namespace vorn::mero::VORN_MERO_NAMESPACE {
 ///             // what came with a later version: if constexpr (Api::number >= 120)
 ///         }
 ///     }
-///     run_all<vorn::mero::opencl_1_1::api>();
+///     run_all<vorn::mero::api<110>>();
 ///
 /// It is never made an object of; a name that the version lacks is absent.
-struct api {
+template <>
+struct api<VORN_MERO_OPENCL> {
     static constexpr int number = VORN_MERO_OPENCL;
     static constexpr nq::capability capability = nq::capability::VORN_MERO_NAMESPACE;
 
@@ -83,8 +84,8 @@ struct api {
     using program_build_status = VORN_MERO_NAMESPACE::program_build_status;
     using device_binary = VORN_MERO_NAMESPACE::device_binary;
     using local_memory = VORN_MERO_NAMESPACE::local_memory;
-    using create_reference = internal::create_reference;
-    using take_ownership = internal::take_ownership;
+    using create_reference = VORN_MERO_NAMESPACE::internal::create_reference;
+    using take_ownership = VORN_MERO_NAMESPACE::internal::take_ownership;
 
 #if VORN_MERO_OPENCL < 110
     using task_kernel = VORN_MERO_NAMESPACE::task_kernel;
@@ -138,12 +139,12 @@ struct api {
 
 #if VORN_MERO_OPENCL < 200
     /// The queue that the host enqueues to.
-    using host_queue = command_queue;
+    using host_queue = VORN_MERO_NAMESPACE::command_queue;
 #endif
 
 #if VORN_MERO_OPENCL >= 200
     /// The queue that the host enqueues to.
-    using host_queue = host_command_queue;
+    using host_queue = VORN_MERO_NAMESPACE::host_command_queue;
 #endif
 
     /// As the function of this name in the namespace.
@@ -155,11 +156,15 @@ struct api {
     }
 
     // As the functions of these names in `raw`: the elements of wait lists and of lists of memory objects.
-    static _nq_cl_event* get_raw_event(event const& object) noexcept { return raw::get_raw_event(object); }
-    static _nq_cl_mem* get_raw_memory_object(memory_object const& object) noexcept {
-        return raw::get_raw_memory_object(object);
+    static _nq_cl_event* get_raw_event(event const& object) noexcept {
+        return VORN_MERO_NAMESPACE::raw::get_raw_event(object);
     }
-    static _nq_cl_device_id* get_raw_device_id(device const& object) noexcept { return raw::get_raw_device_id(object); }
+    static _nq_cl_mem* get_raw_memory_object(memory_object const& object) noexcept {
+        return VORN_MERO_NAMESPACE::raw::get_raw_memory_object(object);
+    }
+    static _nq_cl_device_id* get_raw_device_id(device const& object) noexcept {
+        return VORN_MERO_NAMESPACE::raw::get_raw_device_id(object);
+    }
 
     /// A context of one device, without properties and callback.
     static context create_context(device const& target) {
@@ -195,4 +200,4 @@ struct api {
 #endif
 };
 
-} // namespace vorn::mero::VORN_MERO_NAMESPACE
+} // namespace vorn::mero

@@ -21,3 +21,12 @@
 #include <type_traits>
 #include <utility>
 #include <vector>
+
+namespace vorn::mero {
+
+/// An OpenCL version as one type, by its number: 100, 110, 120, 200, 210 or 220. Complete once that version's header is
+/// included; see vorn/mero/opencl/api.hpp.
+template <int Version>
+struct api;
+
+} // namespace vorn::mero
