@@ -21,7 +21,7 @@ using vorn::mero::internal::get_mero_logger;
 
 context make_context() {
     auto& libnq = scripted::libnq::instance();
-    return {libnq.open(api::capability), libnq.make<_nq_cl_context>(1), internal::take_ownership{}};
+    return {libnq.open(nq::capability::opencl_1_2), libnq.make<_nq_cl_context>(1), internal::take_ownership{}};
 }
 
 void release_and_fail() {
