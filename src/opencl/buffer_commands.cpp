@@ -78,11 +78,10 @@ void unmap_mem_object::call(nq::call_handle const& handle, _nq_cl_command_queue*
 }
 
 #if VORN_MERO_OPENCL >= 110
-read_buffer_rect::read_buffer_rect(buffer const& source, bool blocking, std::array<std::size_t, 3> const& buffer_origin,
-                                   std::array<std::size_t, 3> const& host_origin,
-                                   std::array<std::size_t, 3> const& region, std::size_t buffer_row_pitch,
-                                   std::size_t buffer_slice_pitch, std::size_t host_row_pitch,
-                                   std::size_t host_slice_pitch, void* destination)
+read_buffer_rect::read_buffer_rect(buffer const& source, bool blocking, std::array<std::size_t, 3> buffer_origin,
+                                   std::array<std::size_t, 3> host_origin, std::array<std::size_t, 3> region,
+                                   std::size_t buffer_row_pitch, std::size_t buffer_slice_pitch,
+                                   std::size_t host_row_pitch, std::size_t host_slice_pitch, void* destination)
     : source_(raw_of(source)), blocking_(blocking), buffer_origin_(buffer_origin), host_origin_(host_origin),
       region_(region), buffer_row_pitch_(buffer_row_pitch), buffer_slice_pitch_(buffer_slice_pitch),
       host_row_pitch_(host_row_pitch), host_slice_pitch_(host_slice_pitch), destination_(destination) {}
@@ -104,12 +103,10 @@ void read_buffer_rect::call(nq::call_handle const& handle, _nq_cl_command_queue*
     enqueueing{handle, queue, num_events_in_wait_list, event_wait_list, event}.perform(block);
 }
 
-write_buffer_rect::write_buffer_rect(buffer& destination, bool blocking,
-                                     std::array<std::size_t, 3> const& buffer_origin,
-                                     std::array<std::size_t, 3> const& host_origin,
-                                     std::array<std::size_t, 3> const& region, std::size_t buffer_row_pitch,
-                                     std::size_t buffer_slice_pitch, std::size_t host_row_pitch,
-                                     std::size_t host_slice_pitch, void const* source)
+write_buffer_rect::write_buffer_rect(buffer& destination, bool blocking, std::array<std::size_t, 3> buffer_origin,
+                                     std::array<std::size_t, 3> host_origin, std::array<std::size_t, 3> region,
+                                     std::size_t buffer_row_pitch, std::size_t buffer_slice_pitch,
+                                     std::size_t host_row_pitch, std::size_t host_slice_pitch, void const* source)
     : destination_(raw_of(destination)), blocking_(blocking), buffer_origin_(buffer_origin), host_origin_(host_origin),
       region_(region), buffer_row_pitch_(buffer_row_pitch), buffer_slice_pitch_(buffer_slice_pitch),
       host_row_pitch_(host_row_pitch), host_slice_pitch_(host_slice_pitch), source_(source) {}
@@ -131,12 +128,10 @@ void write_buffer_rect::call(nq::call_handle const& handle, _nq_cl_command_queue
     enqueueing{handle, queue, num_events_in_wait_list, event_wait_list, event}.perform(block);
 }
 
-copy_buffer_rect::copy_buffer_rect(buffer const& source, buffer& destination,
-                                   std::array<std::size_t, 3> const& source_origin,
-                                   std::array<std::size_t, 3> const& destination_origin,
-                                   std::array<std::size_t, 3> const& region, std::size_t source_row_pitch,
-                                   std::size_t source_slice_pitch, std::size_t destination_row_pitch,
-                                   std::size_t destination_slice_pitch)
+copy_buffer_rect::copy_buffer_rect(buffer const& source, buffer& destination, std::array<std::size_t, 3> source_origin,
+                                   std::array<std::size_t, 3> destination_origin, std::array<std::size_t, 3> region,
+                                   std::size_t source_row_pitch, std::size_t source_slice_pitch,
+                                   std::size_t destination_row_pitch, std::size_t destination_slice_pitch)
     : source_(raw_of(source)), destination_(raw_of(destination)), source_origin_(source_origin),
       destination_origin_(destination_origin), region_(region), source_row_pitch_(source_row_pitch),
       source_slice_pitch_(source_slice_pitch), destination_row_pitch_(destination_row_pitch),

@@ -5,9 +5,8 @@ namespace vorn::mero::VORN_MERO_NAMESPACE {
 using namespace detail;
 
 #if VORN_MERO_OPENCL < 110
-nd_range_kernel::nd_range_kernel(kernel const& function, unsigned int work_dim,
-                                 std::array<std::size_t, 3> const& global_size,
-                                 std::array<std::size_t, 3> const& local_size)
+nd_range_kernel::nd_range_kernel(kernel const& function, unsigned int work_dim, std::array<std::size_t, 3> global_size,
+                                 std::array<std::size_t, 3> local_size)
     : function_(raw_of(function)), work_dim_(work_dim), global_size_(global_size), local_size_(local_size) {}
 
 void nd_range_kernel::call(nq::call_handle const& handle, _nq_cl_command_queue* queue,
@@ -34,9 +33,8 @@ void task_kernel::call(nq::call_handle const& handle, _nq_cl_command_queue* queu
 
 #if VORN_MERO_OPENCL >= 110
 nd_range_kernel::nd_range_kernel(kernel const& function, unsigned int work_dim,
-                                 std::array<std::size_t, 3> const& global_offset,
-                                 std::array<std::size_t, 3> const& global_size,
-                                 std::array<std::size_t, 3> const& local_size)
+                                 std::array<std::size_t, 3> global_offset, std::array<std::size_t, 3> global_size,
+                                 std::array<std::size_t, 3> local_size)
     : function_(raw_of(function)), work_dim_(work_dim), global_offset_(global_offset), global_size_(global_size),
       local_size_(local_size) {}
 

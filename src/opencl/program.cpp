@@ -72,7 +72,8 @@ std::vector<device_binary> program::binaries() const {
         binaries[i].binary.resize(sizes[i]);
         places.push_back(binaries[i].binary.data());
     }
-    ask(*this, cl::program_binaries)(places.size() * sizeof(unsigned char*), places.data(), nullptr);
+    std::size_t written = 0; // not looked at: the binaries have the sizes asked for above
+    ask(*this, cl::program_binaries)(places.size() * sizeof(unsigned char*), places.data(), &written);
     return binaries;
 }
 

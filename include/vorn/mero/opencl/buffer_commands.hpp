@@ -124,8 +124,8 @@ class VORN_MERO_EXPORT read_buffer_rect : public command {
 public:
     /// The box `region` at `buffer_origin` goes to `host_origin` of the memory at `destination`. Otherwise as
     /// `read_buffer`.
-    read_buffer_rect(buffer const& source, bool blocking, std::array<std::size_t, 3> const& buffer_origin,
-                     std::array<std::size_t, 3> const& host_origin, std::array<std::size_t, 3> const& region,
+    read_buffer_rect(buffer const& source, bool blocking, std::array<std::size_t, 3> buffer_origin,
+                     std::array<std::size_t, 3> host_origin, std::array<std::size_t, 3> region,
                      std::size_t buffer_row_pitch, std::size_t buffer_slice_pitch, std::size_t host_row_pitch,
                      std::size_t host_slice_pitch, void* destination);
     void call(nq::call_handle const& handle, _nq_cl_command_queue* queue, unsigned int num_events_in_wait_list,
@@ -149,8 +149,8 @@ class VORN_MERO_EXPORT write_buffer_rect : public command {
 public:
     /// The box `region` at `host_origin` of the memory at `source` goes to `buffer_origin`. Otherwise as
     /// `write_buffer`.
-    write_buffer_rect(buffer& destination, bool blocking, std::array<std::size_t, 3> const& buffer_origin,
-                      std::array<std::size_t, 3> const& host_origin, std::array<std::size_t, 3> const& region,
+    write_buffer_rect(buffer& destination, bool blocking, std::array<std::size_t, 3> buffer_origin,
+                      std::array<std::size_t, 3> host_origin, std::array<std::size_t, 3> region,
                       std::size_t buffer_row_pitch, std::size_t buffer_slice_pitch, std::size_t host_row_pitch,
                       std::size_t host_slice_pitch, void const* source);
     void call(nq::call_handle const& handle, _nq_cl_command_queue* queue, unsigned int num_events_in_wait_list,
@@ -175,8 +175,8 @@ class VORN_MERO_EXPORT copy_buffer_rect : public command {
 public:
     /// The box `region` goes from `source_origin` to `destination_origin`. Throws `common::mem_copy_overlap` when
     /// enqueued where the boxes of one buffer overlap; within one the pitches of both must be equal.
-    copy_buffer_rect(buffer const& source, buffer& destination, std::array<std::size_t, 3> const& source_origin,
-                     std::array<std::size_t, 3> const& destination_origin, std::array<std::size_t, 3> const& region,
+    copy_buffer_rect(buffer const& source, buffer& destination, std::array<std::size_t, 3> source_origin,
+                     std::array<std::size_t, 3> destination_origin, std::array<std::size_t, 3> region,
                      std::size_t source_row_pitch, std::size_t source_slice_pitch, std::size_t destination_row_pitch,
                      std::size_t destination_slice_pitch);
     void call(nq::call_handle const& handle, _nq_cl_command_queue* queue, unsigned int num_events_in_wait_list,

@@ -26,9 +26,8 @@ public:
     /// `destination` must live, and not be touched, until the event is complete. Throws `common::invalid_value` when
     /// the box leaves the image or a pitch is too small, `common::invalid_operation` when the image's flags keep the
     /// host from reading or the device has no images.
-    read_image(image const& source, bool blocking, std::array<std::size_t, 3> const& origin,
-               std::array<std::size_t, 3> const& region, std::size_t row_pitch, std::size_t slice_pitch,
-               void* destination);
+    read_image(image const& source, bool blocking, std::array<std::size_t, 3> origin, std::array<std::size_t, 3> region,
+               std::size_t row_pitch, std::size_t slice_pitch, void* destination);
     void call(nq::call_handle const& handle, _nq_cl_command_queue* queue, unsigned int num_events_in_wait_list,
               _nq_cl_event* const* event_wait_list, _nq_cl_event** event) const override;
 
@@ -47,9 +46,8 @@ class VORN_MERO_EXPORT write_image : public command {
 public:
     /// The box `region` at `origin`. A `blocking` command lets go of `source` when it has been enqueued; otherwise
     /// `source` must stay as it is until the event is complete. Throws as `read_image`.
-    write_image(image& destination, bool blocking, std::array<std::size_t, 3> const& origin,
-                std::array<std::size_t, 3> const& region, std::size_t input_row_pitch, std::size_t input_slice_pitch,
-                void const* source);
+    write_image(image& destination, bool blocking, std::array<std::size_t, 3> origin, std::array<std::size_t, 3> region,
+                std::size_t input_row_pitch, std::size_t input_slice_pitch, void const* source);
     void call(nq::call_handle const& handle, _nq_cl_command_queue* queue, unsigned int num_events_in_wait_list,
               _nq_cl_event* const* event_wait_list, _nq_cl_event** event) const override;
 
@@ -70,8 +68,8 @@ public:
     /// The box `region`. Throws `common::image_format_mismatch` when enqueued with images of two formats,
     /// `common::mem_copy_overlap` where the boxes of one image overlap, `common::invalid_value` where they leave an
     /// image.
-    copy_image(image const& source, image& destination, std::array<std::size_t, 3> const& source_origin,
-               std::array<std::size_t, 3> const& destination_origin, std::array<std::size_t, 3> const& region);
+    copy_image(image const& source, image& destination, std::array<std::size_t, 3> source_origin,
+               std::array<std::size_t, 3> destination_origin, std::array<std::size_t, 3> region);
     void call(nq::call_handle const& handle, _nq_cl_command_queue* queue, unsigned int num_events_in_wait_list,
               _nq_cl_event* const* event_wait_list, _nq_cl_event** event) const override;
 
@@ -87,8 +85,8 @@ private:
 class VORN_MERO_EXPORT copy_image_to_buffer : public command {
 public:
     /// `destination_offset` is in bytes. Throws `common::invalid_value` when box or bytes leave their object.
-    copy_image_to_buffer(image const& source, buffer& destination, std::array<std::size_t, 3> const& source_origin,
-                         std::array<std::size_t, 3> const& region, std::size_t destination_offset);
+    copy_image_to_buffer(image const& source, buffer& destination, std::array<std::size_t, 3> source_origin,
+                         std::array<std::size_t, 3> region, std::size_t destination_offset);
     void call(nq::call_handle const& handle, _nq_cl_command_queue* queue, unsigned int num_events_in_wait_list,
               _nq_cl_event* const* event_wait_list, _nq_cl_event** event) const override;
 
@@ -106,8 +104,7 @@ class VORN_MERO_EXPORT copy_buffer_to_image : public command {
 public:
     /// `source_offset` is in bytes. Throws `common::invalid_value` when bytes or box leave their object.
     copy_buffer_to_image(buffer const& source, image& destination, std::size_t source_offset,
-                         std::array<std::size_t, 3> const& destination_origin,
-                         std::array<std::size_t, 3> const& region);
+                         std::array<std::size_t, 3> destination_origin, std::array<std::size_t, 3> region);
     void call(nq::call_handle const& handle, _nq_cl_command_queue* queue, unsigned int num_events_in_wait_list,
               _nq_cl_event* const* event_wait_list, _nq_cl_event** event) const override;
 
@@ -134,8 +131,8 @@ class VORN_MERO_EXPORT map_image : public command {
 public:
     /// The box `region` at `origin`. Unless `blocking`, the memory may be used only once the event is complete. Throws
     /// `common::map_failure` when the box cannot be mapped, `common::invalid_value` for one that leaves the image.
-    map_image(void*& mapped, image& source, bool blocking, map_flags flags, std::array<std::size_t, 3> const& origin,
-              std::array<std::size_t, 3> const& region, std::size_t& row_pitch, std::size_t& slice_pitch);
+    map_image(void*& mapped, image& source, bool blocking, map_flags flags, std::array<std::size_t, 3> origin,
+              std::array<std::size_t, 3> region, std::size_t& row_pitch, std::size_t& slice_pitch);
     void call(nq::call_handle const& handle, _nq_cl_command_queue* queue, unsigned int num_events_in_wait_list,
               _nq_cl_event* const* event_wait_list, _nq_cl_event** event) const override;
 
@@ -157,8 +154,8 @@ class VORN_MERO_EXPORT fill_image_base : public command {
 public:
     /// Fills the box `region` at `origin`. The colour is red, green, blue and alpha whatever the order of the channels;
     /// of a depth image it is one floating-point value.
-    fill_image_base(image& destination, void const* fill_color, std::array<std::size_t, 3> const& origin,
-                    std::array<std::size_t, 3> const& region);
+    fill_image_base(image& destination, void const* fill_color, std::array<std::size_t, 3> origin,
+                    std::array<std::size_t, 3> region);
 
     /// Lets later enqueueings read the colour elsewhere. Not while another thread enqueues this object.
     void update_fill_color_pointer(void const* fill_color) noexcept { fill_color_ = fill_color; }
@@ -182,8 +179,8 @@ template <class Channel>
 class fill_image : public mero::internal::kept_pattern<fill_image_base, std::array<Channel, 4>,
                                                        &fill_image_base::update_fill_color_pointer> {
 public:
-    fill_image(image& destination, std::array<Channel, 4> const& color, std::array<std::size_t, 3> const& origin,
-               std::array<std::size_t, 3> const& region)
+    fill_image(image& destination, std::array<Channel, 4> color, std::array<std::size_t, 3> origin,
+               std::array<std::size_t, 3> region)
         : fill_image::kept_pattern(color, destination, nullptr, origin, region) {}
 
 private:

@@ -23,8 +23,8 @@ class VORN_MERO_EXPORT nd_range_kernel : public command {
 public:
     /// Sizes are in work-items. Arguments set on the kernel later do not affect a launch that has been enqueued; the
     /// kernel must live until then.
-    nd_range_kernel(kernel const& function, unsigned int work_dim, std::array<std::size_t, 3> const& global_size,
-                    std::array<std::size_t, 3> const& local_size);
+    nd_range_kernel(kernel const& function, unsigned int work_dim, std::array<std::size_t, 3> global_size,
+                    std::array<std::size_t, 3> local_size);
     nd_range_kernel(nd_range_kernel&&) noexcept = default;
     nd_range_kernel& operator=(nd_range_kernel&&) noexcept = default;
     nd_range_kernel(nd_range_kernel const&) = delete;
@@ -74,8 +74,8 @@ class VORN_MERO_EXPORT nd_range_kernel : public command {
 public:
     /// Sizes and offset are in work-items; `get_global_id` counts from the offset. Arguments set on the kernel later do
     /// not affect a launch that has been enqueued; the kernel must live until then.
-    nd_range_kernel(kernel const& function, unsigned int work_dim, std::array<std::size_t, 3> const& global_offset,
-                    std::array<std::size_t, 3> const& global_size, std::array<std::size_t, 3> const& local_size);
+    nd_range_kernel(kernel const& function, unsigned int work_dim, std::array<std::size_t, 3> global_offset,
+                    std::array<std::size_t, 3> global_size, std::array<std::size_t, 3> local_size);
     nd_range_kernel(nd_range_kernel&&) noexcept = default;
     nd_range_kernel& operator=(nd_range_kernel&&) noexcept = default;
     nd_range_kernel(nd_range_kernel const&) = delete;
