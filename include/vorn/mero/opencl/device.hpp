@@ -382,7 +382,7 @@ VORN_MERO_EXPORT nq::call_handle const& get_call_handle(device const& object) no
 /// Adds a reference that the caller must release. Does nothing before OpenCL 1.2.
 VORN_MERO_EXPORT void retain(device const& object);
 
-/// Drops a reference. Throws `common::bad_implementation` when OpenCL refuses. Does nothing before OpenCL 1.2.
+/// Drops a reference that the caller holds. Throws `common::bad_implementation` when OpenCL refuses. Does nothing before OpenCL 1.2.
 VORN_MERO_EXPORT void release(device const& object);
 
 /// OpenCL's reference count. Root devices often say 1 whatever was retained. Before OpenCL 1.2 always 1, without a

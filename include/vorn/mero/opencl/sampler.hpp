@@ -8,25 +8,25 @@
 
 namespace vorn::mero::VORN_MERO_NAMESPACE {
 
-/// How a kernel reads an image: its coordinates, what lies outside, and what lies between elements. Made by
+/// How a kernel reads an image: its coordinates, and what it reads outside the image and between pixels. Made by
 /// `context::create_sampler`.
 ///
 ///     cl::sampler edges = context.create_sampler(false, cl::sampler_addressing_mode::clamp_to_edge,
 ///                                                cl::sampler_filter_mode::nearest);
 ///     kernel.set_argument(2, edges); // (read_only image2d_t, write_only image2d_t, sampler_t)
 ///
-/// It cannot be changed; any number of threads and kernels may use one. Queries make two calls.
+/// A sampler cannot change; any number of threads and kernels may use it. Queries make two calls.
 class VORN_MERO_EXPORT sampler : public mero::internal::handle<internal::sampler_kind> {
 public:
     using handle::handle;
 
-    /// Whether coordinates run from 0 to 1 rather than over the elements.
+    /// Whether coordinates run from 0 to 1. If not, they are in pixels.
     bool normalized_coords() const;
 
-    /// What is read outside the image.
+    /// What the sampler reads outside the image.
     sampler_addressing_mode addressing_mode() const;
 
-    /// What is read between elements.
+    /// What the sampler reads between pixels.
     sampler_filter_mode filter_mode() const;
 
     /// The context of the sampler, on the same call handle.
@@ -35,22 +35,22 @@ public:
 
 namespace raw {
 
-/// Null for an object that was moved from.
+/// The raw handle, null if the object was moved from.
 VORN_MERO_EXPORT _nq_cl_sampler* get_raw_sampler(sampler const& object) noexcept;
 
-/// The call handle that the object was made through.
+/// The call handle of the object.
 VORN_MERO_EXPORT nq::call_handle const& get_call_handle(sampler const& object) noexcept;
 
-/// Adds a reference that the caller has to release.
+/// Adds a reference that the caller must release.
 VORN_MERO_EXPORT void retain(sampler const& object);
 
-/// A status other than success is thrown as `common::bad_implementation`.
+/// Drops a reference that the caller holds. Throws `common::bad_implementation` when OpenCL refuses.
 VORN_MERO_EXPORT void release(sampler const& object);
 
-/// OpenCL's count, which may have changed by the time that it is read.
+/// OpenCL's reference count, which may be outdated at once.
 VORN_MERO_EXPORT std::uint32_t refcount(sampler const& object);
 
-/// Retains: the caller keeps its own reference.
+/// Wraps a raw handle and retains it: the caller keeps its own reference.
 VORN_MERO_EXPORT sampler create_sampler(nq::call_handle const& call_handle, _nq_cl_sampler* handle);
 
 } // namespace raw
