@@ -243,7 +243,8 @@ public:
 
     /// Whether the device is no sub-device. Since OpenCL 1.2.
     bool is_root_device() const;
-    /// The device that this sub-device was made from. Throws `std::logic_error` for a root device. Since OpenCL 1.2.
+    /// The device that this sub-device was made from. Three calls. Throws `std::logic_error` for a root device. Since
+    /// OpenCL 1.2.
     device parent_device() const;
 
     /// The most sub-devices that a partition can make. Since OpenCL 1.2.
@@ -382,7 +383,8 @@ VORN_MERO_EXPORT nq::call_handle const& get_call_handle(device const& object) no
 /// Adds a reference that the caller must release. Does nothing before OpenCL 1.2.
 VORN_MERO_EXPORT void retain(device const& object);
 
-/// Drops a reference that the caller holds. Throws `common::bad_implementation` when OpenCL refuses. Does nothing before OpenCL 1.2.
+/// Drops a reference that the caller holds. Throws `common::bad_implementation` when OpenCL refuses. Does nothing
+/// before OpenCL 1.2.
 VORN_MERO_EXPORT void release(device const& object);
 
 /// OpenCL's reference count. Root devices often say 1 whatever was retained. Before OpenCL 1.2 always 1, without a

@@ -17,18 +17,19 @@ namespace vorn::mero::VORN_MERO_NAMESPACE {
 ///     kernel.set_argument(2, cl::local_memory(256 * sizeof(float)));
 ///     queue.enqueue_command(cl::nd_range_kernel(kernel, 1, {0, 0, 0}, {1024, 1, 1}, {256, 1, 1}));
 ///
-/// Arguments count from 0, and stay set from launch to launch; one that is set later does not affect a launch that has
-/// been enqueued. Setting one makes one call, and throws `common::invalid_arg_index` where the kernel has none of this
-/// index, `common::invalid_arg_size` and `common::invalid_arg_value` where it is of another kind. One that was never
-/// set is found out by the launch, `common::invalid_kernel_args`.
+/// Arguments count from 0 and stay set from launch to launch. Setting one does not affect launches already enqueued. It
+/// makes one call, and throws `common::invalid_arg_index` if the kernel has no such argument,
+/// `common::invalid_arg_size` or `common::invalid_arg_value` if the argument is of another kind. A launch with an
+/// argument that was never set throws `common::invalid_kernel_args`.
 ///
-/// Because it carries arguments it is move-only before OpenCL 2.1. Since then copy construction makes an independent
-/// kernel with the same arguments, while copy assignment shares the kernel of the source.
+/// A kernel is move-only before OpenCL 2.1. Since then copy construction makes an independent kernel with the same
+/// arguments, while copy assignment shares the kernel of the source.
 ///
-/// Sizes are in bytes. Arguments may not be set while another thread uses the same kernel: give each thread its own.
+/// Sizes are in bytes. Queries make two calls; those that return an object make another to retain it. No thread may set
+/// an argument while another uses the same kernel: give each thread its own.
 class VORN_MERO_EXPORT kernel : public mero::internal::handle<internal::kernel_kind> {
 public:
-    /// Adopts a reference that the caller holds; makes no call.
+    /// Adopts a reference that the caller holds. Makes no call.
     kernel(nq::call_handle const& call_handle, _nq_cl_kernel* raw, internal::take_ownership tag) noexcept
         : handle(call_handle, raw, tag) {}
     kernel(kernel&&) noexcept = default;
@@ -40,36 +41,37 @@ public:
 #endif
 
 #if VORN_MERO_OPENCL >= 210
-    /// Clones: later changes to the arguments of one do not affect the other.
+    /// An independent kernel with the same arguments, as `copy`.
     kernel(kernel const& other);
 
     /// Shares the kernel of the source: setting an argument on one sets it on both.
     kernel& operator=(kernel const&) = default;
 
-    /// An independent kernel with the same arguments. Since OpenCL 2.1.
+    /// An independent kernel with the same arguments: setting one here does not affect the other. One call. Since
+    /// OpenCL 2.1.
     kernel copy() const;
 #endif
 
-    /// A new kernel of the same function, without arguments. It asks for program and name first, and makes seven calls;
-    /// to keep the program and call `create_kernel` makes one.
+    /// A new kernel of the same function, without arguments set. Makes seven calls, since it asks for program and name;
+    /// `program::create_kernel` makes one.
     kernel clone() const;
 
-    /// A null memory object: the kernel gets a null pointer. Only arguments that are buffers take it. A literal 0 means
-    /// this too: numbers are set by `set_argument_raw`.
+    /// Gives a buffer argument the null pointer. Other kinds of arguments refuse it. A literal 0 calls this too: set
+    /// numbers with `set_argument_raw`.
     void set_argument(unsigned int index, std::nullptr_t);
 
-    /// Local memory of a size, for a pointer in the `__local` address space. A size of 0 is `common::invalid_arg_size`.
+    /// Sets the size of a `__local` argument. A size of 0 throws `common::invalid_arg_size`.
     void set_argument(unsigned int index, local_memory const& size);
 
-    /// A buffer, sub-buffer, image or pipe, which the kernel does not keep alive: it must live until the launch has
+    /// Sets a buffer, sub-buffer, image or pipe. The kernel does not keep it alive: it must live until the launch has
     /// been enqueued.
     void set_argument(unsigned int index, memory_object& object);
 
-    /// A sampler, which the kernel does not keep alive.
+    /// Sets a sampler. The kernel does not keep it alive: it must live until the launch has been enqueued.
     void set_argument(unsigned int index, sampler& object);
 
-    /// `size` bytes at `value`, which OpenCL copies: a number, a vector or a structure of exactly the argument's size
-    /// and layout. It is not looked what they mean.
+    /// Sets a number, a vector or a structure: OpenCL copies the `size` bytes at `value`, which must have exactly the
+    /// argument's size and layout. The bytes are not interpreted.
     void set_argument_raw(unsigned int index, unsigned long size, void const* value);
 
     /// The name of the function in the source.
@@ -84,99 +86,114 @@ public:
     /// The program of the kernel, on the same call handle.
     program get_program() const;
 
-    /// The most work-items of a work-group of this kernel on a device, which its registers and local memory can make
-    /// fewer than `device::max_work_group_size`; a larger local size is `common::invalid_work_group_size`.
+    /// The most work-items in a work-group of this kernel on a device. It may be less than
+    /// `device::max_work_group_size`; a larger local size throws `common::invalid_work_group_size`.
     std::size_t max_work_group_size(device const& target) const;
 
-    /// The work-group size that the source requires with `reqd_work_group_size`, all 0 when it requires none; a launch
-    /// must have it then.
+    /// The work-group size that the source requires with `reqd_work_group_size`, or three 0. A launch must have the
+    /// required size.
     std::array<std::size_t, 3> compile_work_group_size(device const& target) const;
 
-    /// The bytes of local memory that a work-group takes on a device, those of the arguments set so far included.
+    /// The local memory that a work-group uses on a device, including that of the arguments set so far.
     std::uint64_t local_mem_size(device const& target) const;
 
 #if VORN_MERO_OPENCL >= 110
-    /// The number of work-items that a work-group's size should be a multiple of to suit the device best; other sizes
-    /// work as well. Since OpenCL 1.1.
+    /// For best speed the size of a work-group is a multiple of this number of work-items. Since OpenCL 1.1.
     std::size_t preferred_work_group_size_multiple(device const& target) const;
 
-    /// The least bytes of private memory that each work-item takes on a device. Since OpenCL 1.1.
+    /// The private memory that each work-item uses at least, on a device. Since OpenCL 1.1.
     std::uint64_t private_mem_per_work_item(device const& target) const;
 #endif
 
 #if VORN_MERO_OPENCL >= 120
-    /// The `__attribute__` qualifiers of the source, as OpenCL writes them; none where the program was not made from
-    /// source. Since OpenCL 1.2.
+    /// The `__attribute__` qualifiers of the source, in the implementation's spelling. Empty if the program was not
+    /// made from source. Since OpenCL 1.2.
     std::vector<std::string> attributes() const;
 
-    // How the source declares an argument, counted from 0. For a program built without the option `-cl-kernel-arg-info`
-    // an implementation may throw `common::kernel_arg_info_not_available`. An index too large is
-    // `common::invalid_arg_index`. Since OpenCL 1.2.
+    /// The address space of an argument. Throws `common::invalid_arg_index` for an index too large, and may throw
+    /// `common::kernel_arg_info_not_available` if the program was built without `-cl-kernel-arg-info`. Since
+    /// OpenCL 1.2.
     kernel_argument_address_qualifier argument_address_qualifier(unsigned int index) const;
+
+    /// How the kernel accesses an image or pipe argument. Throws as `argument_address_qualifier`. Since OpenCL 1.2.
     kernel_argument_access_qualifier argument_access_qualifier(unsigned int index) const;
+
+    /// The type qualifiers of an argument. Throws as `argument_address_qualifier`. Since OpenCL 1.2.
     kernel_argument_type_qualifier argument_type_qualifier(unsigned int index) const;
+
+    /// The type of an argument as the source writes it, without qualifiers: "float*". Throws as
+    /// `argument_address_qualifier`. Since OpenCL 1.2.
     std::string argument_type_name(unsigned int index) const;
+
+    /// The name of an argument in the source. Throws as `argument_address_qualifier`. Since OpenCL 1.2.
     std::string argument_name(unsigned int index) const;
 
-    /// For a custom device or a built-in kernel; OpenCL refuses it for any other with `common::invalid_value`. Since
-    /// OpenCL 1.2.
+    /// The largest global size of a launch. For built-in kernels and custom devices only: throws
+    /// `common::invalid_value` for others. Since OpenCL 1.2.
     std::array<std::size_t, 3> max_global_work_size(device const& target) const;
 #endif
 
 #if VORN_MERO_OPENCL >= 200
-    /// A queue on the device, which the kernel does not keep alive. Since OpenCL 2.0.
+    /// Sets a `queue_t` argument. The kernel does not keep the queue alive. Since OpenCL 2.0.
     void set_argument(unsigned int index, device_command_queue& queue);
 
-    /// A pointer into shared virtual memory, also into the middle of it; OpenCL takes the address alone. The memory
-    /// must live until the launch is complete. Since OpenCL 2.0.
+    /// Sets a pointer to shared virtual memory, to any address within an allocation. The memory must live until the
+    /// launch is complete. Since OpenCL 2.0.
     void set_svm_argument(std::uint32_t index, void const* pointer);
 
-    /// The shared virtual memory that the kernel reaches through pointers other than its arguments, such as those in a
-    /// list's nodes: any address within each allocation. Replaces what was given before; an empty list clears it or, in
-    /// implementations before OpenCL 3.0, is `common::invalid_value`. Since OpenCL 2.0.
+    /// Names the shared virtual memory that the kernel reaches through pointers other than its arguments, such as those
+    /// in a list's nodes: any address within each allocation. Replaces the previous list. An empty list clears it;
+    /// implementations before OpenCL 3.0 throw `common::invalid_value`. Since OpenCL 2.0.
     void set_svm_pointers(std::vector<void*> const& pointers);
 
-    /// Whether the kernel may reach any memory of the host, whatever `set_svm_pointers` names. Throws
+    /// Sets whether the kernel uses host memory that no argument and no `set_svm_pointers` names. Throws
     /// `common::invalid_operation` unless `device::svm_fine_grain_system_supported`. Since OpenCL 2.0.
     void set_fine_grain_system_flag(bool enabled);
 #endif
 
 #if VORN_MERO_OPENCL >= 210
-    // What a launch with the given local size makes of sub-groups: the work-items of the largest, and their number in a
-    // work-group. Throw `common::invalid_operation` where the device has no sub-groups. Since OpenCL 2.1.
+    /// The work-items in the largest sub-group of a launch with this local size, in one dimension. Throws
+    /// `common::invalid_operation` if the device has no sub-groups. Since OpenCL 2.1.
     std::size_t get_max_sub_group_size_for_nd_range(device const& target, std::array<std::size_t, 1> const& size) const;
+    /// The same in two dimensions. Since OpenCL 2.1.
     std::size_t get_max_sub_group_size_for_nd_range(device const& target, std::array<std::size_t, 2> const& size) const;
+    /// The same in three dimensions. Since OpenCL 2.1.
     std::size_t get_max_sub_group_size_for_nd_range(device const& target, std::array<std::size_t, 3> const& size) const;
+
+    /// The sub-groups in each work-group of a launch with this local size, in one dimension. Throws
+    /// `common::invalid_operation` if the device has no sub-groups. Since OpenCL 2.1.
     std::size_t get_sub_group_count_for_nd_range(device const& target, std::array<std::size_t, 1> const& size) const;
+    /// The same in two dimensions. Since OpenCL 2.1.
     std::size_t get_sub_group_count_for_nd_range(device const& target, std::array<std::size_t, 2> const& size) const;
+    /// The same in three dimensions. Since OpenCL 2.1.
     std::size_t get_sub_group_count_for_nd_range(device const& target, std::array<std::size_t, 3> const& size) const;
 
-    /// A one-dimensional local size that gives `count` sub-groups, 0 when there is none. Since OpenCL 2.1.
+    /// A one-dimensional local size that makes `count` sub-groups, 0 if there is none. Since OpenCL 2.1.
     std::size_t get_local_size_for_sub_group_count(device const& target, unsigned long count) const;
 
-    /// The most sub-groups of a work-group of this kernel. Since OpenCL 2.1.
+    /// The most sub-groups in a work-group of this kernel. Since OpenCL 2.1.
     std::size_t get_max_num_sub_groups(device const& target) const;
 
-    /// The number of sub-groups that the source requires, 0 when it requires none. Since OpenCL 2.1.
+    /// The number of sub-groups that the source requires, 0 if it requires none. Since OpenCL 2.1.
     std::size_t compile_num_sub_groups(device const& target) const;
 #endif
 };
 
 namespace raw {
 
-/// Null for an object that was moved from.
+/// The raw handle, null if the object was moved from.
 VORN_MERO_EXPORT _nq_cl_kernel* get_raw_kernel(kernel const& object) noexcept;
 
-/// The call handle that the object was made through.
+/// The call handle of the object.
 VORN_MERO_EXPORT nq::call_handle const& get_call_handle(kernel const& object) noexcept;
 
-/// Adds a reference that the caller has to release.
+/// Adds a reference that the caller must release.
 VORN_MERO_EXPORT void retain(kernel const& object);
 
-/// A status other than success is thrown as `common::bad_implementation`.
+/// Drops a reference that the caller holds. Throws `common::bad_implementation` when OpenCL refuses.
 VORN_MERO_EXPORT void release(kernel const& object);
 
-/// OpenCL's count, which may have changed by the time that it is read.
+/// OpenCL's reference count, which may be outdated at once.
 VORN_MERO_EXPORT std::uint32_t refcount(kernel const& object);
 
 } // namespace raw

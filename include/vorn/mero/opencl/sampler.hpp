@@ -15,7 +15,8 @@ namespace vorn::mero::VORN_MERO_NAMESPACE {
 ///                                                cl::sampler_filter_mode::nearest);
 ///     kernel.set_argument(2, edges); // (read_only image2d_t, write_only image2d_t, sampler_t)
 ///
-/// A sampler cannot change; any number of threads and kernels may use it. Queries make two calls.
+/// A sampler cannot change; any number of threads and kernels may use it. Queries make two calls; `get_context` makes
+/// another to retain the context.
 class VORN_MERO_EXPORT sampler : public mero::internal::handle<internal::sampler_kind> {
 public:
     using handle::handle;
