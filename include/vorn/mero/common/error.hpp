@@ -1,10 +1,8 @@
 #pragma once
 
-// The exceptions of OpenCL operations.
-//
-// Every exception of an OpenCL operation derives from `error`; one class stands for each status, so that a program can
-// catch a single condition, all misuse (`logic_error`), all conditions of the device or the moment (`runtime_error`),
-// or everything. An exception is exactly the class named, never one derived from it.
+// The exceptions of OpenCL operations. All derive from `error`. Each status has a class of its own, so that a program
+// can catch a single condition, all misuse (`logic_error`), all conditions of the device or the moment
+// (`runtime_error`), or everything. An exception has exactly the class named, never one derived from it.
 //
 //     try {
 //         queue.enqueue_command_without_event(launch);
@@ -25,6 +23,7 @@ namespace vorn::mero::common {
 /// Root of the exceptions of OpenCL operations.
 class VORN_MERO_EXPORT error : public std::exception {
 public:
+    /// Copies the message.
     explicit error(std::string const& message);
     error(error const&);
     error& operator=(error const&);
@@ -36,79 +35,86 @@ private:
     std::string message_;
 };
 
-/// An OpenCL operation answered with a status other than success.
+/// An OpenCL operation failed with a status.
 class VORN_MERO_EXPORT opencl_error : public error {
 public:
+    /// Copies the message.
     opencl_error(std::string const& message, error_code code);
 
+    /// The status.
     error_code const& code() const noexcept { return code_; }
 
 private:
     error_code code_;
 };
 
-/// The interface was misused: an invalid handle, value or option. Not to be confused with `std::logic_error`, which the
-/// library throws for misuse that it detects itself.
+/// The program misused OpenCL: an invalid handle, value or option. Not `std::logic_error`, which the library throws for
+/// misuse that it detects itself.
 class VORN_MERO_EXPORT logic_error : public opencl_error {
 public:
+    /// Copies the message.
     logic_error(std::string const& message, error_code code);
 };
 
 /// A condition of the device, its resources or the program being built.
 class VORN_MERO_EXPORT runtime_error : public opencl_error {
 public:
+    /// Copies the message.
     runtime_error(std::string const& message, error_code code);
 };
 
-/// A status that no OpenCL version defines, such as one of an extension.
+/// A status that no OpenCL version defines, such as that of an extension. Not an `opencl_error`.
 class VORN_MERO_EXPORT unknown_opencl_error : public error {
 public:
+    /// Puts the status into the message.
     explicit unknown_opencl_error(int value);
 
-    /// The status as OpenCL gave it.
+    /// The status as OpenCL returned it.
     int value() const noexcept { return value_; }
 
 private:
     int value_;
 };
 
-/// The OpenCL implementation answered inconsistently: a reply of the wrong size, or a release that failed.
+/// The OpenCL implementation contradicted itself: a reply has the wrong size, or a release failed. Not an
+/// `opencl_error`.
 class VORN_MERO_EXPORT bad_implementation : public error {
 public:
+    /// Copies the message.
     explicit bad_implementation(std::string const& message);
 };
 
-/// `CL_DEVICE_NOT_FOUND`: no device of the type asked for. `get_all_devices` gives an empty list instead.
+/// `CL_DEVICE_NOT_FOUND`: no device of this type. `get_all_devices` returns an empty list instead.
 class VORN_MERO_EXPORT device_not_found : public logic_error {
 public:
     device_not_found();
 };
-/// `CL_DEVICE_NOT_AVAILABLE`: the device cannot be used at the moment.
+/// `CL_DEVICE_NOT_AVAILABLE`: the device cannot be used now.
 class VORN_MERO_EXPORT device_not_available : public runtime_error {
 public:
     device_not_available();
 };
-/// `CL_COMPILER_NOT_AVAILABLE`: the program is source, the device has no compiler.
+/// `CL_COMPILER_NOT_AVAILABLE`: the program is source, but the device has no compiler.
 class VORN_MERO_EXPORT compiler_not_available : public logic_error {
 public:
     compiler_not_available();
 };
-/// `CL_MEM_OBJECT_ALLOCATION_FAILURE`: no memory for a memory object; may come as late as its first use.
+/// `CL_MEM_OBJECT_ALLOCATION_FAILURE`: no memory for a memory object; perhaps as late as its first use.
 class VORN_MERO_EXPORT mem_object_allocation_failure : public runtime_error {
 public:
     mem_object_allocation_failure();
 };
-/// `CL_OUT_OF_RESOURCES`: the device lacks resources, or a kernel went wrong on it, as by reaching outside of a buffer.
+/// `CL_OUT_OF_RESOURCES`: the device lacks resources, or a kernel failed there, for instance outside of a buffer.
 class VORN_MERO_EXPORT out_of_resources : public runtime_error {
 public:
     out_of_resources();
 };
-/// `CL_OUT_OF_HOST_MEMORY`: the OpenCL implementation lacks memory of the host.
+/// `CL_OUT_OF_HOST_MEMORY`: the OpenCL implementation cannot get host memory.
 class VORN_MERO_EXPORT out_of_host_memory : public runtime_error {
 public:
     out_of_host_memory();
 };
-/// `CL_PROFILING_INFO_NOT_AVAILABLE`: no profiling on the queue, or the command is not complete.
+/// `CL_PROFILING_INFO_NOT_AVAILABLE`: the queue does not profile, or the command is not complete.
 class VORN_MERO_EXPORT profiling_info_not_available : public logic_error {
 public:
     profiling_info_not_available();
@@ -118,7 +124,7 @@ class VORN_MERO_EXPORT mem_copy_overlap : public logic_error {
 public:
     mem_copy_overlap();
 };
-/// `CL_IMAGE_FORMAT_MISMATCH`: an image copy between two formats.
+/// `CL_IMAGE_FORMAT_MISMATCH`: the images of a copy have different formats.
 class VORN_MERO_EXPORT image_format_mismatch : public logic_error {
 public:
     image_format_mismatch();
@@ -128,7 +134,7 @@ class VORN_MERO_EXPORT image_format_not_supported : public logic_error {
 public:
     image_format_not_supported();
 };
-/// `CL_BUILD_PROGRAM_FAILURE`: the program does not build; `program::build` does not throw it.
+/// `CL_BUILD_PROGRAM_FAILURE`: the program does not build. `program::build` does not throw it.
 class VORN_MERO_EXPORT build_program_failure : public runtime_error {
 public:
     build_program_failure();
@@ -138,12 +144,12 @@ class VORN_MERO_EXPORT map_failure : public runtime_error {
 public:
     map_failure();
 };
-/// `CL_MISALIGNED_SUB_BUFFER_OFFSET`: the sub-buffer begins where the device cannot address it.
+/// `CL_MISALIGNED_SUB_BUFFER_OFFSET`: the start of the sub-buffer is not aligned for the device.
 class VORN_MERO_EXPORT misaligned_sub_buffer_offset : public runtime_error {
 public:
     misaligned_sub_buffer_offset();
 };
-/// `CL_EXEC_STATUS_ERROR_FOR_EVENTS_IN_WAIT_LIST`: an event that was waited for failed.
+/// `CL_EXEC_STATUS_ERROR_FOR_EVENTS_IN_WAIT_LIST`: an event of the wait list failed.
 class VORN_MERO_EXPORT exec_status_error_for_events_in_wait_list : public runtime_error {
 public:
     exec_status_error_for_events_in_wait_list();
@@ -158,12 +164,12 @@ class VORN_MERO_EXPORT linker_not_available : public logic_error {
 public:
     linker_not_available();
 };
-/// `CL_LINK_PROGRAM_FAILURE`: the programs do not link; `context::link_programs` throws it, and there is no log.
+/// `CL_LINK_PROGRAM_FAILURE`: the programs do not link. There is no log.
 class VORN_MERO_EXPORT link_program_failure : public runtime_error {
 public:
     link_program_failure();
 };
-/// `CL_DEVICE_PARTITION_FAILED`: the device cannot be partitioned so, or not any further.
+/// `CL_DEVICE_PARTITION_FAILED`: the device cannot be partitioned in this way, or not any further.
 class VORN_MERO_EXPORT device_partition_failed : public runtime_error {
 public:
     device_partition_failed();
@@ -173,22 +179,22 @@ class VORN_MERO_EXPORT kernel_arg_info_not_available : public logic_error {
 public:
     kernel_arg_info_not_available();
 };
-/// `CL_INVALID_VALUE`: a value that OpenCL forbids, such as a region outside of its object, or flags that contradict.
+/// `CL_INVALID_VALUE`: a value that OpenCL forbids, such as a region outside its object or contradicting flags.
 class VORN_MERO_EXPORT invalid_value : public logic_error {
 public:
     invalid_value();
 };
-/// `CL_INVALID_DEVICE_TYPE`: the device type is none.
+/// `CL_INVALID_DEVICE_TYPE`: not a device type.
 class VORN_MERO_EXPORT invalid_device_type : public logic_error {
 public:
     invalid_device_type();
 };
-/// `CL_INVALID_PLATFORM`: the property list names no platform.
+/// `CL_INVALID_PLATFORM`: not a platform, in a property list.
 class VORN_MERO_EXPORT invalid_platform : public logic_error {
 public:
     invalid_platform();
 };
-/// `CL_INVALID_DEVICE`: not a device, or none of the context or the program.
+/// `CL_INVALID_DEVICE`: not a device, or not one of the context or the program.
 class VORN_MERO_EXPORT invalid_device : public logic_error {
 public:
     invalid_device();
@@ -198,12 +204,12 @@ class VORN_MERO_EXPORT invalid_context : public logic_error {
 public:
     invalid_context();
 };
-/// `CL_INVALID_QUEUE_PROPERTIES`: the device supports no queue of these properties.
+/// `CL_INVALID_QUEUE_PROPERTIES`: the device supports no queue with these properties.
 class VORN_MERO_EXPORT invalid_queue_properties : public logic_error {
 public:
     invalid_queue_properties();
 };
-/// `CL_INVALID_COMMAND_QUEUE`: not a command queue, or one of the other kind, on the host or on the device.
+/// `CL_INVALID_COMMAND_QUEUE`: not a command queue, or one of the wrong kind, host or on-device.
 class VORN_MERO_EXPORT invalid_command_queue : public logic_error {
 public:
     invalid_command_queue();
@@ -233,12 +239,12 @@ class VORN_MERO_EXPORT invalid_sampler : public logic_error {
 public:
     invalid_sampler();
 };
-/// `CL_INVALID_BINARY`: the binary is damaged, or made for another device.
+/// `CL_INVALID_BINARY`: the binary is damaged, or for another device.
 class VORN_MERO_EXPORT invalid_binary : public runtime_error {
 public:
     invalid_binary();
 };
-/// `CL_INVALID_BUILD_OPTIONS`: the build options are not understood.
+/// `CL_INVALID_BUILD_OPTIONS`: unknown or contradicting build options.
 class VORN_MERO_EXPORT invalid_build_options : public logic_error {
 public:
     invalid_build_options();
@@ -273,12 +279,12 @@ class VORN_MERO_EXPORT invalid_arg_index : public logic_error {
 public:
     invalid_arg_index();
 };
-/// `CL_INVALID_ARG_VALUE`: null, or an object of another kind, for a kernel argument.
+/// `CL_INVALID_ARG_VALUE`: the value does not suit the kernel argument: null, or an object of another kind.
 class VORN_MERO_EXPORT invalid_arg_value : public logic_error {
 public:
     invalid_arg_value();
 };
-/// `CL_INVALID_ARG_SIZE`: the kernel argument has another size.
+/// `CL_INVALID_ARG_SIZE`: the size is not that of the kernel argument.
 class VORN_MERO_EXPORT invalid_arg_size : public logic_error {
 public:
     invalid_arg_size();
@@ -288,12 +294,12 @@ class VORN_MERO_EXPORT invalid_kernel_args : public logic_error {
 public:
     invalid_kernel_args();
 };
-/// `CL_INVALID_WORK_DIMENSION`: not one to three dimensions.
+/// `CL_INVALID_WORK_DIMENSION`: the number of dimensions is not 1, 2 or 3.
 class VORN_MERO_EXPORT invalid_work_dimension : public logic_error {
 public:
     invalid_work_dimension();
 };
-/// `CL_INVALID_WORK_GROUP_SIZE`: a local size that does not divide the global size, or that kernel or device refuse.
+/// `CL_INVALID_WORK_GROUP_SIZE`: the local size does not divide the global size, or kernel or device do not allow it.
 class VORN_MERO_EXPORT invalid_work_group_size : public logic_error {
 public:
     invalid_work_group_size();
@@ -303,22 +309,22 @@ class VORN_MERO_EXPORT invalid_work_item_size : public logic_error {
 public:
     invalid_work_item_size();
 };
-/// `CL_INVALID_GLOBAL_OFFSET`: the global offset and size exceed `size_t` of the device.
+/// `CL_INVALID_GLOBAL_OFFSET`: global offset plus global size exceed the device's `size_t`.
 class VORN_MERO_EXPORT invalid_global_offset : public logic_error {
 public:
     invalid_global_offset();
 };
-/// `CL_INVALID_EVENT_WAIT_LIST`: null or an invalid event in a list, or a list without its count.
+/// `CL_INVALID_EVENT_WAIT_LIST`: the list has an invalid event, or list and count do not match.
 class VORN_MERO_EXPORT invalid_event_wait_list : public logic_error {
 public:
     invalid_event_wait_list();
 };
-/// `CL_INVALID_EVENT`: not an event, or of another context.
+/// `CL_INVALID_EVENT`: not an event, or one of another context.
 class VORN_MERO_EXPORT invalid_event : public logic_error {
 public:
     invalid_event();
 };
-/// `CL_INVALID_OPERATION`: not allowed in this state, or not supported: also what an implementation of 3.0 leaves out.
+/// `CL_INVALID_OPERATION`: not allowed in this state, or not supported, such as optional features of OpenCL 3.0.
 class VORN_MERO_EXPORT invalid_operation : public logic_error {
 public:
     invalid_operation();
@@ -333,7 +339,7 @@ class VORN_MERO_EXPORT invalid_buffer_size : public logic_error {
 public:
     invalid_buffer_size();
 };
-/// `CL_INVALID_MIP_LEVEL`: no such level of the image.
+/// `CL_INVALID_MIP_LEVEL`: the image has no such mip-map level.
 class VORN_MERO_EXPORT invalid_mip_level : public logic_error {
 public:
     invalid_mip_level();
@@ -343,7 +349,7 @@ class VORN_MERO_EXPORT invalid_global_work_size : public logic_error {
 public:
     invalid_global_work_size();
 };
-/// `CL_INVALID_PROPERTY`: a property is unknown, repeated or of an invalid value.
+/// `CL_INVALID_PROPERTY`: a property is unknown, repeated or has an invalid value.
 class VORN_MERO_EXPORT invalid_property : public logic_error {
 public:
     invalid_property();
@@ -353,12 +359,12 @@ class VORN_MERO_EXPORT invalid_image_descriptor : public logic_error {
 public:
     invalid_image_descriptor();
 };
-/// `CL_INVALID_COMPILER_OPTIONS`: the compiler options are not understood.
+/// `CL_INVALID_COMPILER_OPTIONS`: unknown or contradicting compiler options.
 class VORN_MERO_EXPORT invalid_compiler_options : public logic_error {
 public:
     invalid_compiler_options();
 };
-/// `CL_INVALID_LINKER_OPTIONS`: the linker options are not understood.
+/// `CL_INVALID_LINKER_OPTIONS`: unknown or contradicting linker options.
 class VORN_MERO_EXPORT invalid_linker_options : public logic_error {
 public:
     invalid_linker_options();
@@ -368,12 +374,12 @@ class VORN_MERO_EXPORT invalid_device_partition_count : public logic_error {
 public:
     invalid_device_partition_count();
 };
-/// `CL_INVALID_PIPE_SIZE`: the packets are zero-sized or too large.
+/// `CL_INVALID_PIPE_SIZE`: the packet size is 0 or too large.
 class VORN_MERO_EXPORT invalid_pipe_size : public logic_error {
 public:
     invalid_pipe_size();
 };
-/// `CL_INVALID_DEVICE_QUEUE`: not a queue on the device, as a kernel argument.
+/// `CL_INVALID_DEVICE_QUEUE`: the kernel argument is not an on-device queue.
 class VORN_MERO_EXPORT invalid_device_queue : public logic_error {
 public:
     invalid_device_queue();

@@ -9,11 +9,10 @@
 
 namespace vorn::mero::common {
 
-/// The OpenCL statuses, each under the name of its exception class in vorn/mero/common/error.hpp, where it is
-/// explained. The values are OpenCL's own: `invalid_value` is `CL_INVALID_VALUE`, -30. A status that is none of these,
-/// such as an extension's, is thrown as `unknown_opencl_error`, and never has this type but in `event::error_code`.
+/// The OpenCL statuses. Each has the name of its exception class, which vorn/mero/common/error.hpp describes, and
+/// OpenCL's value: `invalid_value` is `CL_INVALID_VALUE`, -30. Other statuses, such as those of extensions, throw
+/// `unknown_opencl_error`; only `event::error_code` may return one.
 enum class error_code : std::int32_t {
-    // What cannot be done, here or at the moment.
     success = 0,
     device_not_found = -1,
     device_not_available = -2,
@@ -35,7 +34,6 @@ enum class error_code : std::int32_t {
     device_partition_failed = -18,
     kernel_arg_info_not_available = -19,
 
-    // What OpenCL does not allow.
     invalid_value = -30,
     invalid_device_type = -31,
     invalid_platform = -32,
@@ -81,8 +79,8 @@ enum class error_code : std::int32_t {
     max_size_restriction_exceeded = -72,
 };
 
-/// The message of a status, that which `error::what` gives; "Unknown error." for a number that is no status. Never
-/// fails but for want of memory.
+/// The message of a status, the same text as `error::what`; "Unknown error." for any other number. Throws only
+/// `std::bad_alloc`.
 VORN_MERO_EXPORT std::string get_error_string(error_code code);
 
 } // namespace vorn::mero::common

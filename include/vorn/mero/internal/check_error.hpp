@@ -4,9 +4,9 @@
 
 namespace vorn::mero::internal {
 
-/// Throws the exception of an OpenCL status: the class of `vorn::mero::common` that bears its name, or
-/// `common::unknown_opencl_error` for a number that no OpenCL version defines, such as that of an extension. Returns on
-/// success (0). For programs that call the C API beside this library:
+/// Throws the exception of an OpenCL status: the class of its name in `vorn::mero::common`, or
+/// `common::unknown_opencl_error` for a status that no OpenCL version defines, such as that of an extension. Returns on
+/// success (0). For programs that also call the C API:
 ///
 ///     vorn::mero::internal::check_error(clEnqueueSomething(cl::raw::get_raw_command_queue(queue)));
 VORN_MERO_EXPORT void check_error(int status);

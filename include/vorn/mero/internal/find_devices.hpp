@@ -1,6 +1,6 @@
 #pragma once
 
-// How a program gets its first objects: from the capability nodes of every root device of libnq.
+// Discovery: the first objects of a program come from the capability nodes of libnq's root devices.
 
 #include <nq/call_handle.hpp>
 #include <vorn/mero/common/export.hpp>
@@ -9,27 +9,27 @@
 
 namespace vorn::mero::internal {
 
-/// Throws `std::runtime_error` unless libnq has the one version that the library works with (`nq::version`).
+/// Throws `std::runtime_error` unless libnq has the version that the library needs, `nq::version`.
 VORN_MERO_EXPORT void check_libnq_version();
 
-/// The root devices of the machine, maybe none; throws the `nq` exceptions. Opens nothing.
+/// The root devices of the machine, perhaps none. Opens nothing. Throws the `nq` exceptions.
 VORN_MERO_EXPORT std::vector<nq::device> root_devices();
 
-/// The nodes of a root device that offer a capability, maybe none; throws the `nq` exceptions.
+/// The nodes of a root device that offer a capability, perhaps none. Throws the `nq` exceptions.
 VORN_MERO_EXPORT std::vector<nq::capability_node> capability_nodes(nq::device root, nq::capability capability);
 
-/// Opens a node; throws the `nq` exceptions. The last copy of the handle, which every object made through it holds one
-/// of, closes the node.
+/// Opens a node. The last copy of the handle closes it; every object made through the handle holds a copy. Throws the
+/// `nq` exceptions.
 VORN_MERO_EXPORT nq::call_handle open_call_handle(nq::capability_node node);
 
-/// One `Device` for each node of each root device that offers the capability, in libnq's order, made by
-/// `factory(nq::call_handle const&)` from a call handle of its own. Empty when there is none.
+/// One `Device` for each node that offers the capability, in libnq's order. `factory(nq::call_handle const&)` makes it
+/// from a call handle of its own. Empty if there is no node.
 ///
 ///     auto const handles = vorn::mero::internal::find_devices<nq::call_handle>(
 ///         nq::capability::opencl_1_2, [](nq::call_handle const& handle) { return handle; });
 ///
-/// Throws `std::runtime_error` when libnq is of another version, the `nq` exceptions when it fails, and what the
-/// factory throws; every call handle opened so far is then closed. Keeps no state: each call asks libnq again.
+/// Throws `std::runtime_error` if libnq has another version, the `nq` exceptions if it fails, and what the factory
+/// throws; every call handle opened so far is then closed. Each call asks libnq again.
 template <class Device, class Factory>
 std::vector<Device> find_devices(nq::capability capability, Factory factory) {
     check_libnq_version();

@@ -1,7 +1,6 @@
 #pragma once
 
-// Ownership of OpenCL objects, written once for every class. Programs meet it as the base of `device`, `buffer` and the
-// rest.
+// Ownership of OpenCL objects: the base of `device`, `buffer` and every other object class.
 
 #include <nq/call_handle.hpp>
 #include <vorn/mero/common/export.hpp>
@@ -19,53 +18,51 @@ namespace vorn::mero::internal {
 ///     cl::program third = std::move(second); // no call; `second` is empty
 ///     second = third;                        // retains again
 ///
-/// Copying retains, destruction releases, moving transfers without a call. An object that was moved from is empty: its
-/// raw handle is null, and it may be destroyed, assigned to or moved from. A member that makes a call throws
-/// `nq::unrecoverable_error`. As an argument its null handle goes to OpenCL, which refuses it with the status for such
-/// an object (`common::invalid_mem_object`, say) or, as the buffer argument of a kernel, takes it for a null pointer;
-/// PoCL takes null images and samplers too, and crashes at the launch.
+/// Copying retains, destruction releases, moving makes no call. An object that was moved from is empty: its raw handle
+/// is null. It may be destroyed, assigned to or moved from; any member that makes a call throws
+/// `nq::unrecoverable_error`. As an argument it passes a null handle to OpenCL. OpenCL refuses it with the status for
+/// such an object, such as `common::invalid_mem_object`; for the buffer argument of a kernel it means the null pointer.
+/// PoCL also accepts null images and samplers, and crashes at the launch.
 ///
-/// An object does not keep alive what it was made from: OpenCL does, as far as it needs it. It does keep the call
-/// handle open. Objects may be kept in containers, and in objects of static lifetime as far as the OpenCL
-/// implementation allows calls at process exit.
+/// An object keeps its call handle open. It does not keep alive the objects that it was made from; OpenCL does as far
+/// as needed. Objects may be static if the OpenCL implementation allows calls at process exit.
 ///
-/// `Kind` names the raw handle's type and the two constructor tags of an OpenCL version. Platforms, and devices before
-/// OpenCL 1.2, are not counted: for them no operation here makes a call.
+/// `Kind` names the raw handle's type and the two constructor tags of an OpenCL version. OpenCL does not count
+/// references to platforms, and before 1.2 to devices: for them no operation here makes a call.
 ///
-/// Failing calls throw the exceptions of `nq` and `vorn::mero::common`. Distinct objects may be used by different
-/// threads, also when they name the same OpenCL object; one object must not be assigned or destroyed while another
-/// thread uses it.
+/// Failing calls throw the exceptions of `nq` and `vorn::mero::common`. Different threads may use distinct objects,
+/// even of the same OpenCL object. No thread may assign or destroy an object that another uses.
 template <class Kind>
 class VORN_MERO_EXPORT owner {
 public:
     using raw_type = typename Kind::raw_type;
 
-    /// Adopts a reference that the caller holds; makes no call.
+    /// Adopts a reference that the caller holds. Makes no call.
     owner(nq::call_handle const& call_handle, raw_type* raw, typename Kind::take_ownership) noexcept
         : call_handle_(call_handle), raw_(raw) {}
 
-    /// Retains: the caller keeps its own reference. When that fails nothing is released.
+    /// Retains: the caller keeps its own reference. If that fails, nothing is released.
     owner(nq::call_handle const& call_handle, raw_type* raw, typename Kind::create_reference);
 
-    /// Retains; throws when that fails, and `other` stays as it is.
+    /// Retains. If that fails, throws and leaves `other` unchanged.
     owner(owner const& other);
 
-    /// Makes no call; `other` is empty afterwards.
+    /// Makes no call. `other` is empty afterwards.
     owner(owner&& other) noexcept
         : call_handle_(std::move(other.call_handle_)), raw_(std::exchange(other.raw_, nullptr)) {}
 
-    /// Releases the own reference first; when that fails nothing has changed, when the retain fails this object is
-    /// empty but for its call handle.
+    /// Releases its own reference, then retains. If the release fails, nothing has changed; if the retain fails, this
+    /// object has a null raw handle and its old call handle.
     owner& operator=(owner const& other);
 
-    /// Releases the own reference. A release that fails ends the process. Assigning an object to itself empties it.
+    /// Releases its own reference; if that fails, the process ends. Assigning an object to itself empties it.
     owner& operator=(owner&& other) noexcept;
 
-    /// A release that fails is logged at error level (see `internal::log_singleton`) and otherwise passed over.
+    /// Releases the reference. If that fails, logs at error level (see `internal::log_singleton`) and continues.
     ~owner();
 
 protected:
-    /// Exchanges the references, not the call handles.
+    /// Swaps the references, but not the call handles.
     void swap_reference(owner& other) noexcept { std::swap(raw_, other.raw_); }
 
 private:
@@ -75,21 +72,23 @@ private:
     raw_type* raw_;
 };
 
-/// The library's own way into an owner; programs use the functions of `raw`.
+/// The library's own access to an owner. Programs use the functions of `raw`.
 struct owner_access {
+    /// The raw handle, null if the object was moved from.
     template <class Kind>
     static typename Kind::raw_type* raw(owner<Kind> const& object) noexcept {
         return object.raw_;
     }
 
+    /// The call handle, null if the object was moved from.
     template <class Kind>
     static nq::call_handle const& call_handle(owner<Kind> const& object) noexcept {
         return object.call_handle_;
     }
 };
 
-/// An owner with an identity: the call handle and the raw handle together. Base of every object class but the memory
-/// objects.
+/// An owner that can be compared: its identity is the call handle and the raw handle together. Base of every object
+/// class except memory objects.
 ///
 ///     struct by_hash {
 ///         std::size_t operator()(cl::device const& each) const { return each.hash(); }
@@ -100,14 +99,13 @@ class handle : public owner<Kind> {
 public:
     using owner<Kind>::owner;
 
-    /// Whether both name the same OpenCL object through the same call handle. Makes no call. Objects that two calls of
-    /// `get_all_devices` found are unequal, since each call opens call handles of its own.
+    /// Whether both name the same OpenCL object through the same call handle. Makes no call. Devices of two calls of
+    /// `get_all_devices` are unequal, since each call opens new call handles.
     bool operator==(handle const& other) const noexcept {
         return call_handle_address() == other.call_handle_address() && raw_address() == other.raw_address();
     }
 
-    /// Orders by call handle, then by raw handle, both as addresses: an order for containers, not the same from run to
-    /// run.
+    /// Orders by call handle, then by raw handle, both as addresses: an order for containers, different in each run.
     bool operator<(handle const& other) const noexcept {
         return call_handle_address() != other.call_handle_address()
                    ? call_handle_address() < other.call_handle_address()

@@ -7,17 +7,17 @@
 
 namespace vorn::mero::internal {
 
-/// A fill command that keeps its pattern: `PointTo` is the member of `Base` that says where the pattern lies, which is
-/// told anew of each copy.
+/// A fill command that holds its pattern. `PointTo` is the member of `Base` that sets the address of the pattern; each
+/// copy calls it for its own pattern.
 ///
 ///     cl::fill_buffer<float> fill(buffer, 0.0F, 0, count); // a pattern of 4 bytes in the command itself
 ///     std::vector<cl::fill_buffer<float>> fills(3, fill);  // three commands, three patterns
 ///
-/// `Base` must take the arguments that follow the pattern, with a null pointer for the pattern's place. A pattern must
-/// be trivially copyable: OpenCL gets its bytes.
+/// `Pattern` must be trivially copyable: OpenCL copies its bytes.
 template <class Base, class Pattern, void (Base::*PointTo)(void const*) noexcept>
 class kept_pattern : public Base {
 public:
+    /// Copies the pattern. `arguments` are those of `Base`, with a null pointer as the address of the pattern.
     template <class... Arguments>
     explicit kept_pattern(Pattern const& pattern, Arguments&&... arguments)
         : Base(std::forward<Arguments>(arguments)...), pattern_(pattern) {

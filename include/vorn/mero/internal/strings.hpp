@@ -7,14 +7,14 @@
 
 namespace vorn::mero::internal {
 
-/// The runs of characters between white space (as `std::isspace` of the current locale has it), in order; none for a
-/// blank text. Extension lists are written so.
+/// Splits a text at white space (`std::isspace` in the current locale), such as a list of extensions. No item is empty;
+/// a blank text has none.
 VORN_MERO_EXPORT std::vector<std::string> split_space(std::string const& text);
 
-/// The non-empty runs of characters between semicolons, in order; white space stays. Kernel name lists are written so.
+/// Splits a text at semicolons, such as a list of kernel names. Empty items are dropped; white space is kept.
 VORN_MERO_EXPORT std::vector<std::string> split_semicolon(std::string const& text);
 
-/// The items with one semicolon between each two.
+/// The items in order, separated by semicolons.
 VORN_MERO_EXPORT std::string join_semicolon(std::vector<std::string> const& items);
 
 } // namespace vorn::mero::internal

@@ -193,7 +193,7 @@ VORN_MERO_EXPORT void release(memory_object const& object);
 VORN_MERO_EXPORT std::uint32_t refcount(memory_object const& object);
 
 /// Wraps a raw handle of a buffer and retains it: the caller keeps its own reference. The kind of the handle is not
-/// checked here; OpenCL refuses a wrong one where it is used.
+/// checked here; OpenCL may refuse a wrong one where it is used.
 VORN_MERO_EXPORT buffer create_buffer(nq::call_handle const& call_handle, _nq_cl_mem* handle);
 
 /// Wraps a raw handle of a two-dimensional image; otherwise as `create_buffer`.
