@@ -1,6 +1,6 @@
 #pragma once
 
-/// The object interface to every OpenCL version, each in its own namespace.
+/// The object interfaces to all OpenCL versions, each in its own namespace.
 
 #include <vorn/mero/opencl_1_0.hpp>
 #include <vorn/mero/opencl_1_1.hpp>

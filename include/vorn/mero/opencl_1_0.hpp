@@ -1,14 +1,14 @@
 #pragma once
 
-/// The object interface to OpenCL 1.0: namespace `vorn::mero::opencl_1_0`. Devices, contexts, queues, buffers, images
-/// of two and three dimensions, samplers, programs, kernels, events and their commands.
+/// The object interface to OpenCL 1.0, in the namespace `vorn::mero::opencl_1_0`: devices, contexts, queues, buffers,
+/// images of two and three dimensions, samplers, programs, kernels, events and commands.
 ///
 ///     namespace cl = vorn::mero::opencl_1_0;
 ///     for (cl::device const& each : cl::get_all_devices()) {
 ///         std::puts(each.name().c_str());
 ///     }
 ///
-/// It may be included beside its siblings; objects of two versions are unrelated types.
+/// It can be included together with its siblings; classes of different versions are unrelated types.
 
 #include <vorn/mero/opencl/dependencies.hpp>
 

@@ -1,7 +1,7 @@
 #pragma once
 
-/// The object interface to OpenCL 1.1: namespace `vorn::mero::opencl_1_1`. To that of 1.0 it adds sub-buffers, user
-/// events, callbacks of events, boxes of buffers and launches from an offset; tasks go.
+/// The object interface to OpenCL 1.1, in the namespace `vorn::mero::opencl_1_1`. Compared with 1.0 it adds
+/// sub-buffers, user events, event callbacks, rectangular buffer copies and launches from an offset, and drops tasks.
 
 #include <vorn/mero/opencl/dependencies.hpp>
 

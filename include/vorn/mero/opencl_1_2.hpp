@@ -1,8 +1,8 @@
 #pragma once
 
-/// The object interface to OpenCL 1.2: namespace `vorn::mero::opencl_1_2`. To that of 1.1 it adds sub-devices, counted
-/// devices, images of one dimension and arrays of images, fills, migration, linking, built-in kernels and what the
-/// source says of a kernel's arguments. Most implementations that are not of 3.0 offer this one.
+/// The object interface to OpenCL 1.2, in the namespace `vorn::mero::opencl_1_2`. Compared with 1.1 it adds
+/// sub-devices, reference counts of devices, one-dimensional images, image arrays, fills, migration, linking, built-in
+/// kernels and kernel argument queries. Most implementations support it.
 
 #include <vorn/mero/opencl/dependencies.hpp>
 

@@ -1,8 +1,8 @@
 #pragma once
 
-/// The object interface to OpenCL 2.0: namespace `vorn::mero::opencl_2_0`. To that of 1.2 it adds shared virtual
-/// memory, pipes and queues on the device; `command_queue` becomes `host_command_queue` and `device_command_queue`.
-/// What an implementation of 3.0 leaves out of it throws, mostly `common::invalid_operation`.
+/// The object interface to OpenCL 2.0, in the namespace `vorn::mero::opencl_2_0`. Compared with 1.2 it adds shared
+/// virtual memory, pipes and on-device queues; `command_queue` becomes `host_command_queue` and `device_command_queue`.
+/// Features that an OpenCL 3.0 implementation lacks throw, usually `common::invalid_operation`.
 
 #include <vorn/mero/opencl/dependencies.hpp>
 

@@ -1,8 +1,8 @@
 #pragma once
 
-/// The object interface to OpenCL 2.1: namespace `vorn::mero::opencl_2_1`. To that of 2.0 it adds programs from
-/// intermediate language, sub-groups, kernels that are copied with their arguments, timers, and migration of shared
-/// virtual memory. What an implementation of 3.0 leaves out of it throws, mostly `common::invalid_operation`.
+/// The object interface to OpenCL 2.1, in the namespace `vorn::mero::opencl_2_1`. Compared with 2.0 it adds programs
+/// from intermediate language, sub-groups, copies of kernels with their arguments, timers, and migration of shared
+/// virtual memory. Features that an OpenCL 3.0 implementation lacks throw, usually `common::invalid_operation`.
 
 #include <vorn/mero/opencl/dependencies.hpp>
 

@@ -1,8 +1,8 @@
 #pragma once
 
-/// The object interface to OpenCL 2.2: namespace `vorn::mero::opencl_2_2`. To that of 2.1 it adds specialization
-/// constants, and what programs say and do at their end. What an implementation of 3.0 leaves out of it throws, mostly
-/// `common::invalid_operation`.
+/// The object interface to OpenCL 2.2, in the namespace `vorn::mero::opencl_2_2`. Compared with 2.1 it adds
+/// specialization constants, release callbacks of programs, and queries for constructors and destructors. Features that
+/// an OpenCL 3.0 implementation lacks throw, usually `common::invalid_operation`.
 
 #include <vorn/mero/opencl/dependencies.hpp>
 

@@ -1,4 +1,4 @@
-// A version as one type, for code that runs over several of them.
+// An OpenCL version as one type, for templates over versions.
 #ifndef VORN_MERO_OPENCL
 #include <vorn/mero/opencl/standalone.hpp>
 
@@ -25,23 +25,23 @@
 
 namespace vorn::mero {
 
-/// The version's number (120 for OpenCL 1.2), its capability, its commands and the classes that a program meets first.
-/// Classes whose name changed with OpenCL 2.0 have one name here.
+/// The classes and the most important functions of an OpenCL version. Classes whose name changed with OpenCL 2.0 have
+/// one name here. A name that the version lacks is absent.
 ///
 ///     template <class Api>
 ///     void run_all() {
 ///         for (auto const& target : Api::get_all_devices()) {
 ///             typename Api::context context = Api::create_context(target);
 ///             typename Api::host_queue queue = Api::create_queue(context, target, false, false);
-///             // what came with a later version: if constexpr (Api::number >= 120)
+///             // for members of later versions: if constexpr (Api::number >= 120)
 ///         }
 ///     }
 ///     run_all<vorn::mero::api<110>>();
-///
-/// It is never made an object of; a name that the version lacks is absent.
 template <>
 struct api<VORN_MERO_OPENCL> {
+    /// The version's number, such as 120 for OpenCL 1.2.
     static constexpr int number = VORN_MERO_OPENCL;
+    /// The version's capability in libnq.
     static constexpr nq::capability capability = nq::capability::VORN_MERO_NAMESPACE;
 
     using platform = VORN_MERO_NAMESPACE::platform;
@@ -147,53 +147,57 @@ struct api<VORN_MERO_OPENCL> {
     using host_queue = VORN_MERO_NAMESPACE::host_command_queue;
 #endif
 
-    /// As the function of this name in the namespace.
+    /// As `get_all_devices` of the namespace.
     static std::vector<device> get_all_devices() { return VORN_MERO_NAMESPACE::get_all_devices(); }
 
-    /// As the function of this name in the namespace.
+    /// As `get_call_handle_device` of the namespace.
     static device get_call_handle_device(nq::call_handle const& call_handle) {
         return VORN_MERO_NAMESPACE::get_call_handle_device(call_handle);
     }
 
-    // As the functions of these names in `raw`: the elements of wait lists and of lists of memory objects.
+    /// As `raw::get_raw_event`: an element of a wait list.
     static _nq_cl_event* get_raw_event(event const& object) noexcept {
         return VORN_MERO_NAMESPACE::raw::get_raw_event(object);
     }
+
+    /// As `raw::get_raw_memory_object`: an element of a list of memory objects.
     static _nq_cl_mem* get_raw_memory_object(memory_object const& object) noexcept {
         return VORN_MERO_NAMESPACE::raw::get_raw_memory_object(object);
     }
+
+    /// As `raw::get_raw_device_id`.
     static _nq_cl_device_id* get_raw_device_id(device const& object) noexcept {
         return VORN_MERO_NAMESPACE::raw::get_raw_device_id(object);
     }
 
-    /// A context of one device, without properties and callback.
+    /// A context of one device, without properties or callback.
     static context create_context(device const& target) {
         return VORN_MERO_NAMESPACE::create_context({}, {target}, nullptr, nullptr);
     }
 
 #if VORN_MERO_OPENCL < 200
-    /// The queue that the host enqueues to, by `context::create_command_queue`.
+    /// A queue by `context::create_command_queue`.
     static host_queue create_queue(context& owner, device const& target, bool out_of_order, bool profiling) {
         return owner.create_command_queue(target, out_of_order, profiling);
     }
 #endif
 
 #if VORN_MERO_OPENCL >= 200
-    /// The queue that the host enqueues to, by `context::create_host_command_queue`.
+    /// A queue by `context::create_host_command_queue`.
     static host_queue create_queue(context& owner, device const& target, bool out_of_order, bool profiling) {
         return owner.create_host_command_queue(target, out_of_order, profiling);
     }
 #endif
 
 #if VORN_MERO_OPENCL < 110
-    /// A launch over one dimension, from offset 0; both sizes in work-items.
+    /// A launch in one dimension, from offset 0; sizes are in work-items.
     static nd_range_kernel launch(kernel const& function, std::size_t global_size, std::size_t local_size) {
         return {function, 1, {global_size, 1, 1}, {local_size, 1, 1}};
     }
 #endif
 
 #if VORN_MERO_OPENCL >= 110
-    /// A launch over one dimension, from offset 0; both sizes in work-items.
+    /// A launch in one dimension, from offset 0; sizes are in work-items.
     static nd_range_kernel launch(kernel const& function, std::size_t global_size, std::size_t local_size) {
         return {function, 1, {0, 0, 0}, {global_size, 1, 1}, {local_size, 1, 1}};
     }

@@ -1,7 +1,7 @@
 #pragma once
 
-// What the bodies beside this file build on, the same for every version. A body itself includes nothing where an
-// umbrella header reads it: it would be read within a version's macros.
+// What the headers of this folder need, the same for every version. They do not include it themselves when an umbrella
+// header reads them: it would see the macros of a version.
 
 #include <nq/call_handle.hpp>
 #include <nq/error.hpp>
@@ -24,8 +24,8 @@
 
 namespace vorn::mero {
 
-/// An OpenCL version as one type, by its number: 100, 110, 120, 200, 210 or 220. Complete once that version's header is
-/// included; see vorn/mero/opencl/api.hpp.
+/// An OpenCL version as one type, by its number: 100, 110, 120, 200, 210 or 220. Complete once the version's header is
+/// included, see vorn/mero/opencl/api.hpp.
 template <int Version>
 struct api;
 

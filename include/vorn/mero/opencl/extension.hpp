@@ -1,14 +1,14 @@
-// Khronos and vendor extensions, each a namespace of its name. Their functions are asked for at every use (through the
-// object's platform, three calls or more) and called in process; nothing is cached. A function that OpenCL does not
-// know is a `std::logic_error`, a status that it returns the exception of that status. Ask `extension_available` first:
+// Khronos and vendor extensions, each in a namespace of its name. Every use looks up the extension's function through
+// the object's platform, with three calls or more, and then calls it directly. If OpenCL does not know the function,
+// `std::logic_error` is thrown; if the function fails, the exception of its status. Check `extension_available` first:
 //
 //     namespace ending = cl::extension::cl_khr_terminate_context;
 //     if (ending::extension_available(device) && ending::is_terminate_supported(device)) {
 //         ending::terminate(context);
 //     }
 //
-// Each `extension_available` reads the device's extension list, without regard to case, see
-// `internal::extension_supported` at the end; it throws only what that query throws.
+// All but that of `cl_amd_kernel_info` read the list `device::extensions`, see `internal::extension_supported` below,
+// and throw only what that query throws. All functions are thread-safe as far as the extension's are.
 #ifndef VORN_MERO_OPENCL
 #include <vorn/mero/opencl/standalone.hpp>
 
@@ -18,26 +18,39 @@
 
 namespace vorn::mero::VORN_MERO_NAMESPACE::extension {
 
-/// What a kernel, built for the device, takes of the device's resources and what there is: registers (general, scalar,
-/// vector), wavefronts and their work-items, local memory (LDS) and stack. One number each, by two calls of the
-/// extension's function; `common::bad_implementation` when it has not 8 bytes.
+/// What a kernel, built for the device, uses of the device's resources, and what the device has: registers, wavefronts,
+/// local memory (LDS) and stack. Each query calls the extension's function twice, and throws
+/// `common::bad_implementation` if the reply does not have 8 bytes.
 namespace cl_amd_kernel_info {
 
-/// Whether the platform of the device knows the extension's function; does not look at the device's extensions.
+/// Whether the platform of the device knows the extension's function. Does not read the device's extensions.
 VORN_MERO_EXPORT bool extension_available(device const& target);
 
+/// The scratch registers that the kernel uses.
 VORN_MERO_EXPORT std::uint64_t scratch_regs(device const& target, kernel const& function);
+/// The wavefronts of the kernel on each SIMD unit.
 VORN_MERO_EXPORT std::uint64_t wavefront_per_simd(device const& target, kernel const& function);
+/// The work-items in a wavefront.
 VORN_MERO_EXPORT std::uint64_t wavefront_size(device const& target, kernel const& function);
+/// The general-purpose registers that the device has.
 VORN_MERO_EXPORT std::uint64_t available_gprs(device const& target, kernel const& function);
+/// The general-purpose registers that the kernel uses.
 VORN_MERO_EXPORT std::uint64_t used_gprs(device const& target, kernel const& function);
+/// The local memory that the device has.
 VORN_MERO_EXPORT std::uint64_t available_lds_size(device const& target, kernel const& function);
+/// The local memory that the kernel uses.
 VORN_MERO_EXPORT std::uint64_t used_lds_size(device const& target, kernel const& function);
+/// The stack that the device has.
 VORN_MERO_EXPORT std::uint64_t available_stack_size(device const& target, kernel const& function);
+/// The stack that the kernel uses.
 VORN_MERO_EXPORT std::uint64_t used_stack_size(device const& target, kernel const& function);
+/// The scalar registers that the device has.
 VORN_MERO_EXPORT std::uint64_t available_sgprs(device const& target, kernel const& function);
+/// The scalar registers that the kernel uses.
 VORN_MERO_EXPORT std::uint64_t used_sgprs(device const& target, kernel const& function);
+/// The vector registers that the device has.
 VORN_MERO_EXPORT std::uint64_t available_vgprs(device const& target, kernel const& function);
+/// The vector registers that the kernel uses.
 VORN_MERO_EXPORT std::uint64_t used_vgprs(device const& target, kernel const& function);
 
 } // namespace cl_amd_kernel_info
@@ -46,9 +59,10 @@ VORN_MERO_EXPORT std::uint64_t used_vgprs(device const& target, kernel const& fu
 /// The temperature of a board. In OpenCL 1.0 only.
 namespace cl_altera_device_temperature {
 
+/// Whether the device lists the extension. In OpenCL 1.0 only.
 VORN_MERO_EXPORT bool extension_available(device const& target);
 
-/// In degrees Celsius.
+/// The temperature of the board's core in degrees Celsius. In OpenCL 1.0 only.
 VORN_MERO_EXPORT std::int32_t get_device_temperature(device const& target);
 
 } // namespace cl_altera_device_temperature
@@ -56,13 +70,14 @@ VORN_MERO_EXPORT std::int32_t get_device_temperature(device const& target);
 /// Finding objects that were never released. In OpenCL 1.0 only.
 namespace cl_altera_live_object_tracking {
 
+/// Whether the device lists the extension. In OpenCL 1.0 only.
 VORN_MERO_EXPORT bool extension_available(device const& target);
 
-/// Starts the tracking; to be called before the first object of the platform is made.
+/// Starts the tracking. Call it before the first object of the platform is made. In OpenCL 1.0 only.
 VORN_MERO_EXPORT void track_live_objects(platform const& owner);
 
-/// Calls `callback` with `user_data`, every live object, the name of its type and its reference count, on this thread
-/// before it returns. It must not throw.
+/// Calls `callback` once for each live object with `user_data`, the object, the name of its type and its reference
+/// count, on this thread before it returns. `callback` must not throw. In OpenCL 1.0 only.
 VORN_MERO_EXPORT void report_live_objects(platform const& owner,
                                           void (*callback)(void* user_data, void* object, char const* type_name,
                                                            std::uint32_t reference_count),
@@ -72,77 +87,92 @@ VORN_MERO_EXPORT void report_live_objects(platform const& owner,
 #endif
 
 #if VORN_MERO_OPENCL < 120
-/// `printf` in kernels before OpenCL 1.2, through a callback in the context's property list.
+/// `printf` in kernels before OpenCL 1.2, through a callback in the context's property list. Until OpenCL 1.1.
 namespace cl_arm_printf {
 
+/// Whether the device lists the extension. Until OpenCL 1.1.
 VORN_MERO_EXPORT bool extension_available(device const& target);
 
 } // namespace cl_arm_printf
 #endif
 
 #if VORN_MERO_OPENCL < 210
-/// Where a device is on the bus. Until OpenCL 2.0.
+/// The place of a device on the bus. Until OpenCL 2.0.
 namespace cl_amd_device_topology {
 
+/// Whether the device lists the extension. Until OpenCL 2.0.
 VORN_MERO_EXPORT bool extension_available(device const& target);
 
-/// One byte; throws `common::bad_implementation` for a device that reports more.
+/// One byte. Throws if the device reports more: usually `common::invalid_value`, else `common::bad_implementation`.
+/// Until OpenCL 2.0.
 VORN_MERO_EXPORT std::uint8_t get_device_topology(device const& target);
 
 } // namespace cl_amd_device_topology
 #endif
 
 #if VORN_MERO_OPENCL >= 120
-/// Intermediate language before OpenCL 2.1; since then `context::create_program_from_il`. Since OpenCL 1.2.
+/// Programs from intermediate language before OpenCL 2.1; since then use `context::create_program_from_il`. Since
+/// OpenCL 1.2.
 namespace cl_khr_il_program {
 
+/// Whether the device lists the extension. Since OpenCL 1.2.
 VORN_MERO_EXPORT bool extension_available(device const& target);
 
-/// A program from `length` bytes of intermediate language at `il`, which OpenCL copies; it must be built before it has
-/// kernels. Throws as `context::create_program_from_il`.
+/// A program from `length` bytes of intermediate language at `il`. OpenCL copies them. The program must be built before
+/// it has kernels. Throws `common::invalid_operation` if no device accepts intermediate language,
+/// `common::invalid_value` for bytes that are none. Since OpenCL 1.2.
 VORN_MERO_EXPORT program create_program_with_il(context const& owner, void const* il, std::size_t length);
 
-/// "SPIR-V_1.2" and the like; none where the device takes no intermediate language.
+/// The accepted intermediate languages, such as "SPIR-V_1.2"; empty if the device accepts none. Since OpenCL 1.2.
 VORN_MERO_EXPORT std::vector<std::string> get_supported_il_versions(device const& target);
 
-/// The program's intermediate language without its last byte; since OpenCL 2.1 `program::il` gives it whole. Empty for
-/// a program that was not made from any.
+/// The program's intermediate language without its last byte; since OpenCL 2.1 `program::il` returns all of it. Empty
+/// for a program from anything else. Since OpenCL 1.2.
 VORN_MERO_EXPORT std::string get_program_il(program const& source);
 
 } // namespace cl_khr_il_program
 
-/// Programs from LLVM's SPIR, given as binaries and built with `-x spir`. Since OpenCL 1.2.
+/// Programs from SPIR, LLVM's bitcode: create them from binaries and build them with `-x spir`. Since OpenCL 1.2.
 namespace cl_khr_spir {
 
+/// Whether the device lists the extension. Since OpenCL 1.2.
 VORN_MERO_EXPORT bool extension_available(device const& target);
 
-/// "1.2" and the like.
+/// The accepted versions of SPIR, such as "1.2". Since OpenCL 1.2.
 VORN_MERO_EXPORT std::vector<std::string> get_device_spir_versions(device const& target);
 
-/// Whether a type that `program::binary_type` gave is SPIR, to be compiled for the device yet. Makes no call.
+/// Whether a result of `program::binary_type` means SPIR, not yet compiled for the device. Makes no call. Since
+/// OpenCL 1.2.
 VORN_MERO_EXPORT bool is_binary_type_intermediate(program_binary_type type);
 
 } // namespace cl_khr_spir
 #endif
 
 #if VORN_MERO_OPENCL >= 120 && VORN_MERO_OPENCL < 210
-/// Sub-groups before OpenCL 2.1; since then members of `kernel`. In OpenCL 1.2 and 2.0.
+/// Sub-groups before OpenCL 2.1; since then use the members of `kernel`. In OpenCL 1.2 and 2.0 only.
 namespace cl_intel_subgroups {
 
+/// Whether the device lists the extension. In OpenCL 1.2 and 2.0 only.
 VORN_MERO_EXPORT bool extension_available(device const& target);
 
-// What a launch with the given local size makes of sub-groups: the work-items of the largest, and their number in a
-// work-group.
+/// The work-items in the largest sub-group of a launch with this local size, in one dimension. In OpenCL 1.2 and 2.0
+/// only.
 VORN_MERO_EXPORT std::uint64_t get_max_sub_group_size_for_nd_range(kernel const& function, device const& target,
                                                                    std::array<std::size_t, 1> const& local_size);
+/// The same in two dimensions. In OpenCL 1.2 and 2.0 only.
 VORN_MERO_EXPORT std::uint64_t get_max_sub_group_size_for_nd_range(kernel const& function, device const& target,
                                                                    std::array<std::size_t, 2> const& local_size);
+/// The same in three dimensions. In OpenCL 1.2 and 2.0 only.
 VORN_MERO_EXPORT std::uint64_t get_max_sub_group_size_for_nd_range(kernel const& function, device const& target,
                                                                    std::array<std::size_t, 3> const& local_size);
+
+/// The sub-groups in each work-group of a launch with this local size, in one dimension. In OpenCL 1.2 and 2.0 only.
 VORN_MERO_EXPORT std::uint64_t get_sub_group_count_for_nd_range(kernel const& function, device const& target,
                                                                 std::array<std::size_t, 1> const& local_size);
+/// The same in two dimensions. In OpenCL 1.2 and 2.0 only.
 VORN_MERO_EXPORT std::uint64_t get_sub_group_count_for_nd_range(kernel const& function, device const& target,
                                                                 std::array<std::size_t, 2> const& local_size);
+/// The same in three dimensions. In OpenCL 1.2 and 2.0 only.
 VORN_MERO_EXPORT std::uint64_t get_sub_group_count_for_nd_range(kernel const& function, device const& target,
                                                                 std::array<std::size_t, 3> const& local_size);
 
@@ -150,53 +180,62 @@ VORN_MERO_EXPORT std::uint64_t get_sub_group_count_for_nd_range(kernel const& fu
 #endif
 
 #if VORN_MERO_OPENCL >= 200 && VORN_MERO_OPENCL < 210
-/// Sub-groups before OpenCL 2.1; since then members of `kernel`. In OpenCL 2.0 only.
+/// Sub-groups before OpenCL 2.1; since then use the members of `kernel`. In OpenCL 2.0 only.
 namespace cl_khr_sub_groups {
 
+/// Whether the device lists the extension. In OpenCL 2.0 only.
 VORN_MERO_EXPORT bool extension_available(device const& target);
 
-// What a launch with the given local size makes of sub-groups: the work-items of the largest, and their number in a
-// work-group.
+/// The work-items in the largest sub-group of a launch with this local size, in one dimension. In OpenCL 2.0 only.
 VORN_MERO_EXPORT std::uint64_t get_max_sub_group_size_for_nd_range(kernel const& function, device const& target,
                                                                    std::array<std::size_t, 1> const& local_size);
+/// The same in two dimensions. In OpenCL 2.0 only.
 VORN_MERO_EXPORT std::uint64_t get_max_sub_group_size_for_nd_range(kernel const& function, device const& target,
                                                                    std::array<std::size_t, 2> const& local_size);
+/// The same in three dimensions. In OpenCL 2.0 only.
 VORN_MERO_EXPORT std::uint64_t get_max_sub_group_size_for_nd_range(kernel const& function, device const& target,
                                                                    std::array<std::size_t, 3> const& local_size);
+
+/// The sub-groups in each work-group of a launch with this local size, in one dimension. In OpenCL 2.0 only.
 VORN_MERO_EXPORT std::uint64_t get_sub_group_count_for_nd_range(kernel const& function, device const& target,
                                                                 std::array<std::size_t, 1> const& local_size);
+/// The same in two dimensions. In OpenCL 2.0 only.
 VORN_MERO_EXPORT std::uint64_t get_sub_group_count_for_nd_range(kernel const& function, device const& target,
                                                                 std::array<std::size_t, 2> const& local_size);
+/// The same in three dimensions. In OpenCL 2.0 only.
 VORN_MERO_EXPORT std::uint64_t get_sub_group_count_for_nd_range(kernel const& function, device const& target,
                                                                 std::array<std::size_t, 3> const& local_size);
 
 } // namespace cl_khr_sub_groups
 
-/// Ending all commands of a context at once. In OpenCL 2.0 only.
+/// Terminates all commands of a context at once. In OpenCL 2.0 only.
 namespace cl_khr_terminate_context {
 
+/// Whether the device lists the extension. In OpenCL 2.0 only.
 VORN_MERO_EXPORT bool extension_available(device const& target);
 
-/// Ends every command of the context that is not complete; nothing can be enqueued in it any more. Throws
-/// `common::invalid_operation` when the context was ended before or a device of it cannot do so.
+/// Terminates every command of the context that is not complete. Nothing can be enqueued in it any more. Throws
+/// `common::invalid_operation` if the context was terminated before or one of its devices does not support it. In
+/// OpenCL 2.0 only.
 VORN_MERO_EXPORT void terminate(context const& owner);
 
-/// Whether contexts of the device can be ended.
+/// Whether contexts of the device can be terminated. In OpenCL 2.0 only.
 VORN_MERO_EXPORT bool is_terminate_supported(device const& target);
 
-/// Whether a status that a callback was given, or `event::execution_status` gave, is that of a command ended so. Makes
-/// no call.
+/// Whether the status in a callback, or of `event::execution_status`, is that of a terminated command. Makes no call.
+/// In OpenCL 2.0 only.
 VORN_MERO_EXPORT bool is_execution_status_terminated(event_execution_status status);
 
-/// As `event::set_callback`, for the end by `terminate`.
+/// As `event::set_callback`, for a command that `terminate` terminates. In OpenCL 2.0 only.
 VORN_MERO_EXPORT void set_event_terminated_callback(event& target, void (*callback)(_nq_cl_event*, int, void*),
                                                     void* user_data);
 
 } // namespace cl_khr_terminate_context
 
-/// Local and private memory that is zero when a kernel starts, by a property of the context. In OpenCL 2.0 only.
+/// Local and private memory that is zero when a kernel starts, through a property of the context. In OpenCL 2.0 only.
 namespace cl_khr_initialize_memory {
 
+/// Whether the device lists the extension. In OpenCL 2.0 only.
 VORN_MERO_EXPORT bool extension_available(device const& target);
 
 } // namespace cl_khr_initialize_memory
@@ -206,8 +245,8 @@ VORN_MERO_EXPORT bool extension_available(device const& target);
 
 namespace vorn::mero::internal {
 
-/// Whether a device lists an extension, without regard to case. An entry that is a prefix of the name counts as the
-/// name; the empty name matches nothing. Two calls.
+/// Whether a device lists an extension. Ignores case. An entry that is a prefix of the name also matches; the empty
+/// name matches nothing. Two calls.
 VORN_MERO_EXPORT bool extension_supported(VORN_MERO_NAMESPACE::device const& target, std::string const& name);
 
 } // namespace vorn::mero::internal

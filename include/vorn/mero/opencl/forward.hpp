@@ -1,5 +1,5 @@
-// The names of a version's classes, and the tags of their constructors. `owner` is instantiated in the library for each
-// kind: programs link to its members, and compile none of them.
+// The names of a version's classes, and the tags of their constructors. The library instantiates `owner` for each kind;
+// programs link to its members.
 #ifndef VORN_MERO_OPENCL
 #include <vorn/mero/opencl/standalone.hpp>
 #endif
@@ -44,15 +44,16 @@ class pipe;
 
 namespace internal {
 
-/// Tag: the caller keeps its reference, the new object retains (one call).
+/// Tag of a constructor that retains: the caller keeps its own reference. One call.
 ///
 ///     cl::event shared(call_handle, raw_event, cl::internal::create_reference{});
 struct create_reference {};
 
-/// Tag: the caller hands over a reference that it holds, such as one that a create function of the C API gave; no call.
+/// Tag of a constructor that adopts: the caller hands over its reference, such as that of a C API create function. No
+/// call.
 struct take_ownership {};
 
-/// What the classes of an OpenCL version tell `vorn::mero::internal::owner` of themselves.
+/// The types that `vorn::mero::internal::owner` needs of a class: raw handle and constructor tags.
 template <class Raw>
 struct kind {
     using raw_type = Raw;

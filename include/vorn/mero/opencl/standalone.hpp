@@ -1,7 +1,7 @@
 #pragma once
 
-// Lets an editor or a documentation tool read one of the bodies beside this file alone, as of the newest version.
-// Programs include <vorn/mero/opencl_1_2.hpp> or one of its siblings instead: a body after one of those is refused.
+// Lets editors and documentation tools read a header of this folder by itself, as of the newest version. Programs
+// include <vorn/mero/opencl_1_2.hpp> or a sibling instead; after one of those, this is an error.
 
 #include <vorn/mero/internal/part_alone.hpp>
 #include <vorn/mero/opencl/dependencies.hpp>

@@ -1,7 +1,6 @@
-// Reads the bodies beside this file once, for the version that the macros name; each namespace has a header that does
-// so: <vorn/mero/opencl_1_2.hpp> and its siblings, which programs include. The order matters only in that forward.hpp
-// and types.hpp come first, and the bases before what derives from them.
-#define VORN_MERO_WHOLE_VERSION // a part of it must not be read again, see standalone.hpp
+// Reads the headers of this folder once, for the version in the macros. <vorn/mero/opencl_1_2.hpp> and its siblings
+// include it. forward.hpp and types.hpp must come first, and bases before derived classes.
+#define VORN_MERO_WHOLE_VERSION // makes a header of this folder by itself an error, see standalone.hpp
 
 #include <vorn/mero/opencl/forward.hpp>
 #include <vorn/mero/opencl/types.hpp>
