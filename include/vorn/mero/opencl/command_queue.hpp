@@ -23,7 +23,7 @@ namespace vorn::mero::VORN_MERO_NAMESPACE {
 ///
 /// If enqueueing throws, nothing has been enqueued. Several threads may enqueue to one queue as far as the OpenCL
 /// implementation allows. Destroying the last queue object flushes but does not wait: call `finish` before you free
-/// host memory that commands use.
+/// host memory that commands use. Until OpenCL 1.2.
 class VORN_MERO_EXPORT command_queue : public mero::internal::handle<internal::command_queue_kind> {
 public:
     using handle::handle;

@@ -1,6 +1,6 @@
-// The commands on images. An origin is column, row and slice, a region width, height and depth, all in pixels; a
-// dimension that the image lacks has origin 0 and region 1, and in an array the number of the image takes its place:
-// {column, image, 0} in one of one-dimensional images, {column, row, image} in one of two-dimensional ones.
+// Commands on images. An origin is {column, row, slice}, a region {width, height, depth}, all in pixels. A dimension
+// that the image lacks has origin 0 and region 1. In an array the image's number comes after the last dimension:
+// {column, image, 0} for one-dimensional images, {column, row, image} for two-dimensional ones.
 #ifndef VORN_MERO_OPENCL
 #include <vorn/mero/opencl/standalone.hpp>
 
@@ -12,20 +12,19 @@
 
 namespace vorn::mero::VORN_MERO_NAMESPACE {
 
-/// Copies a box from an image to the host.
+/// Copies a box from an image to the host. A box is given by its origin and region, see `image`.
 ///
 ///     std::vector<std::uint32_t> pixels(640 * 480); // of an image of four channels of 8 bits
 ///     queue.enqueue_command_without_event(
 ///         cl::read_image(image, true, {0, 0, 0}, {640, 480, 1}, 0, 0, pixels.data()));
 ///
-/// The pitches are those of the host's memory, in bytes from row to row and from slice to slice; 0 means tightly
-/// packed.
+/// Pitches are those of the host's memory, in bytes from row to row and from slice to slice; 0 means tightly packed.
 class VORN_MERO_EXPORT read_image : public command {
 public:
-    /// The box `region` at `origin`. A `blocking` command is complete when it has been enqueued; otherwise
-    /// `destination` must live, and not be touched, until the event is complete. Throws `common::invalid_value` when
-    /// the box leaves the image or a pitch is too small, `common::invalid_operation` when the image's flags keep the
-    /// host from reading or the device has no images.
+    /// If `blocking`, enqueueing returns when the copy is complete. Otherwise `destination` must live, and the program
+    /// must not use it, until the event is complete. Enqueueing throws `common::invalid_value` for a box outside the
+    /// image or a pitch too small, `common::invalid_operation` if the image's flags forbid the host to read or the
+    /// device has no images.
     read_image(image const& source, bool blocking, std::array<std::size_t, 3> origin, std::array<std::size_t, 3> region,
                std::size_t row_pitch, std::size_t slice_pitch, void* destination);
     void call(nq::call_handle const& handle, _nq_cl_command_queue* queue, unsigned int num_events_in_wait_list,
@@ -41,11 +40,11 @@ private:
     void* destination_;
 };
 
-/// Copies a box from the host to an image; the pitches are as in `read_image`.
+/// Copies a box from the host to an image. Pitches are as in `read_image`.
 class VORN_MERO_EXPORT write_image : public command {
 public:
-    /// The box `region` at `origin`. A `blocking` command lets go of `source` when it has been enqueued; otherwise
-    /// `source` must stay as it is until the event is complete. Throws as `read_image`.
+    /// If `blocking`, the program may change `source` when enqueueing returns; otherwise only when the event is
+    /// complete. Throws as `read_image`.
     write_image(image& destination, bool blocking, std::array<std::size_t, 3> origin, std::array<std::size_t, 3> region,
                 std::size_t input_row_pitch, std::size_t input_slice_pitch, void const* source);
     void call(nq::call_handle const& handle, _nq_cl_command_queue* queue, unsigned int num_events_in_wait_list,
@@ -61,13 +60,12 @@ private:
     void const* source_;
 };
 
-/// Copies a box between images of the same format, which may be of different shapes: a slice of a three-dimensional
-/// image into a two-dimensional one.
+/// Copies a box between images of the same format. Their shapes may differ, for instance to copy a slice of a
+/// three-dimensional image to a two-dimensional one.
 class VORN_MERO_EXPORT copy_image : public command {
 public:
-    /// The box `region`. Throws `common::image_format_mismatch` when enqueued with images of two formats,
-    /// `common::mem_copy_overlap` where the boxes of one image overlap, `common::invalid_value` where they leave an
-    /// image.
+    /// Enqueueing throws `common::image_format_mismatch` if the formats differ, `common::mem_copy_overlap` if the boxes
+    /// overlap in one image, `common::invalid_value` for a box outside its image.
     copy_image(image const& source, image& destination, std::array<std::size_t, 3> source_origin,
                std::array<std::size_t, 3> destination_origin, std::array<std::size_t, 3> region);
     void call(nq::call_handle const& handle, _nq_cl_command_queue* queue, unsigned int num_events_in_wait_list,
@@ -81,10 +79,10 @@ private:
     std::array<std::size_t, 3> region_;
 };
 
-/// Copies a box of an image into a buffer, tightly packed: the product of the region and `image::element_size` bytes.
+/// Copies a box of an image to a buffer, tightly packed: the pixels of the region times `image::element_size` bytes.
 class VORN_MERO_EXPORT copy_image_to_buffer : public command {
 public:
-    /// `destination_offset` is in bytes. Throws `common::invalid_value` when box or bytes leave their object.
+    /// `destination_offset` is in bytes. Enqueueing throws `common::invalid_value` for a region outside its object.
     copy_image_to_buffer(image const& source, buffer& destination, std::array<std::size_t, 3> source_origin,
                          std::array<std::size_t, 3> region, std::size_t destination_offset);
     void call(nq::call_handle const& handle, _nq_cl_command_queue* queue, unsigned int num_events_in_wait_list,
@@ -98,11 +96,11 @@ private:
     std::size_t destination_offset_;
 };
 
-/// Copies tightly packed elements of a buffer into a box of an image: the product of the region and
+/// Copies tightly packed pixels from a buffer to a box of an image: the pixels of the region times
 /// `image::element_size` bytes.
 class VORN_MERO_EXPORT copy_buffer_to_image : public command {
 public:
-    /// `source_offset` is in bytes. Throws `common::invalid_value` when bytes or box leave their object.
+    /// `source_offset` is in bytes. Enqueueing throws `common::invalid_value` for a region outside its object.
     copy_buffer_to_image(buffer const& source, image& destination, std::size_t source_offset,
                          std::array<std::size_t, 3> destination_origin, std::array<std::size_t, 3> region);
     void call(nq::call_handle const& handle, _nq_cl_command_queue* queue, unsigned int num_events_in_wait_list,
@@ -124,13 +122,13 @@ private:
 ///                                                       {640, 480, 1}, row_pitch, slice_pitch));
 ///     auto const* third_row = static_cast<unsigned char const*>(mapped) + 2 * row_pitch;
 ///
-/// Each enqueueing has OpenCL write the pitches of the mapping, in bytes, into `row_pitch` and `slice_pitch`, and when
-/// it succeeds stores the address in `mapped`; one that fails leaves `mapped` alone. All three must live until then.
-/// Not every implementation writes the slice pitch of an image without slices. `unmap_mem_object` ends the mapping.
+/// Enqueueing stores the address in `mapped`, and the pitches in bytes in `row_pitch` and `slice_pitch`; all three must
+/// live until then. If it throws, `mapped` is unchanged. Some implementations do not write a pitch that the image does
+/// not need. End each mapping with an `unmap_mem_object`.
 class VORN_MERO_EXPORT map_image : public command {
 public:
-    /// The box `region` at `origin`. Unless `blocking`, the memory may be used only once the event is complete. Throws
-    /// `common::map_failure` when the box cannot be mapped, `common::invalid_value` for one that leaves the image.
+    /// Unless `blocking`, the host may use the memory when the event is complete. Enqueueing throws
+    /// `common::map_failure` if the box cannot be mapped, `common::invalid_value` for a box outside the image.
     map_image(void*& mapped, image& source, bool blocking, map_flags flags, std::array<std::size_t, 3> origin,
               std::array<std::size_t, 3> region, std::size_t& row_pitch, std::size_t& slice_pitch);
     void call(nq::call_handle const& handle, _nq_cl_command_queue* queue, unsigned int num_events_in_wait_list,
@@ -148,16 +146,16 @@ private:
 };
 
 #if VORN_MERO_OPENCL >= 120
-/// Fills a box of an image with a colour that the caller keeps until each enqueueing returns: four values of 32 bits,
-/// floating-point, signed or unsigned as the format of the image demands. Since OpenCL 1.2.
+/// Fills a box of an image with a color that the caller owns: it must be there at each enqueueing. The color is four
+/// values of 32 bits: floating-point, signed or unsigned, as the image's format requires. Since OpenCL 1.2.
 class VORN_MERO_EXPORT fill_image_base : public command {
 public:
-    /// Fills the box `region` at `origin`. The colour is red, green, blue and alpha whatever the order of the channels;
-    /// of a depth image it is one floating-point value.
+    /// The color is red, green, blue and alpha in this order, whatever the order of the channels. For a depth image it
+    /// is one floating-point value.
     fill_image_base(image& destination, void const* fill_color, std::array<std::size_t, 3> origin,
                     std::array<std::size_t, 3> region);
 
-    /// Lets later enqueueings read the colour elsewhere. Not while another thread enqueues this object.
+    /// Sets the address of the color for later enqueueings. Must not run while another thread enqueues this object.
     void update_fill_color_pointer(void const* fill_color) noexcept { fill_color_ = fill_color; }
 
     void call(nq::call_handle const& handle, _nq_cl_command_queue* queue, unsigned int num_events_in_wait_list,
@@ -170,8 +168,8 @@ private:
     std::array<std::size_t, 3> region_;
 };
 
-/// Fills a box of an image with a colour that the command keeps, of channels of type `float` (normalized and
-/// floating-point formats), `std::int32_t` (signed) or `std::uint32_t` (unsigned). Since OpenCL 1.2.
+/// Fills a box of an image with a color that the command holds. `Channel` is `float` for normalized and floating-point
+/// formats, `std::int32_t` for signed and `std::uint32_t` for unsigned ones. Since OpenCL 1.2.
 ///
 ///     std::array<float, 4> const orange{1.0F, 0.5F, 0.0F, 1.0F};
 ///     queue.enqueue_command_without_event(cl::fill_image<float>(image, orange, {0, 0, 0}, {640, 480, 1}));
@@ -179,6 +177,7 @@ template <class Channel>
 class fill_image : public mero::internal::kept_pattern<fill_image_base, std::array<Channel, 4>,
                                                        &fill_image_base::update_fill_color_pointer> {
 public:
+    /// The color is red, green, blue and alpha, in this order.
     fill_image(image& destination, std::array<Channel, 4> color, std::array<std::size_t, 3> origin,
                std::array<std::size_t, 3> region)
         : fill_image::kept_pattern(color, destination, nullptr, origin, region) {}
