@@ -1,33 +1,76 @@
-// Compares the library over the bridge with the C API called directly, operation by operation, on the first device of
-// PoCL, or of the platform whose name contains the text of BENCH_PLATFORM. Prints for each the medians in nanoseconds
-// and of the ratio; takes the arguments of Google Benchmark.
+// Compares the library with the C API and with the other C++ interfaces to OpenCL, operation by operation, on the first
+// device of PoCL, or else of any platform; BENCH_PLATFORM is a part of the name of another.
+//
+//   mero_bench time [OPERATION]     how long an operation takes beside the C API
+//   mero_bench count [OPERATION]    how many calls and allocations it makes, and under callgrind a dump of it
+//
+// The scripts bench and bench-instructions run it and make tables of what it prints.
 
+#include "count.hpp"
 #include "operations.hpp"
+#include "time.hpp"
 
-#include <benchmark/benchmark.h>
 #include <cstdio>
 #include <cstdlib>
+#include <string_view>
+
+namespace {
+
+std::string name_of(cl_platform_id platform) {
+    std::size_t size = 0;
+    clGetPlatformInfo(platform, CL_PLATFORM_NAME, 0, nullptr, &size);
+    std::string name(size, '\0');
+    clGetPlatformInfo(platform, CL_PLATFORM_NAME, size, name.data(), nullptr);
+    return name.c_str();
+}
+
+cl_device_id find_device(char const* platform_name) {
+    cl_uint count = 0;
+    clGetPlatformIDs(0, nullptr, &count);
+    std::vector<cl_platform_id> platforms(count);
+    clGetPlatformIDs(count, platforms.data(), nullptr);
+    cl_device_id found = nullptr;
+    for (cl_platform_id const platform : platforms) {
+        bool const wanted = name_of(platform).find(platform_name) != std::string::npos;
+        if (found == nullptr && wanted) {
+            clGetDeviceIDs(platform, CL_DEVICE_TYPE_ALL, 1, &found, nullptr);
+        }
+    }
+    return found;
+}
+
+cl_device_id choose_device() {
+    if (char const* const wanted = std::getenv("BENCH_PLATFORM"); wanted != nullptr) {
+        return find_device(wanted);
+    }
+    cl_device_id const pocl = find_device("Portable Computing Language");
+    return pocl != nullptr ? pocl : find_device("");
+}
+
+} // namespace
 
 int main(int count, char** arguments) {
-    char const* const named = std::getenv("BENCH_PLATFORM");
-    std::string const platform = named != nullptr ? named : "Portable Computing Language";
-    benchmark::Initialize(&count, arguments);
-    for (auto const& device : bench::mero::get_all_devices()) {
-        if (device.get_platform().name().find(platform) == std::string::npos) {
-            continue;
-        }
-        std::printf("%s: %s\n", device.get_platform().name().c_str(), device.name().c_str());
-        bench::fixture on(device);
-        bench::compare_basics(on);
-        bench::compare_buffer_commands(on);
-        bench::compare_image_commands(on);
-        bench::compare_kernel_commands(on);
-        bench::compare_shared_memory_commands(on);
-        bench::compare_tasks(on);
-        benchmark::RunSpecifiedBenchmarks();
-        return EXIT_SUCCESS;
+    cl_device_id const device = choose_device();
+    if (device == nullptr) {
+        std::fprintf(stderr, "There is no such OpenCL device.\n");
+        return EXIT_FAILURE;
     }
-    std::fprintf(stderr, "No device of OpenCL 2.1 on a platform named \"%s\"; NQ_BRIDGE_VERBOSE=1 says more.\n",
-                 platform.c_str());
-    return EXIT_FAILURE;
+    std::vector<bench::contender> const contenders{bench::c_api(device), bench::library(device),
+                                                   bench::khronos_bindings(device), bench::boost_compute(device)};
+    for (bench::contender const& each : contenders) {
+        if (!each.missing.empty()) {
+            std::printf("# %s: %s\n", each.name.c_str(), each.missing.c_str());
+        }
+    }
+    std::string_view const mode = count > 1 ? arguments[1] : "";
+    std::string_view const operation = count > 2 ? arguments[2] : "";
+    if (mode == "count") {
+        bench::count(contenders, operation);
+    } else if (mode == "time") {
+        bench::time(contenders, operation);
+    } else {
+        std::fprintf(stderr, "usage: %s time|count [OPERATION]\n", arguments[0]);
+        return EXIT_FAILURE;
+    }
+    return EXIT_SUCCESS;
 }
