@@ -3,25 +3,33 @@
 namespace nq::bridge {
 namespace {
 
-std::atomic<nq_call_handle*> newest = nullptr;
+constexpr std::uint64_t one_opening = std::uint64_t{1} << 32U;
 
 } // namespace
 
-nq_call_handle* open(platform const& owner, cl_device_id device, nq::capability version) {
-    auto const commands = commands_of(version);
-    auto* const handle = new nq_call_handle{
-        handle_state::open, static_cast<std::uint32_t>(commands.size()), commands.data(), &owner, device, newest};
-    while (!newest.compare_exchange_weak(handle->next, handle)) {
+std::unique_ptr<nq_call_handle[]> make_call_handles(platform const& owner, cl_device_id device) {
+    auto made = std::make_unique<nq_call_handle[]>(version_count);
+    for (std::size_t i = 0; i < version_count; ++i) {
+        auto const commands = commands_of(nq::capability{i + 1});
+        made[i].commands = commands.data();
+        made[i].command_count = static_cast<std::uint32_t>(commands.size());
+        made[i].owner = &owner;
+        made[i].device = device;
     }
-    return handle;
+    return made;
 }
 
-void lose_handles() noexcept {
-    for (nq_call_handle* handle = newest; handle != nullptr; handle = handle->next) {
-        auto expected = handle_state::open;
-        if (!handle->owner->survives_fork) {
-            handle->state.compare_exchange_strong(expected, handle_state::lost_in_fork);
-        }
+void open(nq_call_handle& handle) noexcept {
+    std::uint64_t state = handle.state;
+    while (!handle.state.compare_exchange_weak(state,
+                                               state != 0 ? state + one_opening : one_opening + handle.command_count)) {
+    }
+}
+
+void close(nq_call_handle& handle) noexcept {
+    std::uint64_t state = handle.state;
+    while (state != 0 &&
+           !handle.state.compare_exchange_weak(state, state >= 2 * one_opening ? state - one_opening : 0)) {
     }
 }
 

@@ -7,29 +7,29 @@
 
 #include <atomic>
 #include <cstdint>
+#include <memory>
 
-namespace nq::bridge {
-
-enum class handle_state : std::uint32_t { closed, open, lost_in_fork };
-
-} // namespace nq::bridge
-
-/// Its memory is never given back, so that a closed handle can be told from an open one for ever.
+/// One OpenCL version of one device. There is a single one of each, in memory that is never given back: whoever opens
+/// it gets the same address, and a call on a closed one can always be told and refused.
 struct nq_call_handle {
-    std::atomic<nq::bridge::handle_state> state;
-    std::uint32_t command_count;
+    // How often it is open in the upper half, the number of its commands in the lower half; 0 while it is closed.
+    std::atomic<std::uint64_t> state;
     nq::bridge::thunk const* commands; // by id - 1
     nq::bridge::platform const* owner;
     cl_device_id device;
-    nq_call_handle* next;
+    std::uint32_t command_count;
 };
 
 namespace nq::bridge {
 
-/// A new open handle.
-nq_call_handle* open(platform const& owner, cl_device_id device, nq::capability version);
+/// The call handles of a device, one for each version in the order of `nq::capability`, all of them closed.
+std::unique_ptr<nq_call_handle[]> make_call_handles(platform const& owner, cl_device_id device);
 
-/// In a forked child: gives up the handles whose implementation does not work there.
-void lose_handles() noexcept;
+// Opening and closing take no lock, so that a fork in between leaves nothing behind.
+
+void open(nq_call_handle& handle) noexcept;
+
+/// Takes one opening away; does nothing to a closed handle.
+void close(nq_call_handle& handle) noexcept;
 
 } // namespace nq::bridge

@@ -1,13 +1,11 @@
 #include "discovery.hpp"
 
-#include "call_handle.hpp"
 #include "diagnosis.hpp"
 #include "guards.hpp"
 #include "loader.hpp"
 
 #include <algorithm>
 #include <atomic>
-#include <memory>
 #include <mutex>
 #include <pthread.h>
 
@@ -27,9 +25,13 @@ std::recursive_mutex& asking() {
 void before_fork() { asking().lock(); }
 void after_fork_in_parent() { asking().unlock(); }
 void after_fork_in_child() {
-    if (known != nullptr) {
+    if (machine const* const found = known; found != nullptr) {
         forked = true;
-        lose_handles();
+        for (root_device const& device : found->devices) {
+            for (std::size_t i = 0; i < version_count && !device.owner->survives_fork; ++i) {
+                device.handles[i].state = 0;
+            }
+        }
     }
     asking().unlock();
 }
@@ -74,7 +76,7 @@ void add_platform(machine& made, cl_platform_id id) {
     platform& owner = made.platforms.emplace_back(describe(id));
     for (cl_device_id const device : list_devices(owner)) {
         auto const version = parse_version(info_text(loaded().clGetDeviceInfo, device, CL_DEVICE_VERSION));
-        made.devices.push_back({device, &owner, version});
+        made.devices.push_back({device, &owner, version, make_call_handles(owner, device)});
         owner.survives_fork = owner.survives_fork && device_survives_fork(owner.name, device);
     }
 }

@@ -2,9 +2,10 @@
 
 // The devices of the machine. They are asked for once; what was found stays for the life of the process.
 
-#include "platform.hpp"
+#include "call_handle.hpp"
 
 #include <deque>
+#include <memory>
 #include <vector>
 
 namespace nq::bridge {
@@ -13,6 +14,7 @@ struct root_device {
     cl_device_id id;
     platform const* owner;
     version_number version;
+    std::unique_ptr<nq_call_handle[]> handles; // by version
 };
 
 struct machine {

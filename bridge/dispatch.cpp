@@ -35,9 +35,9 @@ struct table_of<command_list<Blocks...>> {
 template <nq::capability Version>
 constexpr std::span<thunk const> table = table_of<nq::commands<Version>>::thunks;
 
-constexpr std::array tables{table<capability::opencl_1_0>, table<capability::opencl_1_1>,
-                            table<capability::opencl_1_2>, table<capability::opencl_2_0>,
-                            table<capability::opencl_2_1>, table<capability::opencl_2_2>};
+constexpr std::array<std::span<thunk const>, version_count> tables{
+    table<capability::opencl_1_0>, table<capability::opencl_1_1>, table<capability::opencl_1_2>,
+    table<capability::opencl_2_0>, table<capability::opencl_2_1>, table<capability::opencl_2_2>};
 
 } // namespace
 

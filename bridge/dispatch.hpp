@@ -4,12 +4,16 @@
 
 #include <nq/types.hpp>
 
+#include <cstddef>
 #include <span>
 
 namespace nq::bridge {
 
 /// Performs one entry point on its argument block; returns what `nq_call_capability` returns.
 using thunk = int (*)(nq_call_handle const&, void* block);
+
+/// The OpenCL versions that `nq::capability` counts from 1.
+inline constexpr std::size_t version_count = 6;
 
 /// Empty for a version that does not exist.
 std::span<thunk const> commands_of(nq::capability version) noexcept;

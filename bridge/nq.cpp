@@ -12,7 +12,7 @@ namespace nq::bridge {
 namespace {
 
 version_number required_version(nq::capability version) noexcept {
-    constexpr std::array<version_number, 6> versions{100, 101, 102, 200, 201, 202};
+    constexpr std::array<version_number, version_count> versions{100, 101, 102, 200, 201, 202};
     auto const index = static_cast<std::uint64_t>(version) - 1;
     return index < versions.size() ? versions[index] : 0;
 }
@@ -55,22 +55,32 @@ int list_nodes(nq::device number, nq::capability version, std::uint64_t capacity
     return device != nullptr ? result : nq::result::unrecoverable;
 }
 
+// The platform is gone in this process, which was forked off the one that found it.
+bool lost_in_fork(platform const& owner) noexcept { return forked_after_discovery() && !owner.survives_fork; }
+
 int open_node(nq::capability_node node, nq_call_handle** handle) {
     root_device const* const device = find_device(node.first);
     nq::capability const version{node.second};
     if (handle == nullptr || device == nullptr || !offers(*device, version)) {
         return nq::result::unrecoverable;
     }
-    if (forked_after_discovery() && !device->owner->survives_fork) {
+    if (lost_in_fork(*device->owner)) {
         explain_fork(*device->owner);
         return nq::result::unrecoverable;
     }
-    *handle = open(*device->owner, device->id, version);
+    *handle = &device->handles[node.second - 1];
+    open(**handle);
     return nq::result::success;
 }
 
-[[gnu::cold, gnu::noinline]] int refuse_call(nq_call_handle const* handle) noexcept {
-    if (handle != nullptr && handle->state == handle_state::lost_in_fork) {
+[[gnu::cold, gnu::noinline]] int refuse_call(nq_call_handle const* handle, void const* block) noexcept {
+    if (handle == nullptr || block == nullptr) {
+        return nq::result::unrecoverable;
+    }
+    if (handle->state != 0) {
+        return nq::result::invalid_command_id;
+    }
+    if (lost_in_fork(*handle->owner)) {
         explain_fork(*handle->owner);
     }
     return nq::result::unrecoverable;
@@ -110,18 +120,18 @@ NQ_EXPORT int nq_create_call_handle(nq::capability_node node, nq_call_handle** h
 
 NQ_EXPORT void nq_close_call_handle(nq_call_handle* handle) {
     if (handle != nullptr) {
-        handle->state = handle_state::closed;
+        nq::bridge::close(*handle);
     }
 }
 
 NQ_EXPORT int nq_call_capability(nq_call_handle* handle, std::uint32_t command_id, void* block, void*) {
-    if (handle == nullptr || block == nullptr || handle->state.load(std::memory_order_relaxed) != handle_state::open)
-        [[unlikely]] {
-        return refuse_call(handle);
+    if (handle == nullptr || block == nullptr) [[unlikely]] {
+        return refuse_call(handle, block);
     }
     std::uint32_t const index = command_id - 1;
-    if (index >= handle->command_count) [[unlikely]] {
-        return nq::result::invalid_command_id;
+    auto const count = static_cast<std::uint32_t>(handle->state.load(std::memory_order_relaxed));
+    if (index >= count) [[unlikely]] {
+        return refuse_call(handle, block);
     }
     return handle->commands[index](*handle, block);
 }

@@ -29,11 +29,12 @@ int nq_get_root_devices(std::uint64_t capacity, nq::device* devices, std::uint64
 int nq_find_capability_nodes(nq::device device, nq::capability capability, std::uint64_t capacity,
                              nq::capability_node* nodes, std::uint64_t* count, void* reserved);
 
-/// Opens a capability node and writes its call handle; to be closed with `nq_close_call_handle`. Each call opens
-/// another.
+/// Opens a capability node and writes its call handle. Each opening must be closed with `nq_close_call_handle`.
+/// Openings of one node may give the same call handle; it is closed when the last of them is closed.
 int nq_create_call_handle(nq::capability_node node, nq_call_handle** handle, void* reserved);
 
-/// Closes a call handle, once, after the last call on it; `nq::call_handle` does so.
+/// Closes one opening of a call handle, after the last call made through that opening; `nq::call_handle` does so. Null
+/// is allowed.
 void nq_close_call_handle(nq_call_handle* handle);
 
 /// Performs the entry point that a command id names in the numbering of the handle's OpenCL version (`nq::command_id`),

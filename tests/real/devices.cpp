@@ -156,6 +156,8 @@ SCENARIO(queries_device, "device queries", 100) {
     compare(b.device, NUMBER(max_work_item_sizes, MAX_WORK_ITEM_SIZES));
     expect_same("get_platform", ask_device(raw_of(b.device), CL_DEVICE_PLATFORM),
                 [&] { return raw_of(b.device.get_platform()); });
+    auto const found_again = Api::get_all_devices();
+    EXPECT_EQ(std::ranges::count(found_again, b.device), 1);
     if constexpr (Api::number >= 120) {
         EXPECT_TRUE(b.device.partition_type().empty());
         EXPECT_THROW(b.device.parent_device(), std::logic_error);
