@@ -146,16 +146,16 @@ private:
 };
 
 #if VORN_MERO_OPENCL >= 120
-/// Fills a box of an image with a color that the caller owns: it must be there at each enqueueing. The color is four
+/// Fills a box of an image with a colour that the caller owns: it must be there at each enqueueing. The colour is four
 /// values of 32 bits: floating-point, signed or unsigned, as the image's format requires. Since OpenCL 1.2.
 class VORN_MERO_EXPORT fill_image_base : public command {
 public:
-    /// The color is red, green, blue and alpha in this order, whatever the order of the channels. For a depth image it
+    /// The colour is red, green, blue and alpha in this order, whatever the order of the channels. For a depth image it
     /// is one floating-point value.
     fill_image_base(image& destination, void const* fill_color, std::array<std::size_t, 3> origin,
                     std::array<std::size_t, 3> region);
 
-    /// Sets the address of the color for later enqueueings. Must not run while another thread enqueues this object.
+    /// Sets the address of the colour for later enqueueings. Must not run while another thread enqueues this object.
     void update_fill_color_pointer(void const* fill_color) noexcept { fill_color_ = fill_color; }
 
     void call(nq::call_handle const& handle, _nq_cl_command_queue* queue, unsigned int num_events_in_wait_list,
@@ -168,7 +168,7 @@ private:
     std::array<std::size_t, 3> region_;
 };
 
-/// Fills a box of an image with a color that the command holds. `Channel` is `float` for normalized and floating-point
+/// Fills a box of an image with a colour that the command holds. `Channel` is `float` for normalized and floating-point
 /// formats, `std::int32_t` for signed and `std::uint32_t` for unsigned ones. Since OpenCL 1.2.
 ///
 ///     std::array<float, 4> const orange{1.0F, 0.5F, 0.0F, 1.0F};
@@ -177,7 +177,7 @@ template <class Channel>
 class fill_image : public mero::internal::kept_pattern<fill_image_base, std::array<Channel, 4>,
                                                        &fill_image_base::update_fill_color_pointer> {
 public:
-    /// The color is red, green, blue and alpha, in this order.
+    /// The colour is red, green, blue and alpha, in this order.
     fill_image(image& destination, std::array<Channel, 4> color, std::array<std::size_t, 3> origin,
                std::array<std::size_t, 3> region)
         : fill_image::kept_pattern(color, destination, nullptr, origin, region) {}

@@ -98,7 +98,7 @@ enum class sampler_filter_mode : std::uint32_t {
     linear = 0x1141,  ///< The weighted mean of the nearest 2, 4 or 8 pixels; not for integer formats.
 };
 
-/// The channels of a pixel and their order (`cl_channel_order`). A missing color reads as 0, a missing alpha as 1.
+/// The channels of a pixel and their order (`cl_channel_order`). A missing colour reads as 0, a missing alpha as 1.
 /// Every implementation with images has `rgba`; `context::image_2d_supported_formats` tells the rest.
 enum class image_channel_order : std::uint32_t {
     r = 0x10B0,
