@@ -1,19 +1,18 @@
 #pragma once
 
-// One argument block per entry point, named after it. A block is a plain record on the caller's stack: the caller fills
-// the inputs, hands its address to `nq_call_capability`, and finds the results in it afterwards. Offsets and sizes are
-// fixed and asserted beside each block; a block may be copied byte by byte.
+// One argument block per entry point, with its name. A block is a plain struct on the caller's stack: the caller fills
+// the inputs, passes its address to `nq_call_capability`, and then reads the results. Offsets and sizes are fixed and
+// asserted with each block. Blocks can be copied byte by byte.
 //
-// The fields bear the names of the entry point's parameters, and mean what they mean there: sizes in bytes, pointers to
-// the caller's memory, which must live as long as OpenCL says. Three more are results:
+// The fields have the names and the meaning of the entry point's parameters: sizes are in bytes, and pointers refer to
+// the caller's memory, which must live as long as OpenCL requires. Three more fields are results:
 //
-// - `result`: a handle, with a reference that is now the caller's, or a pointer; null or of no meaning after a failure.
-// - `error_code`: the status that came with a result.
-// - `status`: the OpenCL status of an entry point that returns one.
+// - `result`: a handle, whose reference the caller now owns, or a pointer. Null or meaningless after a failure.
+// - `error_code`: the status that comes with `result`.
+// - `status`: the OpenCL status of an entry point that returns only that.
 //
-// All hold a meaning only when the call itself returned `nq::result::success`. Where an entry point gives further
-// results through pointers (events, counts, sizes) the block holds those pointers, which may be null as they may be
-// there.
+// They are valid only if the call returned `nq::result::success`. Other results (events, counts, sizes) are written
+// through pointers in the block; these pointers may be null wherever OpenCL allows it.
 
 #include <nq/blocks/context.hpp>
 #include <nq/blocks/enqueue_buffer.hpp>

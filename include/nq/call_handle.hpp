@@ -6,8 +6,8 @@
 
 namespace nq {
 
-/// Shared owner of one opened capability node; the last copy closes it. Its identity is `get()`. Copies may be made and
-/// dropped on any thread. Null in an object that was moved from.
+/// Shared owner of one opened capability node: the last copy closes it. `get()` is its identity. Threads may copy and
+/// destroy copies freely. Null in an object that was moved from.
 using call_handle = std::shared_ptr<nq_call_handle>;
 
 } // namespace nq

@@ -1,7 +1,7 @@
 #pragma once
 
-// The command ids of every OpenCL version. A list names a version's entry points by their argument blocks, in the order
-// of their ids, the first being 1; an entry point that the version's list lacks has no id there.
+// The command ids of every OpenCL version. Each version has a list of argument blocks, one for each entry point, in the
+// order of their ids. The first id is 1.
 //
 //     nq::block::clFinish block{};
 //     block.command_queue = raw_queue;
@@ -18,20 +18,21 @@
 
 namespace nq {
 
-/// An ordered list of argument blocks; the id of a block is its position, counted from 1. The same entry point has
-/// another id in each version. A dispatch table is made by expanding the list:
+/// A list of argument blocks. The id of a block is its position, counted from 1; an entry point has different ids in
+/// different versions. To make a dispatch table, expand the list:
 ///
 ///     template <class... Blocks>
 ///     void fill(table& t, nq::command_list<Blocks...>) { (t.add<Blocks>(), ...); }
 template <class... Blocks>
 struct command_list {
+    /// The number of blocks, which is also the largest id.
     static constexpr std::uint32_t size = sizeof...(Blocks);
 
-    /// This list with more blocks behind it.
+    /// This list with more blocks at its end.
     template <class... More>
     using append = command_list<Blocks..., More...>;
 
-    /// The id of a block, 0 for one that the list lacks.
+    /// The id of a block, 0 if it is not in the list.
     template <class Block>
     static constexpr std::uint32_t id_of() {
         std::uint32_t id = 0;
@@ -41,7 +42,7 @@ struct command_list {
     }
 };
 
-// The order of each list is fixed: an id that changes is another wire.
+// The order of each list is fixed: other ids would be another wire.
 using opencl_1_0_commands = command_list<
     block::clBuildProgram, block::clCreateBuffer, block::clCreateCommandQueue, block::clCreateContext,
     block::clCreateContextFromType, block::clCreateImage2D, block::clCreateImage3D, block::clCreateKernelsInProgram,
@@ -188,7 +189,7 @@ using commands = typename detail::commands<Version>::type;
 template <capability Version, class Block>
 inline constexpr bool has_command = commands<Version>::template id_of<Block>() != 0;
 
-/// The command id of the entry point of a block in an OpenCL version; does not compile where the version lacks it.
+/// The command id of a block's entry point in an OpenCL version. Does not compile if the version lacks it.
 template <capability Version, class Block>
 inline constexpr std::uint32_t command_id = detail::checked_command_id<Version, Block>();
 

@@ -1,8 +1,7 @@
 #pragma once
 
-// What a failing call layer throws. A failed OpenCL operation throws the exceptions of `vorn::mero::common` instead.
-// `what()` is empty for a call on an object that was moved from and in a forked process, the commonest causes: tell the
-// code too.
+// The exceptions of the call layer. A failed OpenCL operation throws those of `vorn::mero::common` instead. `what()` is
+// empty after the most common causes, a call on an object that was moved from and a forked process: print the code too.
 //
 //     try {
 //         devices = cl::get_all_devices();
@@ -17,10 +16,11 @@
 
 namespace nq {
 
-/// Root of the call layer's exceptions. They tell of an installation that does not work, or of an object that was moved
+/// Root of the call layer's exceptions. They mean that the installation does not work, or that an object was moved
 /// from; trying again does not help.
 class NQ_EXPORT nq_error : public std::exception {
 public:
+    /// Copies the message. `code` is what libnq returned.
     nq_error(std::string const& message, int code);
     nq_error(nq_error const&);
     nq_error& operator=(nq_error const&);
@@ -39,25 +39,28 @@ private:
 /// The call was refused; the call handle can still be used.
 class NQ_EXPORT recoverable_error : public nq_error {
 public:
+    /// Copies the message.
     recoverable_error(std::string const& message, int code);
 };
 
-/// The call handle is of no further use, nor are the objects made through it: it is null, as that of an object that was
-/// moved from, or lost in a forked process whose OpenCL implementation does not survive that.
+/// The call handle and the objects made through it cannot be used any more: it is null, because an object was moved
+/// from, or the process was forked and its OpenCL implementation does not survive that.
 class NQ_EXPORT unrecoverable_error : public nq_error {
 public:
+    /// Copies the message.
     unrecoverable_error(std::string const& message, int code);
 };
 
-/// libnq knows no entry point of that command id: it is made for other versions than the library.
+/// libnq has no entry point of this command id: it is made for other OpenCL versions than the library.
 class NQ_EXPORT invalid_command_id : public recoverable_error {
 public:
     invalid_command_id();
 };
 
-/// libnq returned a value that has no meaning.
+/// libnq returned an undefined value.
 class NQ_EXPORT unknown_error : public unrecoverable_error {
 public:
+    /// `code` is that value.
     explicit unknown_error(int code);
 };
 

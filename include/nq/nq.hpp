@@ -1,11 +1,10 @@
 #pragma once
 
-// The functions of libnq, which every libnq exports under these names. Each `int` is one of `nq::result` or a value of
-// libnq's own; the last argument, where there is one, is always null. None of them throws. All may be called by any
-// number of threads at once, but that a call handle must not be closed while it is used.
+// The functions that every libnq exports. Each `int` is one of `nq::result` or libnq's own value. `reserved` is always
+// null. None of them throws. All functions are thread-safe; do not close a call handle while another thread uses it.
 //
-// The listings are asked twice: with a capacity of 0 and null for the number, then for the elements. Each answer writes
-// the number of all elements, whatever the capacity; it may have changed in between.
+// Call a listing twice: first with capacity 0 and null for the number of elements, then for the elements. Each call
+// writes the number of all elements, whatever the capacity. It may change between the calls.
 //
 //     std::uint64_t count = 0;
 //     nq_get_root_devices(0, nullptr, &count, nullptr);
@@ -18,28 +17,28 @@
 
 extern "C" {
 
-/// The version of the wire that this libnq speaks; anything but `nq::version` is not to be called further.
+/// The version of libnq. Unless it is `nq::version`, call nothing else.
 std::uint64_t nq_version();
 
-/// Writes up to `capacity` root devices and the number of all of them. A machine without any is no failure.
+/// Writes at most `capacity` root devices, and the number of all. Having none is no failure.
 int nq_get_root_devices(std::uint64_t capacity, nq::device* devices, std::uint64_t* count, void* reserved);
 
-/// Writes up to `capacity` nodes of a root device that offer a capability, and the number of all of them, 0 for a
-/// capability that the device or libnq does not know.
+/// Writes at most `capacity` nodes of a root device that offer a capability, and the number of all. The number is 0 if
+/// the device or libnq does not know the capability.
 int nq_find_capability_nodes(nq::device device, nq::capability capability, std::uint64_t capacity,
                              nq::capability_node* nodes, std::uint64_t* count, void* reserved);
 
-/// Opens a capability node and writes its call handle. Each opening must be closed with `nq_close_call_handle`.
-/// Openings of one node may give the same call handle; it is closed when the last of them is closed.
+/// Opens a capability node and writes its call handle. The caller closes each opening with `nq_close_call_handle`. The
+/// openings of a node may share one call handle, which is closed when the last of them is closed.
 int nq_create_call_handle(nq::capability_node node, nq_call_handle** handle, void* reserved);
 
-/// Closes one opening of a call handle, after the last call made through that opening; `nq::call_handle` does so. Null
-/// is allowed.
+/// Closes one opening of a call handle, after the last call through that opening, as `nq::call_handle` does. Null is
+/// allowed.
 void nq_close_call_handle(nq_call_handle* handle);
 
-/// Performs the entry point that a command id names in the numbering of the handle's OpenCL version (`nq::command_id`),
-/// on the argument block that goes with it: reads its inputs and writes its results. Returns whether the call could be
-/// made at all; what OpenCL said is in the block. Blocks as long as the entry point does.
+/// Performs an OpenCL entry point: `command_id` names it in the handle's OpenCL version (`nq::command_id`), and `block`
+/// is its argument block, with inputs and results. The return value only tells whether the call was made; OpenCL's
+/// status is in the block. Blocks as long as the entry point does.
 int nq_call_capability(nq_call_handle* handle, std::uint32_t command_id, void* block, void* reserved);
 
 } // extern "C"

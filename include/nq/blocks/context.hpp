@@ -1,7 +1,7 @@
 #pragma once
 
-// The blocks of contexts, sub-devices, queues, samplers and user events. Lists of properties are words of 64 bits, a
-// name and its value in turn, closed by 0, or null.
+// Blocks of contexts, sub-devices, queues, samplers and user events. A property list is null, or 64-bit words: names
+// each followed by its value, and a closing 0.
 
 #include <nq/types.hpp>
 
@@ -10,7 +10,8 @@
 
 namespace nq::block {
 
-/// Since OpenCL 1.2. Asked twice: without `out_devices` for their number, then for the devices, each with a reference.
+/// Since OpenCL 1.2. Called twice: with null `out_devices` for their number, then for the devices, each with a
+/// reference.
 struct clCreateSubDevices {
     _nq_cl_device_id* in_device;
     std::int64_t const* properties;
@@ -52,7 +53,7 @@ static_assert(offsetof(clCreateContextFromType, properties) == 0 &&
               offsetof(clCreateContextFromType, user_data) == 24 && offsetof(clCreateContextFromType, result) == 32 &&
               offsetof(clCreateContextFromType, error_code) == 40 && sizeof(clCreateContextFromType) == 48);
 
-/// Until OpenCL 1.2. `properties` are bits, 1 for out of order and 2 for profiling.
+/// Until OpenCL 1.2. `properties` are bits: 1 for out of order, 2 for profiling.
 struct clCreateCommandQueue {
     _nq_cl_context* context;
     _nq_cl_device_id* device;
@@ -64,7 +65,7 @@ static_assert(offsetof(clCreateCommandQueue, context) == 0 && offsetof(clCreateC
               offsetof(clCreateCommandQueue, properties) == 16 && offsetof(clCreateCommandQueue, error_code) == 24 &&
               offsetof(clCreateCommandQueue, result) == 32 && sizeof(clCreateCommandQueue) == 40);
 
-/// Since OpenCL 2.0. The device comes before the context here, unlike in clCreateCommandQueue.
+/// Since OpenCL 2.0. Unlike in clCreateCommandQueue, the device comes before the context.
 struct clCreateCommandQueueWithProperties {
     _nq_cl_device_id* device;
     _nq_cl_context* context;
@@ -143,7 +144,7 @@ static_assert(offsetof(clCreateSamplerWithProperties, context) == 0 &&
               offsetof(clCreateSamplerWithProperties, result) == 16 &&
               offsetof(clCreateSamplerWithProperties, error_code) == 24 && sizeof(clCreateSamplerWithProperties) == 32);
 
-/// Since OpenCL 1.1, as the two that follow.
+/// Since OpenCL 1.1, like the next two.
 struct clCreateUserEvent {
     _nq_cl_context* context;
     _nq_cl_event* result;
@@ -171,7 +172,7 @@ static_assert(offsetof(clSetEventCallback, event) == 0 && offsetof(clSetEventCal
               offsetof(clSetEventCallback, user_data) == 16 && offsetof(clSetEventCallback, status) == 24 &&
               offsetof(clSetEventCallback, command_exec_callback_type) == 28 && sizeof(clSetEventCallback) == 32);
 
-/// Blocks. It has no leading object: the call handle alone says whose events they are.
+/// Waits until the events are complete. There is no leading object: the call handle tells whose events they are.
 struct clWaitForEvents {
     _nq_cl_event* const* event_list;
     std::int32_t status;

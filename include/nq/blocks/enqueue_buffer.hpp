@@ -1,9 +1,9 @@
 #pragma once
 
-// The blocks of the commands on buffers and on any memory object. Common to all enqueue entry points: `event_wait_list`
-// holds `num_events_in_wait_list` events, read during the call; `event` is where OpenCL writes the new event, with a
-// reference for the caller, null where none is wanted. A blocking flag is 0 or 1, and host memory of a command that
-// does not block must live until it is complete.
+// Blocks of commands on buffers and on any memory object. All enqueue entry points share these fields:
+// `event_wait_list` has `num_events_in_wait_list` events, read during the call. `event` is the address for the new
+// event, with a reference for the caller; null if none is wanted. A blocking flag is 0 or 1; if 0, host memory must
+// live until the command is complete.
 
 #include <nq/types.hpp>
 
@@ -50,7 +50,7 @@ static_assert(offsetof(clEnqueueWriteBuffer, command_queue) == 0 && offsetof(clE
               offsetof(clEnqueueWriteBuffer, blocking_write) == 60 &&
               offsetof(clEnqueueWriteBuffer, num_events_in_wait_list) == 64 && sizeof(clEnqueueWriteBuffer) == 72);
 
-/// Since OpenCL 1.1, as the other boxes. Each of the three points to three numbers.
+/// Since OpenCL 1.1, like the other rectangular copies. Origins and region point to three numbers each.
 struct clEnqueueReadBufferRect {
     _nq_cl_command_queue* command_queue;
     _nq_cl_mem* buffer;
@@ -156,7 +156,7 @@ static_assert(offsetof(clEnqueueCopyBufferRect, command_queue) == 0 &&
               offsetof(clEnqueueCopyBufferRect, num_events_in_wait_list) == 100 &&
               sizeof(clEnqueueCopyBufferRect) == 104);
 
-/// Since OpenCL 1.2. `size` is in bytes; the pattern is copied during the call.
+/// Since OpenCL 1.2. OpenCL copies the pattern during the call.
 struct clEnqueueFillBuffer {
     _nq_cl_command_queue* command_queue;
     _nq_cl_mem* buffer;
@@ -176,7 +176,7 @@ static_assert(offsetof(clEnqueueFillBuffer, command_queue) == 0 && offsetof(clEn
               offsetof(clEnqueueFillBuffer, status) == 64 &&
               offsetof(clEnqueueFillBuffer, num_events_in_wait_list) == 68 && sizeof(clEnqueueFillBuffer) == 72);
 
-/// `result` is the address in the host's memory, to be used once the event is complete.
+/// `result` is the address in host memory, usable when the event is complete.
 struct clEnqueueMapBuffer {
     std::uint64_t map_flags;
     _nq_cl_command_queue* command_queue;

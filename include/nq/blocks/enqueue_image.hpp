@@ -1,7 +1,7 @@
 #pragma once
 
-// The blocks of the commands on images. Origins and regions point to three numbers, in pixels; pitches are in bytes.
-// What is common to all enqueue entry points stands in nq/blocks/enqueue_buffer.hpp.
+// Blocks of commands on images. Origins and regions point to three numbers, in pixels; pitches are in bytes. For the
+// fields of all enqueue entry points see nq/blocks/enqueue_buffer.hpp.
 
 #include <nq/types.hpp>
 
@@ -73,7 +73,7 @@ static_assert(offsetof(clEnqueueCopyImage, command_queue) == 0 && offsetof(clEnq
               offsetof(clEnqueueCopyImage, status) == 64 &&
               offsetof(clEnqueueCopyImage, num_events_in_wait_list) == 68 && sizeof(clEnqueueCopyImage) == 72);
 
-/// Since OpenCL 1.2. `fill_color` points to four values of 32 bits, copied during the call.
+/// Since OpenCL 1.2. `fill_color` points to four values of 32 bits; OpenCL copies them during the call.
 struct clEnqueueFillImage {
     _nq_cl_command_queue* command_queue;
     _nq_cl_mem* image;
@@ -131,7 +131,7 @@ static_assert(
     offsetof(clEnqueueCopyBufferToImage, status) == 64 &&
     offsetof(clEnqueueCopyBufferToImage, num_events_in_wait_list) == 68 && sizeof(clEnqueueCopyBufferToImage) == 72);
 
-/// `result` is the address in the host's memory; the pitches are written through the pointers.
+/// `result` is the address in host memory. The pitches are written through the pointers.
 struct clEnqueueMapImage {
     std::uint64_t map_flags;
     _nq_cl_command_queue* command_queue;

@@ -1,6 +1,6 @@
 #pragma once
 
-// The blocks of kernel launches, markers, barriers and waits. What is common to all enqueue entry points stands in
+// Blocks of kernel launches, markers, barriers and waits. For the fields of all enqueue entry points see
 // nq/blocks/enqueue_buffer.hpp.
 
 #include <nq/types.hpp>
@@ -32,7 +32,7 @@ static_assert(offsetof(clEnqueueNDRangeKernel, command_queue) == 0 && offsetof(c
               offsetof(clEnqueueNDRangeKernel, work_dim) == 60 &&
               offsetof(clEnqueueNDRangeKernel, num_events_in_wait_list) == 64 && sizeof(clEnqueueNDRangeKernel) == 72);
 
-/// Until OpenCL 1.2; the library uses it in OpenCL 1.0 alone.
+/// Until OpenCL 1.2. The library uses it in OpenCL 1.0 only.
 struct clEnqueueTask {
     _nq_cl_command_queue* command_queue;
     _nq_cl_kernel* kernel;
@@ -46,7 +46,8 @@ static_assert(offsetof(clEnqueueTask, command_queue) == 0 && offsetof(clEnqueueT
               offsetof(clEnqueueTask, status) == 32 && offsetof(clEnqueueTask, num_events_in_wait_list) == 36 &&
               sizeof(clEnqueueTask) == 40);
 
-/// `args` is copied during the call, with the address of each memory object's store written to its place in the copy.
+/// OpenCL copies `args` during the call, and writes the address of each memory object's memory to its place in the
+/// copy.
 struct clEnqueueNativeKernel {
     _nq_cl_command_queue* command_queue;
     native_function user_func;
@@ -67,7 +68,7 @@ static_assert(offsetof(clEnqueueNativeKernel, command_queue) == 0 && offsetof(cl
               offsetof(clEnqueueNativeKernel, status) == 64 && offsetof(clEnqueueNativeKernel, num_mem_objects) == 68 &&
               offsetof(clEnqueueNativeKernel, num_events_in_wait_list) == 72 && sizeof(clEnqueueNativeKernel) == 80);
 
-/// Until OpenCL 1.1, as clEnqueueBarrier.
+/// Until OpenCL 1.1, like clEnqueueBarrier.
 struct clEnqueueMarker {
     _nq_cl_command_queue* command_queue;
     _nq_cl_event** event;
@@ -76,7 +77,7 @@ struct clEnqueueMarker {
 static_assert(offsetof(clEnqueueMarker, command_queue) == 0 && offsetof(clEnqueueMarker, event) == 8 &&
               offsetof(clEnqueueMarker, status) == 16 && sizeof(clEnqueueMarker) == 24);
 
-/// Since OpenCL 1.2, as clEnqueueBarrierWithWaitList.
+/// Since OpenCL 1.2, like clEnqueueBarrierWithWaitList.
 struct clEnqueueMarkerWithWaitList {
     _nq_cl_command_queue* command_queue;
     _nq_cl_event* const* event_wait_list;
@@ -112,7 +113,7 @@ static_assert(offsetof(clEnqueueBarrierWithWaitList, command_queue) == 0 &&
               offsetof(clEnqueueBarrierWithWaitList, num_events_in_wait_list) == 28 &&
               sizeof(clEnqueueBarrierWithWaitList) == 32);
 
-/// Until OpenCL 1.1; the library uses it in OpenCL 1.0 alone.
+/// Until OpenCL 1.1. The library uses it in OpenCL 1.0 only.
 struct clEnqueueWaitForEvents {
     _nq_cl_command_queue* command_queue;
     _nq_cl_event* const* event_list;

@@ -1,7 +1,7 @@
 #pragma once
 
-// The blocks of the commands on shared virtual memory. Since OpenCL 2.0 but where stated. What is common to all enqueue
-// entry points stands in nq/blocks/enqueue_buffer.hpp.
+// Blocks of commands on shared virtual memory. Since OpenCL 2.0 unless stated otherwise. For the fields of all enqueue
+// entry points see nq/blocks/enqueue_buffer.hpp.
 
 #include <nq/types.hpp>
 
@@ -10,7 +10,7 @@
 
 namespace nq::block {
 
-/// Without a callback OpenCL frees the pointers, with one the callback has to.
+/// OpenCL frees the pointers; if there is a callback, the callback must do so instead.
 struct clEnqueueSVMFree {
     _nq_cl_command_queue* command_queue;
     void** svm_pointers;
@@ -45,7 +45,7 @@ static_assert(offsetof(clEnqueueSVMMemcpy, command_queue) == 0 && offsetof(clEnq
               offsetof(clEnqueueSVMMemcpy, status) == 48 && offsetof(clEnqueueSVMMemcpy, blocking_copy) == 52 &&
               offsetof(clEnqueueSVMMemcpy, num_events_in_wait_list) == 56 && sizeof(clEnqueueSVMMemcpy) == 64);
 
-/// `size` is in bytes; the pattern is copied during the call.
+/// OpenCL copies the pattern during the call.
 struct clEnqueueSVMMemFill {
     _nq_cl_command_queue* command_queue;
     void* svm_ptr;
@@ -93,7 +93,7 @@ static_assert(offsetof(clEnqueueSVMUnmap, command_queue) == 0 && offsetof(clEnqu
               offsetof(clEnqueueSVMUnmap, status) == 32 && offsetof(clEnqueueSVMUnmap, num_events_in_wait_list) == 36 &&
               sizeof(clEnqueueSVMUnmap) == 40);
 
-/// Since OpenCL 2.1. In the entry point's own order, the status last. Null `sizes`, or one of 0, stand for whole
+/// Since OpenCL 2.1. In the entry point's own order, then the status. Null `sizes`, or a size of 0, mean whole
 /// allocations.
 struct clEnqueueSVMMigrateMem {
     _nq_cl_command_queue* command_queue;

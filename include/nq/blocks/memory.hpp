@@ -1,7 +1,7 @@
 #pragma once
 
-// The blocks that create memory objects and shared virtual memory. `host_ptr` is the caller's memory, used as `flags`
-// say.
+// Blocks that create memory objects and shared virtual memory. `host_ptr` is the caller's memory; `flags` tell how it
+// is used.
 
 #include <nq/types.hpp>
 
@@ -23,7 +23,7 @@ static_assert(offsetof(clCreateBuffer, flags) == 0 && offsetof(clCreateBuffer, c
               offsetof(clCreateBuffer, result) == 32 && offsetof(clCreateBuffer, error_code) == 40 &&
               sizeof(clCreateBuffer) == 48);
 
-/// Since OpenCL 1.1. `buffer_create_info` is read during the call.
+/// Since OpenCL 1.1. OpenCL reads `buffer_create_info` during the call.
 struct clCreateSubBuffer {
     std::uint64_t flags;
     _nq_cl_mem* buffer;
@@ -52,7 +52,7 @@ static_assert(offsetof(clCreateImage, flags) == 0 && offsetof(clCreateImage, con
               offsetof(clCreateImage, host_ptr) == 32 && offsetof(clCreateImage, result) == 40 &&
               offsetof(clCreateImage, error_code) == 48 && sizeof(clCreateImage) == 56);
 
-/// Until OpenCL 1.1, as clCreateImage3D.
+/// Until OpenCL 1.1, like clCreateImage3D.
 struct clCreateImage2D {
     std::uint64_t flags;
     _nq_cl_context* context;
@@ -118,7 +118,7 @@ static_assert(offsetof(clSetMemObjectDestructorCallback, memobj) == 0 &&
               offsetof(clSetMemObjectDestructorCallback, status) == 24 &&
               sizeof(clSetMemObjectDestructorCallback) == 32);
 
-/// Since OpenCL 2.0. No status: a null `result` says that there is no memory.
+/// Since OpenCL 2.0. No status: a null `result` means failure.
 struct clSVMAlloc {
     std::uint64_t flags;
     _nq_cl_context* context;
@@ -130,7 +130,7 @@ static_assert(offsetof(clSVMAlloc, flags) == 0 && offsetof(clSVMAlloc, context) 
               offsetof(clSVMAlloc, size) == 16 && offsetof(clSVMAlloc, result) == 24 &&
               offsetof(clSVMAlloc, alignment) == 32 && sizeof(clSVMAlloc) == 40);
 
-/// Since OpenCL 2.0. Neither result nor status.
+/// Since OpenCL 2.0. No result and no status.
 struct clSVMFree {
     _nq_cl_context* context;
     void* svm_pointer;

@@ -1,8 +1,7 @@
 #pragma once
 
-// The blocks of programs and kernels. A callback that is not null makes the entry point return before its work has
-// ended, if the implementation likes; the callback then tells of the end. Sources, binaries, options and argument
-// values are copied during the call.
+// Blocks of programs and kernels. With a callback, an entry point may return before its work has ended; OpenCL calls
+// the callback at the end. OpenCL copies sources, binaries, options and argument values during the call.
 
 #include <nq/types.hpp>
 
@@ -11,7 +10,7 @@
 
 namespace nq::block {
 
-/// `strings` holds `count` texts; they end with a zero where `lengths` is null.
+/// `strings` has `count` texts. If `lengths` is null, each ends with a zero.
 struct clCreateProgramWithSource {
     _nq_cl_context* context;
     char const* const* strings;
@@ -25,7 +24,7 @@ static_assert(offsetof(clCreateProgramWithSource, context) == 0 && offsetof(clCr
               offsetof(clCreateProgramWithSource, error_code) == 32 &&
               offsetof(clCreateProgramWithSource, count) == 36 && sizeof(clCreateProgramWithSource) == 40);
 
-/// One length and one binary for each device; `binary_status`, which may be null, receives a status for each.
+/// One length and one binary for each device. `binary_status` may be null, else it receives a status for each.
 struct clCreateProgramWithBinary {
     _nq_cl_context* context;
     _nq_cl_device_id* const* device_list;
@@ -45,7 +44,7 @@ static_assert(offsetof(clCreateProgramWithBinary, context) == 0 &&
               offsetof(clCreateProgramWithBinary, error_code) == 48 &&
               offsetof(clCreateProgramWithBinary, num_devices) == 52 && sizeof(clCreateProgramWithBinary) == 56);
 
-/// Since OpenCL 1.2. `kernel_names` is one text, divided by semicolons.
+/// Since OpenCL 1.2. `kernel_names` is one text, separated by semicolons.
 struct clCreateProgramWithBuiltInKernels {
     _nq_cl_context* context;
     _nq_cl_device_id* const* device_list;
@@ -74,7 +73,7 @@ static_assert(offsetof(clCreateProgramWithIL, context) == 0 && offsetof(clCreate
               offsetof(clCreateProgramWithIL, length) == 16 && offsetof(clCreateProgramWithIL, result) == 24 &&
               offsetof(clCreateProgramWithIL, error_code) == 32 && sizeof(clCreateProgramWithIL) == 40);
 
-/// A failed build is a status, -11; the log is then read with clGetProgramBuildInfo.
+/// A failed build has the status -11; clGetProgramBuildInfo then returns the log.
 struct clBuildProgram {
     _nq_cl_program* program;
     _nq_cl_device_id* const* device_list;
@@ -109,8 +108,8 @@ static_assert(offsetof(clCompileProgram, program) == 0 && offsetof(clCompileProg
               offsetof(clCompileProgram, num_devices) == 60 && offsetof(clCompileProgram, num_input_headers) == 64 &&
               sizeof(clCompileProgram) == 72);
 
-/// Since OpenCL 1.2. The result lies between the callback and its user data. Some implementations give a program, which
-/// the caller has to release, beside the status of a failed link.
+/// Since OpenCL 1.2. The result is between the callback and its user data. Some implementations return a program, which
+/// the caller must release, even if the link fails.
 struct clLinkProgram {
     _nq_cl_context* context;
     _nq_cl_device_id* const* device_list;
@@ -130,7 +129,7 @@ static_assert(offsetof(clLinkProgram, context) == 0 && offsetof(clLinkProgram, d
               offsetof(clLinkProgram, num_devices) == 60 && offsetof(clLinkProgram, num_input_programs) == 64 &&
               sizeof(clLinkProgram) == 72);
 
-/// Until OpenCL 1.1; clUnloadPlatformCompiler since.
+/// Until OpenCL 1.1; since then clUnloadPlatformCompiler.
 struct alignas(8) clUnloadCompiler {
     std::int32_t status;
 };
@@ -143,7 +142,7 @@ struct clUnloadPlatformCompiler {
 static_assert(offsetof(clUnloadPlatformCompiler, platform) == 0 && offsetof(clUnloadPlatformCompiler, status) == 8 &&
               sizeof(clUnloadPlatformCompiler) == 16);
 
-/// Since OpenCL 2.2, as the one that follows.
+/// Since OpenCL 2.2, like the next.
 struct clSetProgramSpecializationConstant {
     _nq_cl_program* program;
     std::uint32_t spec_id;
@@ -179,7 +178,7 @@ static_assert(offsetof(clCreateKernel, program) == 0 && offsetof(clCreateKernel,
               offsetof(clCreateKernel, result) == 16 && offsetof(clCreateKernel, error_code) == 24 &&
               sizeof(clCreateKernel) == 32);
 
-/// Asked twice: without `kernels` for their number, then for the kernels, each with a reference.
+/// Called twice: with null `kernels` for their number, then for the kernels, each with a reference.
 struct clCreateKernelsInProgram {
     _nq_cl_program* program;
     _nq_cl_kernel** kernels;
@@ -212,7 +211,7 @@ static_assert(offsetof(clSetKernelArg, kernel) == 0 && offsetof(clSetKernelArg, 
               offsetof(clSetKernelArg, arg_value) == 16 && offsetof(clSetKernelArg, status) == 24 &&
               offsetof(clSetKernelArg, arg_index) == 28 && sizeof(clSetKernelArg) == 32);
 
-/// Since OpenCL 2.0, as the one that follows.
+/// Since OpenCL 2.0, like the next.
 struct clSetKernelArgSVMPointer {
     _nq_cl_kernel* kernel;
     void const* arg_value;

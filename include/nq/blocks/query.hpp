@@ -1,8 +1,8 @@
 #pragma once
 
-// The blocks of the info queries and listings. A query is asked twice: without `param_value` for the size of the reply,
-// which is written through `param_value_size_ret`, then for the reply, into `param_value_size` bytes at `param_value`.
-// Texts end with a zero, which counts. Handles in a reply carry no reference.
+// Blocks of info queries and listings. A query is called twice: with null `param_value` for the size of the reply,
+// which is written through `param_value_size_ret`, then for the reply itself, of at most `param_value_size` bytes.
+// Texts end with a zero, which counts. Handles in a reply are not retained.
 
 #include <nq/types.hpp>
 
@@ -11,7 +11,7 @@
 
 namespace nq::block {
 
-/// The call-handle device command: which device a call handle belongs to. It has no status.
+/// The call-handle device command: returns the device of a call handle. No status.
 struct call_handle_device {
     _nq_cl_device_id* result;
 };
@@ -30,7 +30,8 @@ static_assert(offsetof(clGetPlatformInfo, platform) == 0 && offsetof(clGetPlatfo
               offsetof(clGetPlatformInfo, param_value_size_ret) == 32 && offsetof(clGetPlatformInfo, status) == 40 &&
               sizeof(clGetPlatformInfo) == 48);
 
-/// Asked twice: without `devices` for their number, then for the devices. -1 stands for none.
+/// Called twice: with null `devices` for their number, then for the devices. A platform without devices has the status
+/// -1.
 struct clGetDeviceIDs {
     _nq_cl_platform_id* platform;
     std::uint64_t device_type;
@@ -177,7 +178,7 @@ static_assert(offsetof(clGetEventInfo, event) == 0 && offsetof(clGetEventInfo, p
               offsetof(clGetEventInfo, status) == 32 && offsetof(clGetEventInfo, param_name) == 36 &&
               sizeof(clGetEventInfo) == 40);
 
-/// 64 bits, nanoseconds of the device's clock.
+/// Replies are 64-bit nanoseconds of the device's clock.
 struct clGetEventProfilingInfo {
     _nq_cl_event* event;
     std::size_t param_value_size;
@@ -241,7 +242,7 @@ static_assert(offsetof(clGetKernelArgInfo, kernel) == 0 && offsetof(clGetKernelA
               offsetof(clGetKernelArgInfo, arg_index) == 36 && offsetof(clGetKernelArgInfo, param_name) == 40 &&
               sizeof(clGetKernelArgInfo) == 48);
 
-/// Since OpenCL 2.1. `input_value` is what the query wants to know of a launch: its local size, or a number.
+/// Since OpenCL 2.1. `input_value` is the query's own argument: the local size of a launch, or a number.
 struct clGetKernelSubGroupInfo {
     _nq_cl_kernel* kernel;
     _nq_cl_device_id* device;
@@ -262,7 +263,7 @@ static_assert(offsetof(clGetKernelSubGroupInfo, kernel) == 0 && offsetof(clGetKe
               offsetof(clGetKernelSubGroupInfo, status) == 56 && offsetof(clGetKernelSubGroupInfo, param_name) == 60 &&
               sizeof(clGetKernelSubGroupInfo) == 64);
 
-/// Asked twice. Each format is two words of 32 bits, channel order and channel type.
+/// Called twice. Each format is two 32-bit words, channel order and channel type.
 struct clGetSupportedImageFormats {
     std::uint64_t flags;
     _nq_cl_context* context;
@@ -279,7 +280,7 @@ static_assert(offsetof(clGetSupportedImageFormats, flags) == 0 && offsetof(clGet
               offsetof(clGetSupportedImageFormats, image_type) == 36 &&
               offsetof(clGetSupportedImageFormats, num_entries) == 40 && sizeof(clGetSupportedImageFormats) == 48);
 
-/// Until OpenCL 1.1. No status: a null `result` says that there is no such function.
+/// Until OpenCL 1.1. No status: a null `result` means that there is no such function.
 struct clGetExtensionFunctionAddress {
     char const* func_name;
     void* result;
@@ -287,7 +288,7 @@ struct clGetExtensionFunctionAddress {
 static_assert(offsetof(clGetExtensionFunctionAddress, func_name) == 0 &&
               offsetof(clGetExtensionFunctionAddress, result) == 8 && sizeof(clGetExtensionFunctionAddress) == 16);
 
-/// Since OpenCL 1.2. No status: a null `result` says that there is no such function.
+/// Since OpenCL 1.2. No status: a null `result` means that there is no such function.
 struct clGetExtensionFunctionAddressForPlatform {
     _nq_cl_platform_id* platform;
     char const* func_name;
@@ -298,7 +299,7 @@ static_assert(offsetof(clGetExtensionFunctionAddressForPlatform, platform) == 0 
               offsetof(clGetExtensionFunctionAddressForPlatform, result) == 16 &&
               sizeof(clGetExtensionFunctionAddressForPlatform) == 24);
 
-/// Since OpenCL 2.1, as the one that follows. Nanoseconds, written to the caller's variables.
+/// Since OpenCL 2.1, like the next. The times are nanoseconds, written to the caller's variables.
 struct clGetDeviceAndHostTimer {
     _nq_cl_device_id* device;
     std::uint64_t* device_timestamp;

@@ -1,7 +1,7 @@
 #pragma once
 
-// The blocks of the retain and release entry points: one handle, one status. Those of devices since OpenCL 1.2;
-// platforms have none.
+// Blocks of the retain and release entry points: a handle and a status. Devices have them since OpenCL 1.2, platforms
+// never.
 
 #include <nq/types.hpp>
 
