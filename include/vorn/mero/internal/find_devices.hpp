@@ -23,7 +23,7 @@ VORN_MERO_EXPORT std::vector<nq::capability_node> capability_nodes(nq::device ro
 VORN_MERO_EXPORT nq::call_handle open_call_handle(nq::capability_node node);
 
 /// One `Device` for each node that offers the capability, in libnq's order. `factory(nq::call_handle const&)` makes it
-/// from a call handle of its own. Empty if there is no node.
+/// from the node's call handle. Empty if there is no node.
 ///
 ///     auto const handles = vorn::mero::internal::find_devices<nq::call_handle>(
 ///         nq::capability::opencl_1_2, [](nq::call_handle const& handle) { return handle; });

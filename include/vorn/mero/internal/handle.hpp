@@ -99,8 +99,8 @@ class handle : public owner<Kind> {
 public:
     using owner<Kind>::owner;
 
-    /// Whether both name the same OpenCL object through the same call handle. Makes no call. The bridge gives a device
-    /// the same call handle each time, so that devices of two calls of `get_all_devices` are equal.
+    /// Whether both name the same OpenCL object through the same call handle. Makes no call. Devices of two calls of
+    /// `get_all_devices` are equal if libnq gives them the same call handle, as the bridge does.
     bool operator==(handle const& other) const noexcept {
         return call_handle_address() == other.call_handle_address() && raw_address() == other.raw_address();
     }

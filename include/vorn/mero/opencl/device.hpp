@@ -363,9 +363,9 @@ public:
 #endif
 };
 
-/// Every device of every implementation that offers this OpenCL version, in libnq's order; empty if there is none. A
-/// device that two calls find compares equal, if libnq gives it the same call handle again; the bridge does. Throws
-/// `std::runtime_error` for a libnq of another version, and the `nq` exceptions.
+/// Every device of every implementation that offers this OpenCL version, in libnq's order; empty if there is none. Each
+/// call asks libnq again; devices of two calls compare equal if libnq gives them the same call handle, as the bridge
+/// does. Throws `std::runtime_error` for a libnq of another version, and the `nq` exceptions.
 VORN_MERO_EXPORT std::vector<device> get_all_devices();
 
 /// The device of a call handle. It keeps a copy of the handle. One call, and since OpenCL 1.2 another to retain. Throws
