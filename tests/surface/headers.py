@@ -36,12 +36,12 @@ class Headers:
         return f"{name} in {standard}:\n{done.stderr}" if done.returncode else None
 
     def forbidden(self, name):
-        listed = self.compile(f"#include <{name}>\n", "-std=c++20", "-M").stdout
+        listed = self.compile(f"#include <{name}>\n", "-std=c++17", "-M").stdout
         return [f"{name} includes {path}" for path in sorted(set(listed.split())) if FORBIDDEN.search(path)]
 
     def standards(self):
         usable = []
-        for standard in ("c++20", "c++23", "c++2b"):
+        for standard in ("c++17", "gnu++17", "c++20", "c++23", "c++2b"):
             if not (standard == "c++2b" and "c++23" in usable) and self.compile("", f"-std={standard}", "-fsyntax-only").returncode == 0:
                 usable.append(standard)
         return usable

@@ -77,6 +77,11 @@ constexpr bool keeps_its_promises() {
     static_assert(offsetof(binary, device) == 0 &&
                   sizeof(binary) == sizeof(typename Api::device) + sizeof(std::vector<unsigned char>));
 
+    using format = typename Api::image_format;
+    constexpr format rgba{Api::image_channel_order::rgba, Api::image_channel_type::unorm_int8};
+    static_assert(format{0x10B5, 0x10D2} == rgba && !(format{0x10B5, 0x10D3} == rgba) &&
+                  !(format{0x10B6, 0x10D2} == rgba));
+
     using property = typename Api::context_property;
     static_assert(std::is_convertible_v<std::intptr_t, property> && std::is_convertible_v<property, std::intptr_t>);
     static_assert(std::is_nothrow_constructible_v<property, std::intptr_t> && sizeof(property) == 8);

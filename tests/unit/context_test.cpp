@@ -53,7 +53,7 @@ TEST_F(contexts, creates_memory_objects) {
 // The sizes and pitches are all different, so that an exchange is seen.
 #if UNIT_OPENCL < 120
 TEST_F(contexts, creates_images) {
-    image_format const format{value{0x10B5}, value{0x10D2}};
+    image_format const format{0x10B5, 0x10D2};
     performs(w.context, clCreateImage2D{flags, raw, &format, 11, 12, 13, host},
              [&] { return w.context.create_image_2d(any, format, 11, 12, 13, host); });
     performs(w.context, clCreateImage3D{flags, raw, &format, 11, 12, 13, 14, 15, host},
@@ -61,7 +61,7 @@ TEST_F(contexts, creates_images) {
 }
 #else
 TEST_F(contexts, creates_images) {
-    image_format const format{value{0x10B5}, value{0x10D2}};
+    image_format const format{0x10B5, 0x10D2};
     // A descriptor is the type, width, height, depth, array size, row pitch, slice pitch, two counts and a buffer.
     auto const creates = [&](nq::image_desc const& descriptor, auto create) {
         performs(w.context, clCreateImage{flags, raw, &format, &descriptor, host}, create);
@@ -84,7 +84,7 @@ TEST_F(contexts, creates_images) {
 TEST_F(contexts, lists_image_formats_in_two_calls) {
     auto const lists = [&](std::uint32_t type, std::vector<image_format> (context::*read)(mem_flags)) {
         for (std::uint32_t const count : {0U, 2U}) {
-            std::vector<image_format> const formats(count, {value{0x10B0}, value{0x10DE}});
+            std::vector<image_format> const formats(count, {0x10B0, 0x10DE});
             libnq.reply<clGetSupportedImageFormats>(type, scripted::bytes_of_list(formats));
             clGetSupportedImageFormats const counting{flags, raw, nullptr, somewhere, 0, type, 0};
             members::lists(w.context, counting, {flags, raw, somewhere, nullptr, 0, type, count}, count,

@@ -71,7 +71,7 @@ TEST_F(info, memory_objects) {
 }
 
 TEST_F(info, images_and_samplers) {
-    reads(w.image, 0x1110, image_format{value{0x10B5}, value{0x10D2}}, &image::get_image_format);
+    reads(w.image, 0x1110, image_format{0x10B5, 0x10D2}, &image::get_image_format);
     reads_each(w.image, 0x1111, large, &image::element_size, &image::row_pitch, &image::slice_pitch, &image::width,
                &image::height, &image::depth);
 #if UNIT_OPENCL >= 120
