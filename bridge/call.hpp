@@ -1,6 +1,6 @@
 #pragma once
 
-// How a block's fields become the arguments of an OpenCL function, and its result the block's result fields.
+// Converts a block's fields to the arguments of an OpenCL function, and its result to the block's result fields.
 
 #include "entry_points.hpp"
 
@@ -9,7 +9,7 @@
 
 namespace nq::bridge {
 
-/// A field of a block on its way into a parameter. The wire's pointers and OpenCL's have the same representation.
+/// A field of a block, converted to any parameter. Pointers of the wire and of OpenCL have the same representation.
 template <class Field>
 struct argument {
     Field field;
@@ -26,7 +26,7 @@ struct argument {
 template <class Field>
 argument(Field) -> argument<Field>;
 
-/// Leaves an error in a block without a call.
+/// Writes an error to a block, without a call.
 template <class Block>
 void refuse(Block& block, [[maybe_unused]] cl_int code) noexcept {
     if constexpr (requires { block.status; }) {
@@ -40,14 +40,14 @@ void refuse(Block& block, [[maybe_unused]] cl_int code) noexcept {
     }
 }
 
-/// A function that returns its status.
+/// Calls a function that returns its status.
 template <class Block, class Function, class... Fields>
 void invoke(Block& block, Function function, Fields... fields) {
     block.status = function != nullptr ? function(argument{fields}...) : CL_INVALID_OPERATION;
 }
 
-/// A function that returns an object or a pointer, and its status through its last parameter. The block of a failed one
-/// shows null; an object that came beside the error is returned instead.
+/// Calls a function that returns an object or a pointer, and its status through the last parameter. If it fails, the
+/// block gets null, and this returns the object that came with the error, if any.
 template <class Block, class Function, class... Fields>
 auto create(Block& block, Function function, Fields... fields) {
     using object = decltype(function(argument{fields}..., nullptr));

@@ -9,10 +9,10 @@
 #include <cstdint>
 #include <memory>
 
-/// One OpenCL version of one device. There is a single one of each, in memory that is never given back: whoever opens
-/// it gets the same address, and a call on a closed one can always be told and refused.
+/// One OpenCL version of one device. There is one of each, in memory that is never freed: every opening gets the same
+/// address, and calls on a closed one are recognized and refused.
 struct nq_call_handle {
-    // How often it is open in the upper half, the number of its commands in the lower half; 0 while it is closed.
+    // Upper half: the number of openings; lower half: the number of commands. 0 while closed.
     std::atomic<std::uint64_t> state;
     nq::bridge::thunk const* commands; // by id - 1
     nq::bridge::platform const* owner;
@@ -25,11 +25,11 @@ namespace nq::bridge {
 /// The call handles of a device, one for each version in the order of `nq::capability`, all of them closed.
 std::unique_ptr<nq_call_handle[]> make_call_handles(platform const& owner, cl_device_id device);
 
-// Opening and closing take no lock, so that a fork in between leaves nothing behind.
+// Opening and closing take no lock, so that a fork meanwhile leaves none locked.
 
 void open(nq_call_handle& handle) noexcept;
 
-/// Takes one opening away; does nothing to a closed handle.
+/// Removes one opening. Does nothing to a closed handle.
 void close(nq_call_handle& handle) noexcept;
 
 } // namespace nq::bridge

@@ -30,7 +30,7 @@ std::string without_vendors(std::string const& setting) {
            line("install one (on Debian: apt-get install pocl-opencl-icd) or name the folder in OCL_ICD_VENDORS");
 }
 
-// What keeps the loader from using a vendor's library; it passes over such a library in silence.
+// Why the loader does not use a vendor's library; the loader skips it silently.
 std::string unusable(vendor const& each, bool platforms_found) {
     std::string const named = each.file.empty() ? "" : each.file + " names ";
     if (each.driver.empty()) {

@@ -8,10 +8,11 @@
 
 namespace nq::bridge {
 
-/// `failure` is why there is no ICD loader, if there is none. The same report is written once only. Not thread-safe.
+/// `failure` is the reason why there is no ICD loader, empty if there is one. The same report is written only once. Not
+/// thread-safe.
 void explain_discovery(machine const& found, std::string const& failure);
 
-/// That a platform cannot be used in this forked process; written once.
+/// Writes, once, that a platform does not work in this forked process.
 void explain_fork(platform const& lost) noexcept;
 
 } // namespace nq::bridge

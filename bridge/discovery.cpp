@@ -15,8 +15,8 @@ namespace {
 std::atomic<machine const*> known = nullptr;
 std::atomic<bool> forked = false;
 
-// Recursive, since an implementation may fork while it is asked, which locks it in the same thread. Never destroyed,
-// since devices may be listed until the process ends.
+// Recursive: an implementation may fork during discovery, and the fork handler locks it in the same thread. Never
+// destroyed: programs may list devices until the process ends.
 std::recursive_mutex& asking() {
     static auto* const mutex = new std::recursive_mutex;
     return *mutex;
@@ -49,7 +49,7 @@ std::vector<cl_platform_id> list_platforms() {
 
 std::vector<cl_device_id> list_devices(platform const& owner, cl_device_type type) {
     functions const& cl = loaded();
-    cl_uint count = 0; // stays unwritten where there are none
+    cl_uint count = 0; // implementations without devices do not write it
     if (cl.clGetDeviceIDs(owner.id, type, 0, nullptr, &count) != CL_SUCCESS) {
         return {};
     }
@@ -59,7 +59,7 @@ std::vector<cl_device_id> list_devices(platform const& owner, cl_device_type typ
                : std::vector<cl_device_id>{};
 }
 
-// CL_DEVICE_TYPE_ALL leaves out custom devices.
+// CL_DEVICE_TYPE_ALL does not include custom devices.
 std::vector<cl_device_id> list_devices(platform const& owner) {
     auto devices = list_devices(owner, CL_DEVICE_TYPE_ALL);
     if (owner.version >= 102) {

@@ -1,6 +1,6 @@
 #pragma once
 
-// The devices of the machine. They are asked for once; what was found stays for the life of the process.
+// The devices of the machine. They are discovered once and live as long as the process.
 
 #include "call_handle.hpp"
 
@@ -25,10 +25,10 @@ struct machine {
     platform const* find(cl_platform_id id) const noexcept;
 };
 
-/// Asks OpenCL unless an earlier call has found a device; null while there is none. Thread-safe.
+/// Asks OpenCL, unless an earlier call found a device. Null if there is none. Thread-safe.
 machine const* discover();
 
-/// Whether this process was forked off one that had discovered devices.
+/// Whether this process was forked from one that had discovered devices.
 bool forked_after_discovery() noexcept;
 
 } // namespace nq::bridge

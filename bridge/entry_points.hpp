@@ -1,8 +1,7 @@
 #pragma once
 
-// The OpenCL entry points that the loader and the implementations are asked for, in the order of an implementation's
-// dispatch table, each with the OpenCL version whose tables have its slot: one that an older implementation was built
-// with ends before it.
+// The OpenCL entry points that the bridge uses, in the order of an implementation's dispatch table, each with the
+// OpenCL version whose tables have its slot. The table of an older implementation ends before it.
 
 #define CL_TARGET_OPENCL_VERSION 300
 #define CL_USE_DEPRECATED_OPENCL_1_0_APIS
@@ -18,7 +17,7 @@
 
 namespace nq::bridge {
 
-/// One function pointer per entry point, null where it is lacking; laid out as an implementation's dispatch table.
+/// One function pointer per entry point, null if missing. Laid out as an implementation's dispatch table.
 using functions = cl_icd_dispatch;
 
 /// major * 100 + minor, as in 102 for OpenCL 1.2.
@@ -30,7 +29,7 @@ struct entry_point {
     version_number since;
 };
 
-/// Every entry point that a dispatch table can hold on this system, those of extensions included.
+/// Every entry point that a dispatch table can have on this system, including those of extensions.
 std::span<entry_point const> entry_points() noexcept;
 
 inline void*& slot(functions& table, std::size_t index) { return reinterpret_cast<void**>(&table)[index]; }

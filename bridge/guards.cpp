@@ -5,12 +5,13 @@
 
 #include <vector>
 
-// The guards that one implementation needs. They take the place of the loader's function in the table of its platforms.
+// Guards for single implementations. They replace the loader's functions in the tables of the implementation's
+// platforms.
 
 namespace nq::bridge {
 namespace {
 
-// PoCL ends the process where a queue on the device is asked for.
+// PoCL ends the process when a program creates an on-device queue.
 cl_command_queue CL_API_CALL pocl_create_queue(cl_context context, cl_device_id device,
                                                cl_queue_properties const* properties, cl_int* code) {
     for (auto const* entry = properties; entry != nullptr && entry[0] != 0; entry += 2) {
@@ -22,7 +23,7 @@ cl_command_queue CL_API_CALL pocl_create_queue(cl_context context, cl_device_id 
     return loaded().clCreateCommandQueueWithProperties(context, device, properties, code);
 }
 
-// PoCL ends the process where an image with mip-maps or samples is asked for.
+// PoCL ends the process when a program creates an image with mip-maps or samples.
 cl_mem CL_API_CALL pocl_create_image(cl_context context, cl_mem_flags flags, cl_image_format const* format,
                                      cl_image_desc const* description, void* host_ptr, cl_int* code) {
     if (description != nullptr && (description->num_mip_levels != 0 || description->num_samples != 0)) {
@@ -74,8 +75,8 @@ cl_int CL_API_CALL launch_unless_group_is_empty(cl_command_queue queue, cl_kerne
                                            event);
 }
 
-// rusticl panics on an image argument without a value, Intel's runtime crashes on a queue argument without one. Where
-// the program says nothing of its arguments (Intel's of binaries and IL) the call is made.
+// rusticl panics on an image argument without a value, Intel's runtime crashes on a queue argument without one. If
+// there is no argument information (Intel's programs from binaries and IL), the call is made.
 template <char const* Type>
 cl_int CL_API_CALL set_argument_unless_null(cl_kernel kernel, cl_uint index, std::size_t size, void const* value) {
     if (kernel != nullptr && value == nullptr && argument_type(kernel, index).starts_with(Type)) {
@@ -97,8 +98,8 @@ std::vector<std::size_t> binary_sizes(cl_program program, cl_int& code) {
     return sizes;
 }
 
-// OpenCL lets a null entry say that its binary is not wanted. PoCL, rusticl and Oclgrind write to it, Intel's runtime
-// refuses it: such a binary goes to memory that is thrown away. rusticl panics where a program has no binary.
+// A null entry means that its binary is not wanted. PoCL, rusticl and Oclgrind write to it, and Intel's runtime refuses
+// it: such a binary goes to temporary memory. rusticl panics if a program has no binary.
 cl_int read_binaries(cl_program program, std::size_t size, void* value, std::size_t* size_needed) {
     cl_int code = CL_SUCCESS;
     auto const sizes = binary_sizes(program, code);
@@ -148,7 +149,7 @@ void install_guards(std::string_view platform_name, functions& cl) noexcept {
     replace(cl.clGetProgramInfo, get_program_info);
     if (platform_name == pocl) {
         cl.clEnqueueWaitForEvents = nullptr;             // ends the process: "unimplemented"
-        cl.clSetProgramSpecializationConstant = nullptr; // aborts on a program never built, knows no constants
+        cl.clSetProgramSpecializationConstant = nullptr; // aborts on a program never built; has no constants
         replace(cl.clCreateCommandQueueWithProperties, pocl_create_queue);
         replace(cl.clCreateImage, pocl_create_image);
         replace(cl.clEnqueueNDRangeKernel, launch_unless_group_is_empty);
@@ -163,8 +164,8 @@ void install_guards(std::string_view platform_name, functions& cl) noexcept {
     }
 }
 
-// PoCL's threads and rusticl's do not exist in the child, which waits for them for ever. Oclgrind, Intel's runtime and
-// PoCL's "basic" device were seen to work there.
+// The threads of PoCL and rusticl do not exist in the child, which waits for them forever. Oclgrind, Intel's runtime
+// and PoCL's "basic" device work there.
 bool device_survives_fork(std::string_view platform_name, cl_device_id device) {
     if (platform_name == pocl) {
         return info_text(loaded().clGetDeviceInfo, device, CL_DEVICE_NAME).starts_with("basic");

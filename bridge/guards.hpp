@@ -1,12 +1,12 @@
 #pragma once
 
-// Calls that end or hang the process in some implementation because an argument is null or missing. They are answered
-// with the error code of the implementations that check, without being made. Everything else goes through unchanged:
-// wrong but present arguments are OpenCL's own business.
+// Calls that end or hang the process in some implementation because an argument is null or missing. The bridge does not
+// make them but returns the error code of the implementations that check. Everything else goes through unchanged:
+// OpenCL itself handles arguments that are there but wrong.
 //
-// Seen with PoCL 3.1, rusticl of Mesa 22.3, Oclgrind 21.10 and Intel's CPU runtime 2026.2, every row crashing unless it
-// says something else. The guards below stand for every implementation, since those that survive give the same answer;
-// those that only one implementation needs are in guards.cpp.
+// Seen with PoCL 3.1, rusticl of Mesa 22.3, Oclgrind 21.10 and Intel's CPU runtime 2026.2. Each row names those that
+// crash, unless it says something else. The guards below apply to every implementation, since those that survive give
+// the same answer; guards for single implementations are in guards.cpp.
 
 #include "entry_points.hpp"
 
@@ -18,13 +18,13 @@
 
 namespace nq::bridge {
 
-/// Whether a list that has entries is missing or has a null one among them.
+/// Whether a list with a count is null or has a null entry.
 template <class Element>
 bool incomplete(Element const* list, std::uint64_t count) noexcept {
     return count != 0 && (list == nullptr || std::find(list, list + count, nullptr) != list + count);
 }
 
-/// Whether a list that is there has a null entry.
+/// Whether a list that is not null has a null entry.
 template <class Element>
 bool holds_null(Element const* list, std::uint64_t count) noexcept {
     return list != nullptr && incomplete(list, count);
@@ -40,7 +40,7 @@ cl_int missing_pointer(Block const&) noexcept {
     return CL_SUCCESS;
 }
 
-// No events, a null event: Oclgrind, also in the wait lists of commands.
+// A null list of events, or a null event: Oclgrind, also in the wait lists of commands.
 inline cl_int missing_event(_nq_cl_event* const* list, std::uint32_t count) noexcept {
     if (count != 0 && list == nullptr) {
         return CL_INVALID_VALUE;
@@ -151,7 +151,7 @@ inline cl_int missing_pointer(block::clLinkProgram const& b) noexcept {
     return incomplete(b.input_programs, b.num_input_programs) ? CL_INVALID_PROGRAM : CL_SUCCESS;
 }
 
-/// Whether the object that the loader dispatches on is null; then the loader itself answers, and nothing crashes.
+/// Whether the object that the loader dispatches on is null: the loader itself then answers, and nothing crashes.
 template <class Block>
 bool leads_nowhere(Block const& b) noexcept {
     if constexpr (requires { b.command_queue; }) {
@@ -165,7 +165,7 @@ bool leads_nowhere(Block const& b) noexcept {
     }
 }
 
-/// The error code of a block that must not reach an implementation, else CL_SUCCESS.
+/// The error code if the block must not reach an implementation, else CL_SUCCESS.
 template <class Block>
 cl_int missing_argument(Block const& b) noexcept {
     cl_int code = missing_pointer(b);
@@ -177,10 +177,10 @@ cl_int missing_argument(Block const& b) noexcept {
     return code != CL_SUCCESS && leads_nowhere(b) ? CL_SUCCESS : code;
 }
 
-/// Replaces the functions that one implementation needs a guard for, and removes those that it only seems to have.
+/// Replaces the functions that need a guard in this implementation, and removes those that do not work in it.
 void install_guards(std::string_view platform_name, functions& cl) noexcept;
 
-/// Whether a device goes on working in a child forked after its platform has listed it.
+/// Whether a device works in a child that was forked after its platform had listed it.
 bool device_survives_fork(std::string_view platform_name, cl_device_id device);
 
 } // namespace nq::bridge

@@ -20,7 +20,7 @@ std::string load() {
     if (library != nullptr) {
         return {};
     }
-    // With the loader's symbols in the global scope Oclgrind binds its own entry points to them and loops for ever.
+    // If the loader's symbols are in the global scope, Oclgrind binds its own entry points to them and loops forever.
     void* const opened = dlopen(loader_name().c_str(), RTLD_NOW | RTLD_LOCAL);
     if (opened == nullptr) {
         return dlerror();

@@ -8,8 +8,8 @@
 
 namespace nq::bridge {
 
-/// Loads the library that NQ_BRIDGE_OPENCL names, unless one has been loaded before. Not thread-safe.
-/// Returns the reason when there is none, else an empty string.
+/// Loads the library that NQ_BRIDGE_OPENCL names, unless it has been loaded before. Returns an empty string, or the
+/// reason of the failure. Not thread-safe.
 std::string load();
 
 /// The loader's own functions; all null before `load`.
@@ -18,7 +18,7 @@ functions const& loaded() noexcept;
 /// The address of a name in the loaded library, or null.
 void* find_symbol(char const* name) noexcept;
 
-/// What NQ_BRIDGE_OPENCL says, or its default.
+/// The value of NQ_BRIDGE_OPENCL, or its default.
 std::string loader_name();
 
 } // namespace nq::bridge

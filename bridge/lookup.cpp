@@ -9,7 +9,7 @@
 namespace nq::bridge {
 namespace {
 
-// The loader hands out its own functions also where the implementation's slot behind them is null.
+// The loader returns its own functions even if the implementation's slot behind them is null.
 bool leads_nowhere(platform const& where, char const* name, void const* address) noexcept {
     auto const entries = entry_points();
     auto const entry =

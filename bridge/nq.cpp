@@ -17,13 +17,13 @@ version_number required_version(nq::capability version) noexcept {
     return index < versions.size() ? versions[index] : 0;
 }
 
-// What an OpenCL 3.0 device lacks of 2.x it answers with an error code, so that every version can be offered on it.
+// An OpenCL 3.0 device answers the features of 2.x that it lacks with error codes, so it can offer every version.
 bool offers(root_device const& device, nq::capability version) noexcept {
     version_number const required = required_version(version);
     return required != 0 && (device.version >= required || device.version >= 300);
 }
 
-// The devices are numbered from 1 in the order of their discovery.
+// Devices are numbered from 1 in the order of discovery.
 root_device const* find_device(nq::device number) {
     machine const* const found = discover();
     return found != nullptr && number - 1 < found->devices.size() ? &found->devices[number - 1] : nullptr;
@@ -55,7 +55,7 @@ int list_nodes(nq::device number, nq::capability version, std::uint64_t capacity
     return device != nullptr ? result : nq::result::unrecoverable;
 }
 
-// The platform is gone in this process, which was forked off the one that found it.
+// The platform does not work in this process, which was forked from the one that discovered it.
 bool lost_in_fork(platform const& owner) noexcept { return forked_after_discovery() && !owner.survives_fork; }
 
 int open_node(nq::capability_node node, nq_call_handle** handle) {

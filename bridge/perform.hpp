@@ -1,6 +1,6 @@
 #pragma once
 
-// `perform` for every argument block: the call of the entry point that the block is named after.
+// `perform` for every argument block: calls the entry point of the block's name.
 
 #include "call.hpp"
 #include "call_handle.hpp"
@@ -8,8 +8,8 @@
 
 #include <nq/blocks.hpp>
 
-// What follows the entry point's name are its arguments in its own order, `b` being the block. A row names the block
-// and the function at once, so that they cannot disagree.
+// The entry point's name is followed by its arguments in its own order; `b` is the block. One name stands for block and
+// function, so that they cannot disagree.
 #define STATUS(entry, ...)                                                                                             \
     inline void perform(nq_call_handle const& handle, block::entry& b) {                                               \
         invoke(b, handle.owner->cl.entry, __VA_ARGS__);                                                                \
@@ -29,7 +29,7 @@ namespace nq::bridge {
 
 STATUS(clCreateSubDevices, b.in_device, b.properties, b.num_devices, b.out_devices, b.num_devices_ret)
 CREATE(clCreateContext, b.properties, b.num_devices, b.devices, b.pfn_notify, b.user_data)
-// Beside an error PoCL hands out a context without devices; its release would abort, so nobody gets it.
+// PoCL returns a context without devices along with an error. Releasing it would abort, so it is dropped.
 CREATE(clCreateContextFromType, b.properties, b.device_type, b.pfn_notify, b.user_data)
 CREATE(clCreateCommandQueue, b.context, b.device, b.properties)
 CREATE(clCreateCommandQueueWithProperties, b.context, b.device, b.properties)
@@ -105,7 +105,7 @@ STATUS(clSetKernelArg, b.kernel, b.arg_index, b.arg_size, b.arg_value)
 STATUS(clSetKernelArgSVMPointer, b.kernel, b.arg_index, b.arg_value)
 STATUS(clSetKernelExecInfo, b.kernel, b.param_name, b.param_value_size, b.param_value)
 
-// A failed link can leave a program that holds the log, as rusticl's and Intel's do.
+// A failed link may return a program with the log, as rusticl and Intel's runtime do.
 inline void perform(nq_call_handle const& handle, block::clLinkProgram& b) {
     functions const& cl = handle.owner->cl;
     auto* const left = create(b, cl.clLinkProgram, b.context, b.num_devices, b.device_list, b.options,
@@ -115,7 +115,7 @@ inline void perform(nq_call_handle const& handle, block::clLinkProgram& b) {
     }
 }
 
-// The loader's own clUnloadCompiler asks no implementation.
+// The loader's own clUnloadCompiler calls no implementation.
 inline void perform(nq_call_handle const& handle, block::clUnloadCompiler& b) {
     auto* const unload = handle.owner->cl.clUnloadPlatformCompiler;
     b.status = unload != nullptr ? unload(handle.owner->id) : CL_SUCCESS;

@@ -27,10 +27,10 @@ bool reaches(platform const& where, entry_point const& entry) noexcept {
     if (where.version < entry.since) {
         return false;
     }
-    // Every object of an implementation begins with the address of its dispatch table.
+    // Every object of an implementation starts with the address of its dispatch table.
     auto const& implementation = **reinterpret_cast<functions const* const*>(where.id);
     void* const target = slot(implementation, entry.slot);
-    // A slot that points back at the loader would call itself for ever.
+    // A slot that points back at the loader would call itself forever.
     return target != nullptr && target != slot(loaded(), entry.slot);
 }
 

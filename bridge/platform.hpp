@@ -1,6 +1,6 @@
 #pragma once
 
-// An OpenCL platform and what its implementation can be asked.
+// An OpenCL platform and the entry points of its implementation.
 
 #include "entry_points.hpp"
 
@@ -10,7 +10,7 @@
 namespace nq::bridge {
 
 struct platform {
-    functions cl; // the loader's, null where the implementation lacks an entry point
+    functions cl; // the loader's; null if the implementation lacks the entry point
     cl_platform_id id;
     version_number version;
     std::string name;
@@ -22,10 +22,10 @@ version_number parse_version(std::string_view text) noexcept;
 
 platform describe(cl_platform_id id);
 
-/// Whether an entry point of the loader leads to code of the implementation behind a platform.
+/// Whether an entry point of the loader reaches code of the platform's implementation.
 bool reaches(platform const& where, entry_point const& entry) noexcept;
 
-/// The text that an info query of a platform or device answers, empty when it fails.
+/// The reply of a text query of a platform or device, empty if it fails.
 template <class Query, class Object>
 std::string info_text(Query query, Object object, cl_uint name) {
     std::size_t size = 0;

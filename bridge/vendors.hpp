@@ -1,6 +1,6 @@
 #pragma once
 
-// The vendor libraries that the ICD loader is told to load.
+// The vendor libraries that the ICD loader loads.
 
 #include <string>
 #include <vector>
@@ -15,7 +15,7 @@ struct vendor {
 /// Where the loader looks: OCL_ICD_VENDORS, OPENCL_VENDOR_PATH or the system's folder.
 std::string vendor_setting();
 
-/// The libraries that a setting leads to: a folder of .icd files, one such file, or a library.
+/// The libraries that a setting names: a folder of .icd files, one such file, or a library.
 std::vector<vendor> list_vendors(std::string const& setting);
 
 } // namespace nq::bridge

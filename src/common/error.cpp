@@ -4,7 +4,7 @@
 namespace vorn::mero::common {
 namespace {
 
-// Every status but success: its class, the base of the class, its message. The message of `invalid_spec_id` is that of
+// Every status except success: its class, the class's base, its message. `invalid_spec_id` has the message of
 // `invalid_device_queue`.
 // clang-format off
 #define EACH_ERROR(X) \

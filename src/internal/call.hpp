@@ -1,7 +1,7 @@
 #pragma once
 
-// One capability call: first the call layer's own result is checked, then the OpenCL status. Only when both pass may
-// the results in the block be used.
+// One capability call: the call layer's own result is checked first, the OpenCL status second. The results in the block
+// are valid only if both pass.
 
 #include <nq/call_handle.hpp>
 #include <nq/nq.hpp>
@@ -11,7 +11,7 @@
 
 namespace vorn::mero::internal {
 
-/// Throws the `nq` exception of a result of libnq other than success.
+/// Throws the `nq` exception of a result of libnq; returns on success.
 [[noreturn, gnu::cold]] void throw_call_failure(int result);
 
 inline void check_result(int result) {
@@ -20,7 +20,7 @@ inline void check_result(int result) {
     }
 }
 
-/// Performs a command without looking at an OpenCL status.
+/// Performs a command without checking an OpenCL status.
 inline void call(nq_call_handle* handle, std::uint32_t command_id, void* block) {
     check_result(nq_call_capability(handle, command_id, block, nullptr));
 }

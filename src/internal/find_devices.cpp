@@ -7,8 +7,8 @@
 namespace vorn::mero::internal {
 namespace {
 
-// A listing in two phases: `list(capacity, array, &count)` is asked for the number, then for the elements. A larger
-// second number is not asked for again; what the second call leaves unwritten stays zero.
+// Calls `list(capacity, array, &count)` twice, for the number and for the elements. If the second number is larger, the
+// rest is not read; elements that the second call does not write stay zero.
 template <class Element, class List>
 std::vector<Element> read_listing(List list) {
     std::uint64_t count = 0;
@@ -47,7 +47,7 @@ std::vector<nq::capability_node> capability_nodes(nq::device root, nq::capabilit
 nq::call_handle open_call_handle(nq::capability_node node) {
     nq_call_handle* handle = nullptr;
     check_result(nq_create_call_handle(node, &handle, nullptr));
-    return {handle, nq_close_call_handle}; // closes the handle also when it cannot be shared for want of memory
+    return {handle, nq_close_call_handle}; // closes the handle even if this throws std::bad_alloc
 }
 
 } // namespace vorn::mero::internal

@@ -15,11 +15,11 @@ namespace {
 
 constexpr char const* logger_name = "mero";
 
-// Has no destructor, so that it can be read until the very end of the process.
+// Has no destructor, so that destructors can read it until the very end of the process.
 std::atomic<bool> logger_is_gone{false};
 
-// Brings spdlog's registry to life when the library is loaded: it then outlives every object of the program whose
-// destructor may be the first to log.
+// Constructs spdlog's registry when the library is loaded. The registry then outlives all objects of the program, whose
+// destructors may be the first to log.
 [[maybe_unused]] auto const registry_is_alive = spdlog::get(logger_name) != nullptr;
 
 std::string_view environment(char const* name, std::string_view otherwise) {

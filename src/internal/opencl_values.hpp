@@ -1,7 +1,7 @@
 #pragma once
 
-// The OpenCL numbers that the library itself passes, under OpenCL's names in lower case and without `CL_`. The numbers
-// of the extensions are the library's own where the public headers differ.
+// The OpenCL constants that the library itself uses, with OpenCL's names in lower case without `CL_`. Some numbers of
+// extensions differ from those in the public headers; these are the library's own.
 
 #include <cstdint>
 

@@ -1,7 +1,6 @@
 #pragma once
 
-// The member definitions of `owner`; a source file that instantiates them for a kind first says how the kind is
-// counted:
+// The member definitions of `owner`. Before a source instantiates them for a kind, it says how OpenCL counts the kind:
 //
 //     template <> struct ownership<some_kind> : counted<version, block::clRetainX, block::clReleaseX> {
 //         static constexpr char const* destructor_message = "...";
@@ -21,7 +20,7 @@ namespace vorn::mero::internal {
 template <class Kind>
 struct ownership;
 
-/// Objects that OpenCL counts, with the blocks of their retain and release entry points.
+/// Objects that OpenCL counts: the blocks of their retain and release entry points.
 template <nq::capability Version, class Retain, class Release>
 struct counted {
     static void retain(nq_call_handle* call_handle, auto* raw) {

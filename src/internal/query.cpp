@@ -5,7 +5,7 @@
 namespace vorn::mero::internal {
 namespace {
 
-// Buffers that an implementation which reports no size may fill completely before its answer is refused.
+// An implementation that reports no size may fill this many buffers completely; then the query fails.
 constexpr int full_buffer_limit = 55;
 constexpr std::size_t first_guess = 100;
 
@@ -38,8 +38,8 @@ std::size_t read_once(info_query query, void* doubled_buffer, std::size_t size) 
     return reported;
 }
 
-// Khronos public bug #1510: implementations that report no size for a list. The reply is asked for with growing buffers
-// until one is not filled to its end.
+// Khronos public bug #1510: some implementations report no size for a list. The query is repeated with growing buffers
+// until the reply does not fill one.
 void read_array_of_unreported_size(info_query query, std::size_t element_size, growable_array& array) {
     std::size_t capacity = first_guess;
     std::size_t size = 0;

@@ -1,7 +1,7 @@
 #pragma once
 
-// The reads behind every query. They distrust the implementation: each size that it reports is checked, and a mismatch
-// is `common::bad_implementation`. Nothing is cached.
+// The reads behind every query. They check each size that the implementation reports and throw
+// `common::bad_implementation` if it is wrong. Nothing is cached.
 
 #include <array>
 #include <cstddef>
@@ -13,7 +13,7 @@
 
 namespace vorn::mero::internal {
 
-/// Refers to an info entry point with everything filled in but the three arguments that a read chooses. Performs one
+/// Refers to an info entry point, complete except for the three arguments that a read chooses. A call makes one
 /// capability call and throws what failed.
 class info_query {
 public:
@@ -30,8 +30,8 @@ private:
     void (*ask_)(void*, std::size_t, void*, std::size_t*);
 };
 
-/// Reads one value of `size` bytes into a buffer of twice that size, which an implementation that reports no size gets
-/// whole.
+/// Reads one value of `size` bytes into a buffer of twice that size. An implementation that reports no size may write
+/// to the whole buffer.
 void read_value(info_query query, void* doubled_buffer, std::size_t size);
 
 /// The same for `count` elements in a row.
@@ -40,7 +40,7 @@ void read_elements(info_query query, void* doubled_buffer, std::size_t count, st
 /// Reads a text without its last byte, the terminating zero.
 std::string read_text(info_query query);
 
-/// What an array read fills: storage that is resized to a number of elements, new ones zero.
+/// Storage for an array read: it can be resized to a number of elements; new elements are zero.
 class growable_array {
 public:
     virtual void* resize(std::size_t count) = 0;
@@ -79,7 +79,7 @@ std::vector<T> read_vector(info_query query) {
     return std::move(array.elements);
 }
 
-/// An array that needs the heap only beyond `N` elements; for lists that are read to be converted at once.
+/// An array that uses the heap only for more than `N` elements; for lists that are converted right after the read.
 template <class T, std::size_t N = 16>
 class short_array final : public growable_array {
 public:

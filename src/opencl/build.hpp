@@ -1,6 +1,6 @@
 #pragma once
 
-// Declares the OpenCL version that a source file is being compiled for; the build compiles each once per version.
+// Declares the OpenCL version of this compilation; the build compiles each source once for every version.
 
 #include <vorn/mero/opencl/dependencies.hpp>
 

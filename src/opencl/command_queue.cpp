@@ -52,7 +52,7 @@ bool has_property(owner<Kind> const& object, std::uint64_t property) {
     return (read_scalar<std::uint64_t>(ask(object, cl::queue_properties)) & property) != 0;
 }
 
-// Performs an entry point whose block holds a queue and a status only.
+// Performs an entry point whose block has only a queue and a status.
 template <class Block>
 void perform_on_queue(host_queue const& queue) {
     Block block;

@@ -2,8 +2,8 @@
 
 #include <stdexcept>
 
-// Contexts themselves, and the factories that differ little between the versions; images are in context_images.cpp,
-// queues in context_queues.cpp, programs in context_programs.cpp.
+// Contexts, and the factories that differ little between versions. Images are in context_images.cpp, queues in
+// context_queues.cpp, programs in context_programs.cpp.
 
 template <>
 struct vorn::mero::internal::ownership<vorn::mero::VORN_MERO_NAMESPACE::internal::context_kind>
@@ -23,7 +23,7 @@ query<block::clGetContextInfo> ask(context const& object, std::uint32_t name) {
     return {call_handle_of(object), {.context = raw_of(object), .param_name = name}};
 }
 
-// A context property is laid out as the word that it carries.
+// A context property has the layout of the word that it holds.
 std::int64_t const* property_list(std::vector<context_property> const& properties) {
     return reinterpret_cast<std::int64_t const*>(data_or_null(properties));
 }

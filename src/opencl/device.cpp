@@ -50,7 +50,7 @@ std::intptr_t read_partition_scheme(device const& object) {
     return read_scalar<std::intptr_t>(ask(object, cl::device_partition_properties));
 }
 
-// Asks for the number of sub-devices that a property list gives, then makes them.
+// Asks how many sub-devices a property list makes, then makes them.
 std::vector<device> partition(device& parent, std::vector<std::int64_t> const& properties) {
     std::uint32_t count = 0;
     block::clCreateSubDevices block{

@@ -1,6 +1,6 @@
 #include "opencl/wire.hpp"
 
-// The device queries that are one read and one test; what else a device does is in device.cpp.
+// Device queries of one read and one test. Everything else of a device is in device.cpp.
 
 namespace vorn::mero::VORN_MERO_NAMESPACE {
 

@@ -4,7 +4,7 @@
 
 namespace vorn::mero::VORN_MERO_NAMESPACE::detail {
 
-/// The arguments of `command::call`, which go into every block of a command alike.
+/// The arguments of `command::call`, for the block of any command.
 struct enqueueing {
     nq::call_handle const& handle;
     _nq_cl_command_queue* queue;

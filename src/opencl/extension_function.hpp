@@ -1,6 +1,6 @@
 #pragma once
 
-// Extension functions: OpenCL is asked for the address at every use, and the address is called in process.
+// Extension functions: every use asks OpenCL for the address and calls it directly.
 
 #include "opencl/wire.hpp"
 
@@ -22,7 +22,8 @@ void* find_function(Object const& owner, char const* name) {
 }
 #endif
 
-/// The address of an extension function for an object's platform, or a `std::logic_error` with `otherwise`.
+/// The address of an extension function for an object's platform. Throws `std::logic_error` with `otherwise` if there
+/// is none.
 template <class Function, class Object>
 Function* require_function(Object const& owner, char const* name, char const* otherwise) {
     void* const address = find_function(owner, name);

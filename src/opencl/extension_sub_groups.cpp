@@ -1,6 +1,6 @@
 #include "opencl/extension_function.hpp"
 
-// The extensions of OpenCL 1.2 and 2.0 that later versions took in.
+// Extensions of OpenCL 1.2 and 2.0 that became part of later versions.
 
 #if VORN_MERO_OPENCL >= 120 && VORN_MERO_OPENCL < 210
 namespace vorn::mero::VORN_MERO_NAMESPACE::extension {
@@ -12,7 +12,7 @@ namespace {
 using get_sub_group_info = std::int32_t(_nq_cl_kernel*, _nq_cl_device_id*, std::uint32_t, std::size_t, void const*,
                                         std::size_t, void*, std::size_t*);
 
-// Reads one number about the sub-groups of a launch; `otherwise` says that there is no such function.
+// Reads one number about the sub-groups of a launch; `otherwise` is the message if the function is missing.
 template <std::size_t N>
 std::uint64_t read_sub_group(kernel const& function, device const& target, std::uint32_t name,
                              std::array<std::size_t, N> const& local_size, char const* otherwise) {
@@ -77,7 +77,7 @@ namespace cl_khr_terminate_context {
 
 namespace {
 
-// The extension's number for both the status of a terminated command and the callback that tells of it.
+// The extension's number for both the status of a terminated command and the callback for it.
 constexpr std::int32_t terminated = 0x13A;
 constexpr std::uint64_t terminate_capability_mask = 0x13A;
 

@@ -156,7 +156,7 @@ void kernel::set_fine_grain_system_flag(bool enabled) {
 #if VORN_MERO_OPENCL >= 210
 namespace {
 
-// Reads one number about sub-groups; `input` is what the query needs to know of a launch.
+// Reads one number about sub-groups; `input` is the local size or the number that the query takes.
 std::size_t read_sub_group(kernel const& object, device const& target, std::uint32_t name, std::size_t input_size = 0,
                            void const* input = nullptr) {
     return read_scalar<std::size_t>(

@@ -72,7 +72,7 @@ std::vector<device_binary> program::binaries() const {
         binaries[i].binary.resize(sizes[i]);
         places.push_back(binaries[i].binary.data());
     }
-    std::size_t written = 0; // not looked at: the binaries have the sizes asked for above
+    std::size_t written = 0; // not used: the sizes are known
     ask(*this, cl::program_binaries)(places.size() * sizeof(unsigned char*), places.data(), &written);
     return binaries;
 }

@@ -1,6 +1,6 @@
 #pragma once
 
-// The way of a version's classes to the wire: every source beside this file fills a block and hands it on here.
+// From a version's classes to the wire: the sources in this folder fill a block and perform it here.
 
 #include "opencl/build.hpp"
 
@@ -41,7 +41,7 @@ auto raw_handles(std::vector<Object> const& objects) {
     return handles;
 }
 
-/// The elements of a list as OpenCL wants them: null when there is none.
+/// The address of the elements, null for an empty list as OpenCL requires.
 template <class T>
 T* data_or_null(std::vector<T>& list) noexcept {
     return list.empty() ? nullptr : list.data();
@@ -70,7 +70,7 @@ void perform_without_status(nq::call_handle const& handle, Block& block) {
     mero::internal::call(handle.get(), nq::command_id<version, Block>, &block);
 }
 
-/// Performs a create entry point on an object's call handle; the result owns the reference that OpenCL gave.
+/// Performs a create entry point on an object's call handle. The result owns the reference from OpenCL.
 template <class Result, class Kind, class Block>
 Result create(owner<Kind> const& maker, Block& block) {
     perform(call_handle_of(maker), block);
@@ -124,7 +124,7 @@ std::vector<T> read_vector(query<Block> ask) {
     return mero::internal::read_vector<T>(ask);
 }
 
-/// Reads a raw handle and gives an object of its own reference, on the call handle of the object that was asked.
+/// Reads a raw handle and returns an object that retains it, on the call handle of `asked`.
 template <class Result, class Kind, class Block>
 Result read_object(owner<Kind> const& asked, query<Block> ask) {
     auto* const raw = read_scalar<typename Result::raw_type*>(ask);
@@ -143,7 +143,7 @@ std::vector<device> read_devices(owner<Kind> const& asked, query<Block> ask) {
     return devices;
 }
 
-/// Makes an owner of each handle in turn. Whatever happens each handle is released exactly once.
+/// Makes an owner of each handle in order. If that fails, each handle has been released exactly once.
 template <class Object, class Raw>
 std::vector<Object> adopt_all(nq::call_handle const& handle, Raw* const* raws, std::size_t count) {
     std::vector<Object> objects;
