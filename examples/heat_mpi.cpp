@@ -1,10 +1,10 @@
-// The heat equation on a plate, over several machines: one process (MPI rank) for each share of the lines, one device
-// for each process. While a device computes the inside of its share, the lines at its edges travel to the neighbours
-// through mapped buffers.
+// The heat equation on a plate, on several machines: each process (MPI rank) has a share of the lines and one device.
+// While a device computes the inside of its share, the processes exchange the lines at the edges through mapped
+// buffers.
 //
 //     mpirun -n RANKS heat_mpi [--lines N] [--steps N] [--platform TEXT]
 //
-// Rank 0 computes the whole plate alone too and compares; exits 1 unless both are equal to the last bit.
+// Rank 0 also computes the whole plate alone and compares. Exits 1 unless both are equal to the last bit.
 
 #include "support.hpp"
 
@@ -21,7 +21,7 @@ namespace {
 constexpr std::size_t width = 512;
 constexpr std::size_t line_bytes = width * sizeof(float);
 
-// `edges` holds the first and the last line of a share, `halo` the lines next to them in the neighbours' shares.
+// `edges` has the first and the last line of a share, `halo` the lines next to them in the neighbours' shares.
 constexpr char const* source = R"(
 #pragma OPENCL FP_CONTRACT OFF
 
@@ -57,7 +57,7 @@ kernel void edge(global const float* from, global float* to, global const float*
 }
 )";
 
-// The lines at the edges of a share, to be exchanged with those of the neighbours.
+// The lines at the edges of a share, for the exchange with the neighbours.
 class neighbours {
 public:
     neighbours(int rank, int ranks)
@@ -76,7 +76,7 @@ private:
     int below_;
 };
 
-// Some lines of the plate on a device, and the queues that compute them and move their edges.
+// A share of the plate on a device, with the queues that compute it and move its edges.
 class share {
 public:
     share(cl::device const& device, std::vector<float> const& lines)
@@ -168,7 +168,7 @@ struct run {
 };
 
 run simulate(cl::device const& device, std::vector<float> const& lines, neighbours const& beside, int steps) {
-    share(device, lines).step(beside); // the first launch of a kernel may compile it once more
+    share(device, lines).step(beside); // the first launch may compile the kernel again
     share mine(device, lines);
     double const start = MPI_Wtime();
     for (int i = 0; i != steps; ++i) {

@@ -1,8 +1,8 @@
-// Finds the edges of a picture on a device, and checks the result on the host.
+// Finds the edges in a picture on a device, and checks the result on the host.
 //
 //     image_filter IN.png OUT.png [--platform TEXT]
 //
-// Exits 1 when a pixel differs from the host's by more than one step of its 255.
+// Exits 1 if a colour of a pixel differs from the host's by more than 1 of 255.
 
 #include "support.hpp"
 
@@ -30,7 +30,7 @@ float3 at(read_only image2d_t picture, int x, int y) {
     return convert_float3(read_imageui(picture, nearest, (int2)(x, y)).xyz);
 }
 
-// The length of the gradient in each colour, by the operator of Sobel.
+// The length of the gradient in each colour, with the Sobel operator.
 kernel void edges(read_only image2d_t from, write_only image2d_t to) {
     int x = get_global_id(0);
     int y = get_global_id(1);

@@ -1,8 +1,8 @@
-// Lists the devices that each namespace finds, with the properties that a person wants to know.
+// Lists the devices that each namespace finds, with their main properties.
 //
 //     list_devices [--json]
 //
-// As a table with one row for each device, or as JSON with one object for each device in each namespace.
+// Prints a table with one row for each device, or JSON with one object for each device in each namespace.
 
 #include "support.hpp"
 
@@ -72,7 +72,7 @@ row describe(Device const& device, std::string const& version, _nq_cl_device_id*
             has_doubles(device)};
 }
 
-// One device in several namespaces has one raw handle, and gets one row.
+// A device has the same raw handle in all namespaces, and gets one row.
 template <class Api>
 void add_rows(std::vector<row>& rows) {
     for (auto const& device : Api::get_all_devices()) {

@@ -1,5 +1,5 @@
-// An out-of-order queue that uploads, computes and downloads chunks of a job side by side, and the timeline of its
-// events as an SVG drawing.
+// Uploads, computes and downloads chunks of a job at the same time, on an out-of-order queue, and draws the timeline of
+// its events as SVG.
 //
 //     pipeline [TIMELINE.svg] [--platform TEXT]
 
@@ -37,7 +37,7 @@ struct step {
     cl::event event;
 };
 
-// Each chunk waits for its own steps only; the queue may run those of different chunks side by side.
+// Each chunk waits only for its own steps; the queue may run steps of different chunks at the same time.
 std::vector<step> enqueue(cl::command_queue& queue, std::vector<cl::buffer>& buffers, std::vector<cl::kernel>& kernels,
                           std::vector<float>& values) {
     std::vector<step> steps;
@@ -92,7 +92,7 @@ constexpr char const* colour_of(stage kind) {
     return kind == stage::upload ? "#4477aa" : kind == stage::compute ? "#cc6677" : "#228833";
 }
 
-// One line for each chunk, one bar for each command from its start to its end.
+// One line for each chunk, with one bar for each command from its start to its end.
 void draw(std::string const& path, std::vector<step> const& steps) {
     constexpr double width = 900;
     constexpr double line = 24;

@@ -1,10 +1,10 @@
-// The main job, in all six namespaces: discovers devices, builds a program, computes y = a * x + y from buffers written
-// by commands, reads the result back and checks every element.
+// The whole way, in all six namespaces: discovers devices, builds a program, writes buffers, computes y = a * x + y,
+// reads the result and checks every element.
 //
 //     saxpy [--elements N] [--platform TEXT]
 //
-// N is a multiple of 64, 16 Mi unless given; TEXT picks the platforms whose names contain it. Exits 1 when a check
-// fails or no device is found.
+// N is a multiple of 64, by default 16 Mi; TEXT selects the platforms whose names contain it. Exits 1 if a check fails
+// or there is no device.
 
 #include <vorn/mero/opencl.hpp>
 
@@ -27,7 +27,7 @@ struct options {
 
 struct measurement {
     double build_ms = 0;
-    double kernel_ms = 0; // 0 when the queue does not profile
+    double kernel_ms = 0; // 0 if the queue does not profile
     double error = 0;     // the largest, of any element
 };
 
@@ -54,7 +54,7 @@ std::vector<float> fill(std::size_t elements, float (*value_at)(std::size_t)) {
 double largest_error(std::vector<float> const& result) {
     double error = 0;
     for (std::size_t i = 0; i != result.size(); ++i) {
-        // a NaN is an error too, and compares false
+        // counts a NaN as an error, since it compares false
         double const difference = std::abs(double{result[i]} - double{factor * x_at(i) + y_at(i)});
         error = difference <= error ? error : difference;
     }
@@ -118,7 +118,7 @@ void print(std::string const& version, std::string const& device, std::size_t el
     std::printf("  %g\n", measured.error);
 }
 
-// Returns the number of devices that computed rightly, or -1 when one did not.
+// Returns the number of devices, or -1 if one computed a wrong result.
 template <class Api>
 int run_all(options const& chosen, std::vector<float> const& x, std::vector<float> const& y) {
     std::string const version =

@@ -1,9 +1,9 @@
-// Splits one job over several devices: over the sub-devices of one, and over all devices of all platforms at once. Each
-// device gets as many lines of the picture as its speed, measured first, deserves. Prints the times and the speed-up.
+// Splits one job over several devices: over the sub-devices of one, and over all devices of all platforms. Measures the
+// speed of each device, and gives each lines of the picture in proportion. Prints the times and the speed-up.
 //
 //     split [--lines N]
 //
-// The picture is the Mandelbrot set. Exits 1 when a split gives another picture than a single device.
+// The picture is the Mandelbrot set. Exits 1 if a split computes another picture than a single device.
 
 #include "support.hpp"
 
@@ -41,7 +41,7 @@ double milliseconds_since(std::chrono::steady_clock::time_point start) {
     return std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - start).count();
 }
 
-// One device with all that it needs for its share of the lines.
+// One device with the objects for its share of the lines.
 class worker {
 public:
     worker(cl::device const& device, std::size_t lines)
@@ -55,7 +55,7 @@ public:
 
     std::string const& name() const { return name_; }
 
-    /// Starts computing some lines, which arrive in `steps` by the time that `finish` returns.
+    /// Starts computing some lines; when `finish` returns, they are in `steps`.
     void start(std::size_t first_line, std::size_t lines, std::uint32_t* steps) {
         if (lines == 0) {
             return;
@@ -71,7 +71,7 @@ public:
 
     void flush() { queue_.flush(); }
 
-    // Waits for the read itself: a queue that was flushed may report its end too early (seen on rusticl 22.3).
+    // Waits for the read itself: after a flush, `finish` of the queue may return too early (seen on rusticl 22.3).
     void finish() {
         for (cl::event const& read : pending_) {
             _nq_cl_event* const raw = cl::raw::get_raw_event(read);
@@ -91,7 +91,7 @@ private:
     std::vector<cl::event> pending_;
 };
 
-// Computes the picture with some lines for each worker, and gives the time in milliseconds.
+// Computes the picture with the given number of lines for each worker. Returns the time in milliseconds.
 double compute(std::vector<worker>& workers, std::vector<std::size_t> const& shares,
                std::vector<std::uint32_t>& steps) {
     auto const start = std::chrono::steady_clock::now();
@@ -109,7 +109,7 @@ double compute(std::vector<worker>& workers, std::vector<std::size_t> const& sha
     return milliseconds_since(start);
 }
 
-// The lines for each worker, by the time that each took for all of them.
+// The number of lines for each worker, from the time that each took for the same lines.
 std::vector<std::size_t> share_out(std::size_t lines, std::vector<double> const& times) {
     double speed = 0;
     for (double const time : times) {
@@ -125,11 +125,11 @@ std::vector<std::size_t> share_out(std::size_t lines, std::vector<double> const&
     return shares;
 }
 
-// Times each worker alone on a few lines of the middle, where the work is, to spare slow ones the whole.
+// Times each worker alone, on a few lines of the middle only: most of the work is there, and slow workers finish soon.
 std::vector<double> probe(std::vector<worker>& workers, std::size_t lines, std::vector<std::uint32_t>& steps) {
     std::vector<double> times;
     for (worker& each : workers) {
-        for (int turn = 0; turn != 2; ++turn) { // the first brings the program into the caches
+        for (int turn = 0; turn != 2; ++turn) { // the first turn fills the caches
             auto const start = std::chrono::steady_clock::now();
             each.start(lines / 2, 2, steps.data());
             each.finish();
@@ -140,7 +140,7 @@ std::vector<double> probe(std::vector<worker>& workers, std::size_t lines, std::
     return times;
 }
 
-// The picture of the fastest worker alone is the reference. Returns whether the split gives the same.
+// The reference is the picture of the fastest worker alone. Returns whether the split computes the same.
 bool split(char const* what, std::vector<cl::device> const& devices, std::size_t lines) {
     std::vector<std::uint32_t> alone(lines * width);
     std::vector<std::uint32_t> together(lines * width);
@@ -164,14 +164,14 @@ bool split(char const* what, std::vector<cl::device> const& devices, std::size_t
     }
     std::printf("  fastest alone %.1f ms, together %.1f ms: %.2f times as fast; %zu of %zu points differ\n\n",
                 time_alone, time_together, time_alone / time_together, different, alone.size());
-    return different <= alone.size() / 1000; // platforms round differently, and a point at the set's edge may tip over
+    return different <= alone.size() / 1000; // platforms round differently, which matters at the set's edge
 }
 
 std::vector<cl::device> sub_devices_of_any(std::vector<cl::device> const& devices) {
     for (cl::device device : devices) {
         try {
             return device.partition_equally(std::max(device.max_compute_units() / 2, 1U));
-        } catch (vorn::mero::common::error const&) { // this device does not divide
+        } catch (vorn::mero::common::error const&) { // this device cannot be partitioned
         }
     }
     return {};

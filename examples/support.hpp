@@ -1,6 +1,6 @@
 #pragma once
 
-// What several examples need besides their subject.
+// Helpers of several examples.
 
 #include <vorn/mero/opencl.hpp>
 
@@ -33,7 +33,7 @@ void for_each_version(Work work) {
     work.template operator()<api<220>>();
 }
 
-/// The devices of the platforms whose names contain a text, that `accept`.
+/// The devices that `accept` accepts, of the platforms whose names contain a text.
 template <class Api, class Accept>
 std::vector<typename Api::device> find_devices(std::string const& platform, Accept accept) {
     std::vector<typename Api::device> found;
@@ -45,7 +45,7 @@ std::vector<typename Api::device> find_devices(std::string const& platform, Acce
     return found;
 }
 
-/// The first of them; throws `std::runtime_error` when there is none.
+/// The first of them. Throws `std::runtime_error` if there is none.
 template <class Api, class Accept>
 typename Api::device find_device(std::string const& platform, Accept accept) {
     auto const found = find_devices<Api>(platform, accept);
@@ -55,7 +55,7 @@ typename Api::device find_device(std::string const& platform, Accept accept) {
     return found.front();
 }
 
-/// A built program; throws `std::runtime_error` with the build log when it does not build.
+/// A built program. Throws `std::runtime_error` with the build log if it does not build.
 template <class Api>
 typename Api::program build(typename Api::context& context, typename Api::device const& device, char const* source,
                             std::string const& options = "") {

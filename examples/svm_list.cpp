@@ -1,5 +1,5 @@
-// A linked list that host and device share: the host links nodes by plain pointers, a kernel follows them, changes the
-// nodes and adds one of its own at the end; the host then walks the same list.
+// A linked list that host and device share. The host links nodes by plain pointers; a kernel follows them, changes the
+// nodes and adds one at the end; then the host walks the same list.
 //
 //     svm_list [--nodes N] [--platform TEXT]
 
@@ -39,7 +39,7 @@ kernel void square_and_append(global struct node* head, global struct node* spar
 }
 )";
 
-// Nodes in shared virtual memory, freed together.
+// Nodes in shared virtual memory; they are freed together.
 class node_pool {
 public:
     explicit node_pool(cl::context const& context) : context_(context) {}
@@ -67,7 +67,7 @@ private:
     std::vector<void*> pointers_;
 };
 
-// Lets the host use every node; coarse-grained memory belongs to either the host or the devices.
+// Lets the host use every node: coarse-grained memory belongs either to the host or to the devices.
 void map(cl::host_command_queue& queue, node_pool const& pool, cl::map_flags flags) {
     for (void* const pointer : pool.pointers()) {
         queue.enqueue_command_without_event(cl::svm_map(true, flags, pointer, sizeof(node)));
@@ -94,7 +94,7 @@ node* link(node_pool& pool, std::size_t count, cl::host_command_queue& queue) {
     return head;
 }
 
-// The number of nodes when all are as they should be, otherwise 0.
+// The number of nodes if all are right, otherwise 0.
 std::size_t check(node const* head, std::size_t count) {
     std::int64_t sum = 0;
     std::size_t seen = 0;
