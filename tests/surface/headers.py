@@ -16,8 +16,18 @@ BUDGET_S = 0.15
 GENEROUS = 4  # the machine may be busy
 FORBIDDEN = re.compile(r"/(CL|spdlog|fmt)/")
 ALL = "vorn/mero/opencl.hpp"
+OPENCL = "CL/opencl.hpp"
 LARGEST = "vorn/mero/opencl_2_2.hpp"
 PART = "vorn/mero/opencl/version.hpp"  # a piece of the umbrella headers
+EXTENSIONS = {
+    "1_0": "amd_kernel_info altera_device_temperature altera_live_object_tracking arm_printf amd_device_topology",
+    "1_1": "amd_kernel_info arm_printf amd_device_topology",
+    "1_2": "amd_kernel_info amd_device_topology khr_il_program khr_spir intel_subgroups",
+    "2_0": "amd_kernel_info amd_device_topology khr_il_program khr_spir intel_subgroups khr_sub_groups "
+           "khr_terminate_context khr_initialize_memory",
+    "2_1": "amd_kernel_info khr_il_program khr_spir",
+    "2_2": "amd_kernel_info khr_il_program khr_spir",
+}
 STRICT = ["-Wall", "-Wextra", "-Wpedantic", "-Wshadow", "-Wconversion", "-Wold-style-cast", "-Werror"]
 
 
@@ -34,6 +44,15 @@ class Headers:
     def alone(self, standard, name):
         done = self.compile(f"#include <{name}>\n", f"-std={standard}", "-fsyntax-only", *STRICT)
         return f"{name} in {standard}:\n{done.stderr}" if done.returncode else None
+
+    def beside_opencl(self, first, second):
+        """OpenCL's own headers define names of extensions as macros, whose values programs keep."""
+        uses = "".join(f"using vorn::mero::opencl_{version}::extension::{name}::extension_available;\n"
+                       for version, names in EXTENSIONS.items() for name in names.split())
+        source = f"#include <{first}>\n#include <{second}>\nnamespace uses {{\n{uses}}}\nstatic_assert(cl_khr_il_program == 1);\n"
+        done = self.compile(source, "-std=c++17", "-fsyntax-only", *STRICT, "-DCL_TARGET_OPENCL_VERSION=300",
+                            "-DCL_HPP_TARGET_OPENCL_VERSION=300")
+        return [f"{first} before {second}:\n{done.stderr}"] if done.returncode else []
 
     def forbidden(self, name):
         listed = self.compile(f"#include <{name}>\n", "-std=c++17", "-M").stdout
@@ -86,6 +105,8 @@ def main():
     with concurrent.futures.ThreadPoolExecutor(os.cpu_count()) as pool:
         faults = [fault for fault in pool.map(headers.alone, *zip(*work)) if fault]
     faults += [fault for name in headers.umbrellas for fault in headers.forbidden(name)]
+    for order in ((ALL, OPENCL), (OPENCL, ALL)):
+        faults += headers.beside_opencl(*order)
     print(f"{len(work)} compilations of {len(headers.names)} headers in {', '.join(standards)} with {headers.command}")
 
     for name in (LARGEST, ALL):

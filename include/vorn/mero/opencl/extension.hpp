@@ -2,10 +2,13 @@
 // the object's platform, with three calls or more, and then calls it directly. If OpenCL does not know the function,
 // `std::logic_error` is thrown; if the function fails, the exception of its status. Check `extension_available` first:
 //
-//     namespace ending = cl::extension::cl_khr_terminate_context;
+//     namespace ending = cl::extension::khr_terminate_context;
 //     if (ending::extension_available(device) && ending::is_terminate_supported(device)) {
 //         ending::terminate(context);
 //     }
+//
+// Each has two names, `cl_khr_terminate_context` and `khr_terminate_context`. Programs that include OpenCL's own headers
+// use the second: those headers define some of the first as macros.
 //
 // All but that of `cl_amd_kernel_info` read the list `device::extensions`, see `internal::extension_supported` below,
 // and throw only what that query throws. All functions are thread-safe as far as the extension's are.
@@ -15,6 +18,30 @@
 #include <vorn/mero/opencl/forward.hpp>
 #include <vorn/mero/opencl/types.hpp>
 #endif
+
+// A macro that bears the name of a namespace is set aside while the namespaces are declared.
+#pragma push_macro("cl_altera_device_temperature")
+#undef cl_altera_device_temperature
+#pragma push_macro("cl_altera_live_object_tracking")
+#undef cl_altera_live_object_tracking
+#pragma push_macro("cl_amd_device_topology")
+#undef cl_amd_device_topology
+#pragma push_macro("cl_amd_kernel_info")
+#undef cl_amd_kernel_info
+#pragma push_macro("cl_arm_printf")
+#undef cl_arm_printf
+#pragma push_macro("cl_intel_subgroups")
+#undef cl_intel_subgroups
+#pragma push_macro("cl_khr_il_program")
+#undef cl_khr_il_program
+#pragma push_macro("cl_khr_initialize_memory")
+#undef cl_khr_initialize_memory
+#pragma push_macro("cl_khr_spir")
+#undef cl_khr_spir
+#pragma push_macro("cl_khr_sub_groups")
+#undef cl_khr_sub_groups
+#pragma push_macro("cl_khr_terminate_context")
+#undef cl_khr_terminate_context
 
 namespace vorn::mero::VORN_MERO_NAMESPACE::extension {
 
@@ -54,6 +81,7 @@ VORN_MERO_EXPORT std::uint64_t available_vgprs(device const& target, kernel cons
 VORN_MERO_EXPORT std::uint64_t used_vgprs(device const& target, kernel const& function);
 
 } // namespace cl_amd_kernel_info
+namespace amd_kernel_info = cl_amd_kernel_info;
 
 #if VORN_MERO_OPENCL < 110
 /// The temperature of a board. In OpenCL 1.0 only.
@@ -66,6 +94,7 @@ VORN_MERO_EXPORT bool extension_available(device const& target);
 VORN_MERO_EXPORT std::int32_t get_device_temperature(device const& target);
 
 } // namespace cl_altera_device_temperature
+namespace altera_device_temperature = cl_altera_device_temperature;
 
 /// Finding objects that were never released. In OpenCL 1.0 only.
 namespace cl_altera_live_object_tracking {
@@ -84,6 +113,7 @@ VORN_MERO_EXPORT void report_live_objects(platform const& owner,
                                           void* user_data);
 
 } // namespace cl_altera_live_object_tracking
+namespace altera_live_object_tracking = cl_altera_live_object_tracking;
 #endif
 
 #if VORN_MERO_OPENCL < 120
@@ -94,6 +124,7 @@ namespace cl_arm_printf {
 VORN_MERO_EXPORT bool extension_available(device const& target);
 
 } // namespace cl_arm_printf
+namespace arm_printf = cl_arm_printf;
 #endif
 
 #if VORN_MERO_OPENCL < 210
@@ -108,6 +139,7 @@ VORN_MERO_EXPORT bool extension_available(device const& target);
 VORN_MERO_EXPORT std::uint8_t get_device_topology(device const& target);
 
 } // namespace cl_amd_device_topology
+namespace amd_device_topology = cl_amd_device_topology;
 #endif
 
 #if VORN_MERO_OPENCL >= 120
@@ -131,6 +163,7 @@ VORN_MERO_EXPORT std::vector<std::string> get_supported_il_versions(device const
 VORN_MERO_EXPORT std::string get_program_il(program const& source);
 
 } // namespace cl_khr_il_program
+namespace khr_il_program = cl_khr_il_program;
 
 /// Programs from SPIR, LLVM's bitcode: create them from binaries and build them with `-x spir`. Since OpenCL 1.2.
 namespace cl_khr_spir {
@@ -146,6 +179,7 @@ VORN_MERO_EXPORT std::vector<std::string> get_device_spir_versions(device const&
 VORN_MERO_EXPORT bool is_binary_type_intermediate(program_binary_type type);
 
 } // namespace cl_khr_spir
+namespace khr_spir = cl_khr_spir;
 #endif
 
 #if VORN_MERO_OPENCL >= 120 && VORN_MERO_OPENCL < 210
@@ -177,6 +211,7 @@ VORN_MERO_EXPORT std::uint64_t get_sub_group_count_for_nd_range(kernel const& fu
                                                                 std::array<std::size_t, 3> const& local_size);
 
 } // namespace cl_intel_subgroups
+namespace intel_subgroups = cl_intel_subgroups;
 #endif
 
 #if VORN_MERO_OPENCL >= 200 && VORN_MERO_OPENCL < 210
@@ -207,6 +242,7 @@ VORN_MERO_EXPORT std::uint64_t get_sub_group_count_for_nd_range(kernel const& fu
                                                                 std::array<std::size_t, 3> const& local_size);
 
 } // namespace cl_khr_sub_groups
+namespace khr_sub_groups = cl_khr_sub_groups;
 
 /// Terminates all commands of a context at once. In OpenCL 2.0 only.
 namespace cl_khr_terminate_context {
@@ -231,6 +267,7 @@ VORN_MERO_EXPORT void set_event_terminated_callback(event& target, void (*callba
                                                     void* user_data);
 
 } // namespace cl_khr_terminate_context
+namespace khr_terminate_context = cl_khr_terminate_context;
 
 /// Local and private memory that is zero when a kernel starts, through a property of the context. In OpenCL 2.0 only.
 namespace cl_khr_initialize_memory {
@@ -239,6 +276,7 @@ namespace cl_khr_initialize_memory {
 VORN_MERO_EXPORT bool extension_available(device const& target);
 
 } // namespace cl_khr_initialize_memory
+namespace khr_initialize_memory = cl_khr_initialize_memory;
 #endif
 
 } // namespace vorn::mero::VORN_MERO_NAMESPACE::extension
@@ -250,3 +288,15 @@ namespace vorn::mero::internal {
 VORN_MERO_EXPORT bool extension_supported(VORN_MERO_NAMESPACE::device const& target, std::string const& name);
 
 } // namespace vorn::mero::internal
+
+#pragma pop_macro("cl_altera_device_temperature")
+#pragma pop_macro("cl_altera_live_object_tracking")
+#pragma pop_macro("cl_amd_device_topology")
+#pragma pop_macro("cl_amd_kernel_info")
+#pragma pop_macro("cl_arm_printf")
+#pragma pop_macro("cl_intel_subgroups")
+#pragma pop_macro("cl_khr_il_program")
+#pragma pop_macro("cl_khr_initialize_memory")
+#pragma pop_macro("cl_khr_spir")
+#pragma pop_macro("cl_khr_sub_groups")
+#pragma pop_macro("cl_khr_terminate_context")
