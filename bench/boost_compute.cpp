@@ -60,7 +60,7 @@ void add_basics(rows<objects> add) {
 }
 
 void add_commands(rows<objects> add) {
-    add("launch, event", [](objects& on) { // it always makes one
+    add("launch, event", [](objects& on) { // there is no launch without one
         keep(on.queue.enqueue_1d_range_kernel(on.kernel, 0, work_items, group_size));
     });
     add("marker", [](objects& on) { keep(on.queue.enqueue_marker()); });

@@ -9,8 +9,7 @@ namespace {
 
 constexpr int repetitions = 1000;
 
-// A counter that only some processes have: of calls with the OpenCL that does nothing, of allocations with what counts
-// them preloaded.
+// A counter that only some processes have: the OpenCL that does nothing counts calls, a preloaded library allocations.
 class counter {
 public:
     explicit counter(char const* name)

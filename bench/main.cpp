@@ -1,10 +1,10 @@
-// Compares the library with the C API and with the other C++ interfaces to OpenCL, operation by operation, on the first
-// device of PoCL, or else of any platform; BENCH_PLATFORM is a part of the name of another.
+// Compares the library with the C API and with other C++ interfaces to OpenCL, operation by operation, on the first
+// device of PoCL, or of any platform if there is no PoCL. BENCH_PLATFORM selects a platform by a part of its name.
 //
-//   mero_bench time [OPERATION]     how long an operation takes beside the C API
-//   mero_bench count [OPERATION]    how many calls and allocations it makes, and under callgrind a dump of it
+//   mero_bench time [OPERATION]     compares times with the C API
+//   mero_bench count [OPERATION]    counts calls and allocations; under callgrind, dumps instructions
 //
-// The scripts bench and bench-instructions run it and make tables of what it prints.
+// scripts/bench and scripts/bench-instructions run it and print tables.
 
 #include "count.hpp"
 #include "operations.hpp"

@@ -1,6 +1,6 @@
 #pragma once
 
-// The operations that are compared, and the interfaces to OpenCL that perform them.
+// The operations to compare, and the interfaces to OpenCL that perform them.
 
 #define CL_TARGET_OPENCL_VERSION 300
 #define CL_USE_DEPRECATED_OPENCL_1_2_APIS
@@ -16,21 +16,21 @@
 
 namespace bench {
 
-/// One operation as one interface performs it.
+/// One operation of one interface.
 struct operation {
     std::string name;
-    std::function<void(int)> run; // so many times
+    std::function<void(int)> run; // the number of times
 };
 
-/// One interface to OpenCL with objects of its own on the device under test.
+/// One interface to OpenCL, with its own objects on the tested device.
 struct contender {
     std::string name;
-    std::string missing; // why it takes no part; empty when it does
+    std::string missing; // why it is left out; empty if it takes part
     std::vector<operation> operations;
     std::function<void()> finish; // waits until its commands are complete
 };
 
-// The first has every operation, the others those that they offer.
+// The first has every operation, the others those that they support.
 contender c_api(cl_device_id device);
 contender library(cl_device_id device);
 contender khronos_bindings(cl_device_id device);
@@ -46,7 +46,7 @@ inline constexpr std::size_t image_side = 16;
 inline constexpr cl_uint pattern = 7;
 inline constexpr char const* program_text = "kernel void nothing(global uchar* memory) {}";
 
-/// An index that a kernel does not have; the OpenCL that does nothing answers with the status of 1000 less it.
+/// No argument of a kernel has this index. The OpenCL that does nothing returns 1000 minus the index as status.
 inline constexpr cl_uint invalid_index = 1049;
 
 /// Host memory that commands read and write.
@@ -81,7 +81,7 @@ private:
     std::shared_ptr<Objects> objects_;
 };
 
-/// Keeps a value that nobody reads.
+/// Keeps the compiler from removing an unused value.
 template <class T>
 void keep(T const& value) {
     asm volatile("" : : "r"(&value) : "memory");

@@ -1,4 +1,4 @@
-// Counts the allocations of a process that it is preloaded into, each thread's its own.
+// Counts the allocations of each thread in a process that preloads it.
 
 #include <cstddef>
 

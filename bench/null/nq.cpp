@@ -1,4 +1,4 @@
-// A libnq of the least cost: one device, every version, and of each command the look for its id and the call itself.
+// A libnq of the lowest cost: one device in every version; a command takes a look-up of its id and the OpenCL call.
 
 #define CL_TARGET_OPENCL_VERSION 300
 #define CL_USE_DEPRECATED_OPENCL_1_2_APIS
@@ -17,7 +17,7 @@ namespace {
 namespace block = nq::block;
 using command = int (*)(void*);
 
-// A field of a block on its way into a parameter, and a result on its way into a field.
+// A field of a block, converted to any parameter, and a result, converted to any field.
 template <class Field>
 struct as {
     Field field;

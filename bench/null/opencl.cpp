@@ -1,6 +1,6 @@
-// An OpenCL loader whose functions return at once: what is left of an operation's cost is that of the interface above.
-// One platform with one device, one object of each kind; every status is success, but that an argument index of
-// 1000 + n makes clSetKernelArg answer -n.
+// An OpenCL loader whose functions return at once, so that only the cost of the interface above remains. It has one
+// platform with one device, and one object of each kind. Every status is success, except that clSetKernelArg returns -n
+// for the argument index 1000 + n.
 
 #define CL_TARGET_OPENCL_VERSION 300
 #define CL_USE_DEPRECATED_OPENCL_1_0_APIS
@@ -18,7 +18,7 @@ namespace {
 
 thread_local unsigned long calls __attribute__((tls_model("initial-exec"))) = 0;
 
-// An implementation's own functions, whose presence is looked at and which nobody calls.
+// Fills the dispatch table: the bridge checks that functions are there, and never calls them.
 void not_called() { std::abort(); }
 
 struct dispatch_table {
@@ -58,7 +58,7 @@ cl_int enqueued(cl_event* event) {
     return CL_SUCCESS;
 }
 
-// Copies without the C library, whose instructions count as the caller's.
+// Copies without the C library, whose instructions would count for the caller.
 cl_int reply(std::size_t size, void* value, std::size_t* size_ret, void const* data, std::size_t length) {
     ++calls;
     if (size_ret != nullptr) {

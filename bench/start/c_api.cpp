@@ -1,4 +1,4 @@
-// A program that finds a device and ends; what the other ones cost above it is the price of loading their interface.
+// A program that finds a device and ends. The other start programs cost more by the price of loading their interface.
 // Like them it uses the C++ library.
 
 #define CL_TARGET_OPENCL_VERSION 300

@@ -209,8 +209,8 @@ public:
 #if VORN_MERO_OPENCL >= 210
     /// A program from intermediate language such as SPIR-V, in a version of `device::il_version`. OpenCL copies it. The
     /// program must be built before it has kernels. Throws `common::invalid_operation` if no device accepts any,
-    /// `common::invalid_value` for bytes that are none. The build may be the first to find damage, or the process may end
-    /// there. Since OpenCL 2.1.
+    /// `common::invalid_value` for bytes that are none. The build may be the first to find damage, or the process may
+    /// end there. Since OpenCL 2.1.
     program create_program_from_il(std::vector<unsigned char> const& il);
 
     /// Makes `queue` the one that kernels on the device get from `get_default_queue()`, from the next launch on. Throws
