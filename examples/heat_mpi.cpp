@@ -14,7 +14,7 @@
 #include <mpi.h>
 
 namespace cl = vorn::mero::opencl_1_2;
-using api = vorn::mero::api<120>;
+namespace easy = vorn::mero::easy;
 
 namespace {
 
@@ -83,7 +83,7 @@ public:
         : lines_(lines.size() / width), context_(cl::create_context({}, {device}, nullptr, nullptr)),
           compute_(context_.create_command_queue(device, false, false)),
           move_(context_.create_command_queue(device, false, false)),
-          program_(example::build<api>(context_, device, source)), inside_(program_.create_kernel("inside")),
+          program_(easy::build<120>(context_, device, source)), inside_(program_.create_kernel("inside")),
           edge_(program_.create_kernel("edge")), from_(buffer(lines_)), to_(buffer(lines_)), halo_(buffer(2)),
           edges_(buffer(2)) {
         std::vector<float> const nothing(2 * width, 0.0F);
@@ -189,8 +189,7 @@ int run_rank(int count, char** arguments) {
         throw std::invalid_argument(
             "the number of lines must be a multiple of the ranks, and 3 times as large at least");
     }
-    auto const devices = example::find_devices<api>(example::option(count, arguments, "--platform", ""),
-                                                    [](cl::device const&) { return true; });
+    auto const devices = easy::find_devices<120>(example::option(count, arguments, "--platform", ""));
     if (devices.empty()) {
         throw std::runtime_error("No device was found; NQ_BRIDGE_VERBOSE=1 says more.");
     }

@@ -13,7 +13,7 @@
 #include <png.h>
 
 namespace cl = vorn::mero::opencl_1_2;
-using api = vorn::mero::api<120>;
+namespace easy = vorn::mero::easy;
 
 namespace {
 
@@ -75,7 +75,7 @@ void write_png(char const* path, picture const& written) {
 picture find_edges(cl::device const& device, picture const& in) {
     cl::context context = cl::create_context({}, {device}, nullptr, nullptr);
     cl::command_queue queue = context.create_command_queue(device, false, false);
-    cl::program program = example::build<api>(context, device, source);
+    cl::program program = easy::build<120>(context, device, source);
     cl::kernel kernel = program.create_kernel("edges");
 
     cl::image_format const format{cl::image_channel_order::rgba, cl::image_channel_type::unsigned_int8};
@@ -126,8 +126,8 @@ int main(int count, char** arguments) {
         return EXIT_FAILURE;
     }
     try {
-        auto const device = example::find_device<api>(example::option(count, arguments, "--platform", ""),
-                                                      [](cl::device const& d) { return d.image_support(); });
+        auto const device = easy::find_device<120>(example::option(count, arguments, "--platform", ""),
+                                                   [](cl::device const& d) { return d.image_support(); });
         picture const in = read_png(arguments[1]);
         picture const out = find_edges(device, in);
         write_png(arguments[2], out);

@@ -130,13 +130,13 @@ void add_objects(nlohmann::json& list) {
 
 void print_json() {
     auto objects = nlohmann::json::array();
-    example::for_each_version([&]<class Api>() { add_objects<Api>(objects); });
+    vorn::mero::easy::for_each_version([&]<class Api>(Api) { add_objects<Api>(objects); });
     std::printf("%s\n", objects.dump(2).c_str());
 }
 
 void print_rows() {
     std::vector<row> rows;
-    example::for_each_version([&]<class Api>() { add_rows<Api>(rows); });
+    vorn::mero::easy::for_each_version([&]<class Api>(Api) { add_rows<Api>(rows); });
     if (rows.empty()) {
         std::printf("No device was found. An OpenCL implementation is needed, for CPUs for example PoCL (on Debian: "
                     "apt-get install pocl-opencl-icd);\nNQ_BRIDGE_VERBOSE=1 says what was looked for and not found.\n");

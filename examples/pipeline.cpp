@@ -11,6 +11,7 @@
 #include <fstream>
 
 namespace cl = vorn::mero::opencl_1_2;
+namespace easy = vorn::mero::easy;
 using api = vorn::mero::api<120>;
 
 namespace {
@@ -59,7 +60,7 @@ std::vector<step> enqueue(cl::command_queue& queue, std::vector<cl::buffer>& buf
 std::vector<step> run(cl::device const& device, std::vector<float>& values) {
     cl::context context = cl::create_context({}, {device}, nullptr, nullptr);
     cl::command_queue queue = context.create_command_queue(device, true, true);
-    cl::program program = example::build<api>(context, device, source);
+    cl::program program = easy::build<120>(context, device, source);
     std::vector<cl::buffer> buffers;
     std::vector<cl::kernel> kernels;
     for (std::size_t i = 0; i != chunks; ++i) {
@@ -131,8 +132,8 @@ void draw(std::string const& path, std::vector<step> const& steps) {
 int main(int count, char** arguments) {
     try {
         auto const device =
-            example::find_device<api>(example::option(count, arguments, "--platform", ""),
-                                      [](cl::device const& d) { return d.out_of_order_command_queue_supported(); });
+            easy::find_device<120>(example::option(count, arguments, "--platform", ""),
+                                   [](cl::device const& d) { return d.out_of_order_command_queue_supported(); });
         std::vector<float> values(chunks * chunk_elements);
         for (std::size_t i = 0; i != values.size(); ++i) {
             values[i] = static_cast<float>(i % 1000);

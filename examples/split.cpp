@@ -14,7 +14,7 @@
 #include <numeric>
 
 namespace cl = vorn::mero::opencl_1_2;
-using api = vorn::mero::api<120>;
+namespace easy = vorn::mero::easy;
 
 namespace {
 
@@ -48,7 +48,7 @@ public:
         : name_(device.get_platform().name() + ": " + device.name()),
           context_(cl::create_context({}, {device}, nullptr, nullptr)),
           queue_(context_.create_command_queue(device, false, false)),
-          program_(example::build<api>(context_, device, source, "-cl-opt-disable")),
+          program_(easy::build<120>(context_, device, source, "-cl-opt-disable")),
           kernel_(program_.create_kernel("mandelbrot")),
           steps_(context_.create_buffer(cl::mem_flags::write_only, lines * width * sizeof(std::uint32_t), nullptr)),
           scale_(3.0F / static_cast<float>(lines)) {}
@@ -182,7 +182,7 @@ std::vector<cl::device> sub_devices_of_any(std::vector<cl::device> const& device
 int main(int count, char** arguments) {
     try {
         std::size_t const lines = std::stoul(example::option(count, arguments, "--lines", "512"));
-        auto const devices = example::find_devices<api>("", [](cl::device const&) { return true; });
+        auto const devices = easy::find_devices<120>();
         if (devices.empty()) {
             throw std::runtime_error("No device was found; NQ_BRIDGE_VERBOSE=1 says more.");
         }

@@ -10,6 +10,7 @@
 #include <new>
 
 namespace cl = vorn::mero::opencl_2_0;
+namespace easy = vorn::mero::easy;
 using api = vorn::mero::api<200>;
 
 namespace {
@@ -111,7 +112,7 @@ std::size_t check(node const* head, std::size_t count) {
 std::size_t run(cl::device const& device, std::size_t count) {
     cl::context context = cl::create_context({}, {device}, nullptr, nullptr);
     cl::host_command_queue queue = context.create_host_command_queue(device, false, false);
-    cl::program program = example::build<api>(context, device, source);
+    cl::program program = easy::build<200>(context, device, source);
     cl::kernel kernel = program.create_kernel("square_and_append");
     node_pool pool(context);
     node* const head = link(pool, count, queue);
@@ -132,8 +133,8 @@ std::size_t run(cl::device const& device, std::size_t count) {
 int main(int count, char** arguments) {
     try {
         auto const device =
-            example::find_device<api>(example::option(count, arguments, "--platform", ""),
-                                      [](cl::device const& d) { return d.svm_coarse_grain_buffer_supported(); });
+            easy::find_device<200>(example::option(count, arguments, "--platform", ""),
+                                   [](cl::device const& d) { return d.svm_coarse_grain_buffer_supported(); });
         std::size_t const nodes = std::stoul(example::option(count, arguments, "--nodes", "1000"));
         std::size_t const seen = run(device, nodes);
         std::printf("%s: %zu nodes followed, %s\n", device.name().c_str(), nodes,

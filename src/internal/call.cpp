@@ -1,6 +1,7 @@
 #include "internal/call.hpp"
 
 #include <nq/error.hpp>
+#include <vorn/mero/internal/call_capability.hpp>
 
 namespace vorn::mero::internal {
 
@@ -13,6 +14,10 @@ void throw_call_failure(int result) {
     default:
         throw nq::unknown_error(result);
     }
+}
+
+void call_capability(nq::call_handle const& handle, std::uint32_t command_id, void* block) {
+    call(handle.get(), command_id, block);
 }
 
 } // namespace vorn::mero::internal

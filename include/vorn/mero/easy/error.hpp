@@ -1,0 +1,63 @@
+#pragma once
+
+#include <stdexcept>
+#include <string>
+#include <utility>
+
+namespace vorn::mero::easy {
+
+/// The base of what this layer throws by itself. The message says what is wrong and what to do about it.
+class error : public std::runtime_error {
+public:
+    using std::runtime_error::runtime_error;
+};
+
+/// No device is there, or none is as asked for. The message lists the devices that there are.
+class no_device : public error {
+public:
+    using error::error;
+};
+
+/// A program does not build. The message contains the device, the options and the log.
+class build_failure : public error {
+public:
+    /// `log` is the compiler's own text.
+    build_failure(std::string device, std::string options, std::string log)
+        : error("The program does not build for " + device + (options.empty() ? "" : " with '" + options + "'") +
+                ":\n" + (log.empty() ? "(the compiler gave no reason)" : log)),
+          device_(std::move(device)), options_(std::move(options)), log_(std::move(log)) {}
+
+    /// The name of the device.
+    std::string const& device() const noexcept { return device_; }
+
+    /// The options of the build.
+    std::string const& options() const noexcept { return options_; }
+
+    /// What the compiler said; empty when it said nothing.
+    std::string const& log() const noexcept { return log_; }
+
+private:
+    std::string device_;
+    std::string options_;
+    std::string log_;
+};
+
+/// A program has no kernel of the name. The message lists those that it has.
+class no_kernel : public error {
+public:
+    using error::error;
+};
+
+/// A kernel was called with a wrong argument, or with a wrong number of them. Nothing was launched.
+class argument_error : public error {
+public:
+    using error::error;
+};
+
+/// A region leaves an array, or host memory has the wrong size. Nothing was enqueued.
+class bounds_error : public error {
+public:
+    using error::error;
+};
+
+} // namespace vorn::mero::easy

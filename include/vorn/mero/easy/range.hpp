@@ -1,0 +1,68 @@
+#pragma once
+
+#include <array>
+#include <cstddef>
+
+namespace vorn::mero::easy {
+
+/// The least multiple of `step` that is at least `count`; `step` must not be 0.
+[[nodiscard]] constexpr std::size_t round_up(std::size_t count, std::size_t step) noexcept {
+    return (count + step - 1) / step * step;
+}
+
+/// The work-items of a launch, in one, two or three dimensions.
+///
+///     ez::range(1024)                           // 1024 work-items; OpenCL chooses the size of the work-groups
+///     ez::range(640, 480).local(16, 16)         // work-groups of 16 x 16
+///     ez::range(100).from(28)                   // get_global_id(0) runs from 28 to 127; since OpenCL 1.1
+///
+/// A local size must divide the global size before OpenCL 2.0: `ez::range(ez::round_up(n, 64)).local(64)`.
+class range {
+public:
+    /// One dimension of `x` work-items.
+    explicit constexpr range(std::size_t x) noexcept : dimensions_(1), size_{x, 1, 1} {}
+
+    /// Two dimensions.
+    constexpr range(std::size_t x, std::size_t y) noexcept : dimensions_(2), size_{x, y, 1} {}
+
+    /// Three dimensions.
+    constexpr range(std::size_t x, std::size_t y, std::size_t z) noexcept : dimensions_(3), size_{x, y, z} {}
+
+    /// The same range in work-groups of this size. Dimensions that are left out count 1.
+    [[nodiscard]] constexpr range local(std::size_t x, std::size_t y = 1, std::size_t z = 1) const noexcept {
+        range made = *this;
+        made.local_ = {x, y, z};
+        made.has_local_ = true;
+        return made;
+    }
+
+    /// The same range with global ids that begin here. Since OpenCL 1.1.
+    [[nodiscard]] constexpr range from(std::size_t x, std::size_t y = 0, std::size_t z = 0) const noexcept {
+        range made = *this;
+        made.offset_ = {x, y, z};
+        return made;
+    }
+
+    /// 1, 2 or 3.
+    [[nodiscard]] constexpr unsigned dimensions() const noexcept { return dimensions_; }
+
+    /// The global size; 1 in dimensions that the range lacks.
+    [[nodiscard]] constexpr std::array<std::size_t, 3> const& size() const noexcept { return size_; }
+
+    /// The first global id.
+    [[nodiscard]] constexpr std::array<std::size_t, 3> const& offset() const noexcept { return offset_; }
+
+    /// The local size, null where OpenCL chooses it. Valid as long as this object.
+    [[nodiscard]] constexpr std::array<std::size_t, 3> const* local_size() const noexcept {
+        return has_local_ ? &local_ : nullptr;
+    }
+
+private:
+    unsigned dimensions_;
+    std::array<std::size_t, 3> size_;
+    std::array<std::size_t, 3> offset_{};
+    std::array<std::size_t, 3> local_{};
+    bool has_local_ = false;
+};
+
+} // namespace vorn::mero::easy

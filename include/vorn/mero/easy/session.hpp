@@ -1,0 +1,99 @@
+#pragma once
+
+#include <vorn/mero/easy/device.hpp>
+#include <vorn/mero/easy/program.hpp>
+
+#include <memory>
+#include <string>
+#include <type_traits>
+#include <utility>
+#include <vector>
+
+namespace vorn::mero::easy {
+
+/// A device, a context for it and a queue with profiling: what a program needs to begin.
+///
+///     ez::session gpu;                // the device that MERO_DEVICE means, else the first
+///     ez::session simulator("oclgrind");
+///     ez::session wide([](auto const& device) { return device.max_compute_units() >= 16; });
+///
+/// Throws `no_device` when there is none as asked for. A copy names the same device, context and queue; what a session
+/// made keeps them alive. Threads may share a session as far as the OpenCL implementation lets them share a queue.
+template <int Version>
+class basic_session {
+public:
+    using exact_api = api<Version>;
+    using device_type = typename exact_api::device;
+    using context_type = typename exact_api::context;
+    using queue_type = typename exact_api::host_queue;
+
+    /// On the device that the environment variable MERO_DEVICE means, see `find_device`; on the first without it.
+    basic_session() : basic_session(default_device<Version>()) {}
+
+    /// On the first device that the text means, see `find_device`.
+    explicit basic_session(std::string const& text) : basic_session(find_device<Version>(text)) {}
+    explicit basic_session(char const* text) : basic_session(std::string(text)) {}
+
+    /// On a device of the exact interface.
+    explicit basic_session(device_type device) : basic_session(device, exact_api::create_context(device)) {}
+
+    /// On the first device that `accept(device)` returns true for.
+    template <class Accept, class = std::enable_if_t<std::is_invocable_r<bool, Accept&, device_type const&>::value>>
+    explicit basic_session(Accept&& accept) : basic_session(find_device<Version>({}, accept)) {}
+
+    /// In a context that there is, adopted from another library perhaps.
+    basic_session(device_type device, context_type context)
+        : basic_session(device, context, exact_api::create_queue(context, device, false, true)) {}
+
+    /// On a queue that there is.
+    basic_session(device_type device, context_type context, queue_type queue)
+        : state_(std::make_shared<state>(state{std::move(device), std::move(context), std::move(queue)})) {}
+
+    /// The objects of the exact interface.
+    [[nodiscard]] device_type& device() const noexcept { return state_->device; }
+    [[nodiscard]] context_type& context() const noexcept { return state_->context; }
+    [[nodiscard]] queue_type& queue() const noexcept { return state_->queue; }
+
+    /// A program from source, built for the device. Adds the option `-cl-kernel-arg-info`, so that arguments can be
+    /// checked. Throws `build_failure` with the log when it does not build.
+    [[nodiscard]] basic_program<Version> build(std::string const& source, std::string const& options = {}) const {
+        auto made = easy::build<Version>(context(), device(), source,
+                                         Version >= 120 ? options + (options.empty() ? "" : " ") + "-cl-kernel-arg-info"
+                                                        : options);
+        return basic_program<Version>(state_, std::move(made));
+    }
+
+    /// `count` elements that nothing has been written to. `count` may be 0.
+    template <class T>
+    [[nodiscard]] basic_array<T, Version> array(std::size_t count) const {
+        return make_array<T>(flags::read_write, count, nullptr);
+    }
+
+    /// A copy of the values.
+    template <class T>
+    [[nodiscard]] basic_array<T, Version> array(std::vector<T> const& values) const {
+        return values.empty() ? array<T>(0)
+                              : make_array<T>(flags::read_write | flags::copy_host_ptr, values.size(),
+                                              const_cast<T*>(values.data())); // OpenCL only reads it
+    }
+
+    /// Blocks until everything enqueued so far has ended.
+    void finish() const { queue().finish(); }
+
+private:
+    using state = detail::session_state<Version>;
+    using flags = typename exact_api::mem_flags;
+
+    template <class T>
+    basic_array<T, Version> make_array(flags how, std::size_t count, T* values) const {
+        std::size_t const bytes = (count != 0 ? count : 1) * sizeof(T); // OpenCL has no empty buffers
+        return {state_, context().create_buffer(how, bytes, values), count};
+    }
+
+    std::shared_ptr<state> state_;
+};
+
+/// `basic_session` of the default version.
+using session = basic_session<default_version>;
+
+} // namespace vorn::mero::easy

@@ -1,0 +1,126 @@
+// The convenient layer on every device: what it computes, and what it says of mistakes.
+
+#include "support.hpp"
+
+#include <vorn/mero/easy.hpp>
+
+namespace real {
+namespace {
+
+namespace ez = vorn::mero::easy;
+
+char const source[] = R"(
+    kernel void add(global float const* a, global float const* b, global float* sum, uint n) {
+        size_t const i = get_global_id(0);
+        if (i < n) {
+            sum[i] = a[i] + b[i];
+        }
+    }
+    kernel void mean(global float* values, local float* scratch, float4 weights) {
+        size_t const i = get_local_id(0);
+        scratch[i] = values[get_global_id(0)];
+        barrier(CLK_LOCAL_MEM_FENCE);
+        values[get_global_id(0)] = weights.x * scratch[i] + weights.w * scratch[get_local_size(0) - 1 - i];
+    })";
+
+/// The session of a bench's device.
+template <class Api>
+ez::basic_session<Api::number> session_of(bench<Api>& b) {
+    return ez::basic_session<Api::number>(b.device, b.context, Api::create_queue(b.context, b.device, false, true));
+}
+
+SCENARIO(easy_arrays_and_kernels, "easy layer", 100) {
+    auto gpu = session_of(b);
+    std::size_t const n = 100;
+    auto const program = gpu.build(source);
+    auto x = gpu.array(counting<float>(n));
+    auto y = gpu.array(std::vector<float>(n, 2.0F));
+    auto sum = gpu.template array<float>(n);
+    auto add = program["add"];
+    auto const first = add(ez::range(n), x, y, sum, std::uint32_t{50});
+    EXPECT_GE(add(ez::range(ez::round_up(n, 8)), ez::after(first), x, y, sum, std::uint32_t(n)).time().count(), 0);
+    EXPECT_EQ(sum.read(), counting<float>(n, 3.0F));
+
+    auto mean = program["mean"];
+    mean(ez::range(n).local(2), x, ez::local<float>(2), std::array<float, 4>{1.0F, 0.0F, 0.0F, 10.0F}).wait();
+    EXPECT_EQ(x.read()[0], 21.0F);
+    EXPECT_EQ(x.read()[1], 12.0F);
+    mean.set_arguments(y, ez::local<float>(1), std::array<float, 4>{4.0F, 0.0F, 0.0F, 0.0F});
+    gpu.queue().enqueue_command_without_event(Api::launch(mean.exact(), n, 1));
+    EXPECT_EQ(y.read(), std::vector<float>(n, 8.0F));
+}
+
+SCENARIO(easy_transfers, "easy layer", 120) {
+    auto gpu = session_of(b);
+    auto original = gpu.array(numbers{1, 2, 3, 4});
+    original.write({7, 8}, 1);
+    auto copy = gpu.template array<std::int32_t>(4);
+    original.copy_to(copy).wait();
+    for (std::int32_t& each : copy.map()) {
+        each *= 2;
+    }
+    EXPECT_EQ(copy.read(), (numbers{2, 14, 16, 8}));
+    std::array<std::int32_t, 2> middle{};
+    copy.read(middle, 1);
+    EXPECT_EQ(middle, (std::array<std::int32_t, 2>{14, 16}));
+    copy.fill(5).wait();
+    EXPECT_EQ(copy.read(), numbers(4, 5));
+    EXPECT_TRUE(gpu.template array<std::int32_t>(0).read().empty());
+}
+
+/// What an action throws, or nothing.
+template <class Exception, class Action>
+std::string refusal(Action action) {
+    try {
+        action();
+    } catch (Exception const& refused) {
+        return refused.what();
+    }
+    return "nothing";
+}
+
+SCENARIO(easy_mistakes, "easy layer", 120) {
+    auto gpu = session_of(b);
+    auto const program = gpu.build(source);
+    auto add = program["add"];
+    auto x = gpu.template array<float>(8);
+    auto whole = gpu.template array<std::int32_t>(8);
+    std::uint32_t const n = 8;
+    ez::range const over(8);
+    auto const refused = [&](auto&&... arguments) {
+        return refusal<ez::argument_error>([&] { add(over, arguments...); });
+    };
+    bool const told = refused(x, x, x, 1.0F) != "nothing"; // a program may keep its declarations to itself
+    if (!told) {
+        skip("the implementation does not tell how arguments are declared");
+    }
+    EXPECT_EQ(refused(x, x, x),
+              "kernel 'add' takes 4 arguments (float* a, float* b, float* sum, uint n), but was given 3");
+    EXPECT_EQ(refused(x, x, x, 1.0F), "kernel 'add', argument 3 'n' (uint) takes an integer, but was given a "
+                                      "floating-point number: convert the value first");
+    EXPECT_EQ(refused(x, x, x, std::uint64_t{8}), "kernel 'add', argument 3 'n' (uint) takes 4 bytes, but was given 8: "
+                                                  "pass a value of the right type");
+    EXPECT_EQ(refused(x, x, 1.0F, n), "kernel 'add', argument 2 'sum' (float*) takes a pointer, but was given a "
+                                      "floating-point number: pass an array");
+    EXPECT_EQ(refused(x, ez::local<float>(8), x, n),
+              "kernel 'add', argument 1 'b' (float*) takes memory of an array: pass one");
+    EXPECT_EQ(refused(whole, x, x, n),
+              "kernel 'add', argument 0 'a' (float*) takes elements of 4 bytes, each a floating-point number, but was "
+              "given elements of 4, each an integer: pass an array of the right type");
+    EXPECT_EQ(refusal<ez::argument_error>([&] { program["mean"](over, x, x, std::array<float, 4>{}); }),
+              "kernel 'mean', argument 1 'scratch' (float*) takes local memory: pass ez::local");
+    EXPECT_EQ(refusal<ez::no_kernel>([&] {
+                  static_cast<void>(program["ad"]);
+              }).find("The program has no kernel 'ad'; it has: "),
+              0U);
+    EXPECT_EQ(refusal<ez::bounds_error>([&] { x.read(nullptr, 3, 6); }),
+              "elements 6 to 9 are not within an array of 8");
+    EXPECT_NE(
+        refusal<ez::build_failure>([&] { static_cast<void>(gpu.build("kernel void f( {", "-DX")); }).find("with '-DX"),
+        std::string::npos);
+    EXPECT_EQ(
+        refusal<ez::no_device>([] { ez::session("no such thing"); }).find("No OpenCL device fits 'no such thing'"), 0U);
+}
+
+} // namespace
+} // namespace real
