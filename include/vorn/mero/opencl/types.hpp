@@ -163,14 +163,18 @@ struct image_format {
     image_channel_order channel_order;    ///< Which channels there are, and in which order.
     image_channel_type channel_data_type; ///< The type of each channel.
 
-    image_format() = default; ///< `image_format{}` is zero, which is no format.
+    /// `image_format{}` is zero, which is not a valid format.
+    image_format() = default;
+
+    /// Not every pair is a valid format, see `image_channel_order`.
     constexpr image_format(image_channel_order order, image_channel_type data_type) noexcept
         : channel_order(order), channel_data_type(data_type) {}
 
-    /// The same from the numbers of the C API.
+    /// The same from numbers of the C API.
     constexpr image_format(std::uint32_t order, std::uint32_t data_type) noexcept
         : channel_order(image_channel_order{order}), channel_data_type(image_channel_type{data_type}) {}
 
+    /// Whether both members are equal.
     constexpr bool operator==(image_format const& other) const noexcept {
         return channel_order == other.channel_order && channel_data_type == other.channel_data_type;
     }
