@@ -14,11 +14,13 @@
 
 namespace vorn::mero::easy {
 
-/// Local memory for a kernel argument: room for `count` elements.
+/// Local memory for a kernel argument.
 template <class T>
 struct local {
+    /// Room for that many elements of `T`.
     explicit constexpr local(std::size_t elements) noexcept : count(elements) {}
-    std::size_t count;
+
+    std::size_t count; ///< In elements.
 };
 
 namespace detail {

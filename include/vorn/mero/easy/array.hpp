@@ -56,6 +56,7 @@ public:
 
     /// The buffer of the exact interface.
     [[nodiscard]] exact_type& exact() noexcept { return exact_; }
+    /// The same of an object that does not change.
     [[nodiscard]] exact_type const& exact() const noexcept { return exact_; }
 
     /// The number of elements.
@@ -125,11 +126,12 @@ private:
     std::size_t size_;
 };
 
-/// The elements of an array in the host's reach; a range for loops. Its destructor gives them back to the device. A
-/// failure of that is logged nowhere; the commands after it throw.
+/// The elements of an array in the host's reach, a range for loops. The destructor gives them back to the device; it
+/// drops a failure, which later commands on the array then meet.
 template <class T, int Version>
 class mapped_array {
 public:
+    /// Blocks until the elements are there; `basic_array::map` calls it.
     mapped_array(basic_array<T, Version>& array, std::shared_ptr<detail::session_state<Version>> session)
         : session_(std::move(session)), exact_(array.exact()), size_(array.size()) {
         using flags = typename api<Version>::map_flags;
@@ -157,9 +159,13 @@ public:
         }
     }
 
+    /// The first element.
     [[nodiscard]] T* begin() const noexcept { return elements_; }
+    /// Behind the last element.
     [[nodiscard]] T* end() const noexcept { return elements_ + size_; }
+    /// The first element.
     [[nodiscard]] T* data() const noexcept { return elements_; }
+    /// The number of elements.
     [[nodiscard]] std::size_t size() const noexcept { return size_; }
 
     /// The element; `index` must be less than `size()`.

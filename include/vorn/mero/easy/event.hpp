@@ -31,12 +31,11 @@ void perform(Object const& object, Block& block) {
 
 } // namespace detail
 
-/// How long a command took: from its enqueueing to its hand-over to the device, from there to its start, and from start
-/// to end, on the device's clock.
+/// How long a command took, on the device's clock.
 struct durations {
-    std::chrono::nanoseconds queued;
-    std::chrono::nanoseconds waiting;
-    std::chrono::nanoseconds running;
+    std::chrono::nanoseconds queued;  ///< From its enqueueing to its hand-over to the device.
+    std::chrono::nanoseconds waiting; ///< From there to its start.
+    std::chrono::nanoseconds running; ///< From start to end.
 };
 
 /// A command that was enqueued. It may be dropped: the command runs all the same.
@@ -50,6 +49,7 @@ public:
 
     /// The event of the exact interface.
     [[nodiscard]] exact_type& exact() noexcept { return exact_; }
+    /// The same of an object that does not change.
     [[nodiscard]] exact_type const& exact() const noexcept { return exact_; }
 
     /// Blocks until the command has ended. Throws the exception of its status when it failed.
@@ -95,6 +95,7 @@ using event = basic_event<default_version>;
 template <int Version, std::size_t Count>
 class wait_list {
 public:
+    /// Of events of the exact interface; `after` makes one of the events of this layer.
     explicit wait_list(std::array<typename api<Version>::event, Count> events) : events_(std::move(events)) {
         for (std::size_t i = 0; i < Count; ++i) {
             raws_[i] = detail::raw_of(events_[i]);

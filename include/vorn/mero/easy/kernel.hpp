@@ -63,12 +63,14 @@ public:
     using exact_type = typename api<Version>::kernel;
     using event_type = basic_event<Version>;
 
+    /// Of a kernel of the exact interface, made by `basic_program`. Asks how its arguments are declared.
     basic_kernel(std::shared_ptr<detail::session_state<Version>> session, exact_type exact)
         : session_(std::move(session)), exact_(std::move(exact)), name_(exact_.function_name()),
           parameters_(detail::parameters_of<Version>(exact_)) {}
 
     /// The kernel of the exact interface.
     [[nodiscard]] exact_type& exact() noexcept { return exact_; }
+    /// The same of an object that does not change.
     [[nodiscard]] exact_type const& exact() const noexcept { return exact_; }
 
     /// Sets the arguments and enqueues a launch on the session's queue. Does not block. Throws `argument_error` when an

@@ -35,11 +35,13 @@ class basic_program {
 public:
     using exact_type = typename api<Version>::program;
 
+    /// Of a program of the exact interface, which must be built.
     basic_program(std::shared_ptr<detail::session_state<Version>> session, exact_type exact) noexcept
         : session_(std::move(session)), exact_(std::move(exact)) {}
 
     /// The program of the exact interface.
     [[nodiscard]] exact_type& exact() noexcept { return exact_; }
+    /// The same of an object that does not change.
     [[nodiscard]] exact_type const& exact() const noexcept { return exact_; }
 
     /// The kernel of this name, without arguments. Throws `no_kernel` when the program has none of it.

@@ -32,6 +32,7 @@ public:
 
     /// On the first device that the text means, see `find_device`.
     explicit basic_session(std::string const& text) : basic_session(find_device<Version>(text)) {}
+    /// The same.
     explicit basic_session(char const* text) : basic_session(std::string(text)) {}
 
     /// On a device of the exact interface.
@@ -49,9 +50,11 @@ public:
     basic_session(device_type device, context_type context, queue_type queue)
         : state_(std::make_shared<state>(state{std::move(device), std::move(context), std::move(queue)})) {}
 
-    /// The objects of the exact interface.
+    /// The device of the exact interface.
     [[nodiscard]] device_type& device() const noexcept { return state_->device; }
+    /// The context of the exact interface.
     [[nodiscard]] context_type& context() const noexcept { return state_->context; }
+    /// The queue of the exact interface, in order and with profiling.
     [[nodiscard]] queue_type& queue() const noexcept { return state_->queue; }
 
     /// A program from source, built for the device. Adds the option `-cl-kernel-arg-info`, so that arguments can be
