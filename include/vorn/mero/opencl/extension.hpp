@@ -7,11 +7,12 @@
 //         ending::terminate(context);
 //     }
 //
-// Each has two names, `cl_khr_terminate_context` and `khr_terminate_context`. Programs that include OpenCL's own headers
-// use the second: those headers define some of the first as macros.
+// Each has two names, `cl_khr_terminate_context` and `khr_terminate_context`. Programs that include OpenCL's own
+// headers use the second: those headers define some of the first as macros.
 //
-// All but that of `cl_amd_kernel_info` read the list `device::extensions`, see `internal::extension_supported` below,
-// and throw only what that query throws. All functions are thread-safe as far as the extension's are.
+// Each `extension_available` but that of `cl_amd_kernel_info` reads `device::extensions`, see
+// `internal::extension_supported` below, and throws only what that query throws. All functions are thread-safe as far
+// as those of the extension are.
 #ifndef VORN_MERO_OPENCL
 #include <vorn/mero/opencl/standalone.hpp>
 
