@@ -18,7 +18,6 @@ FORBIDDEN = re.compile(r"/(CL|spdlog|fmt)/")
 ALL = "vorn/mero/opencl.hpp"
 OPENCL = "CL/opencl.hpp"
 LARGEST = "vorn/mero/opencl_2_2.hpp"
-PART = "vorn/mero/opencl/version.hpp"  # a piece of the umbrella headers
 EXTENSIONS = {
     "1_0": "amd_kernel_info altera_device_temperature altera_live_object_tracking arm_printf amd_device_topology",
     "1_1": "amd_kernel_info arm_printf amd_device_topology",
@@ -35,6 +34,7 @@ class Headers:
     def __init__(self, command, include):
         self.command, self.include = command, pathlib.Path(include)
         self.names = sorted(str(path.relative_to(include)) for path in self.include.glob("**/*.hpp"))
+        self.parts = [name for name in self.names if "/opencl/" in name]
         self.umbrellas = [name for name in self.names if re.fullmatch(r"vorn/mero/opencl(_\d_\d)?\.hpp", name)]
 
     def compile(self, source, *flags):
@@ -44,6 +44,14 @@ class Headers:
     def alone(self, standard, name):
         done = self.compile(f"#include <{name}>\n", f"-std={standard}", "-fsyntax-only", *STRICT)
         return f"{name} in {standard}:\n{done.stderr}" if done.returncode else None
+
+    def parts_among_wholes(self):
+        """A header of one class gives all versions, whatever was included before and after it."""
+        uses = "".join(f"using device_{version} = vorn::mero::opencl_{version}::device;\n" for version in EXTENSIONS)
+        order = (*self.parts, uses, ALL, *reversed(self.parts))
+        done = self.compile("".join(line if line is uses else f"#include <{line}>\n" for line in order), "-std=c++17",
+                            "-fsyntax-only", *STRICT)
+        return [f"parts before and after {ALL}:\n{done.stderr}"] if done.returncode else []
 
     def beside_opencl(self, first, second):
         """OpenCL's own headers define names of extensions as macros, whose values programs keep."""
@@ -100,11 +108,12 @@ class Headers:
 def main():
     headers = Headers(*sys.argv[1:])
     standards = headers.standards()
-    work = [(standard, name) for name in headers.names if name != PART for standard in standards
+    work = [(standard, name) for name in headers.names if name not in headers.parts for standard in standards
             if standard == standards[0] or name == ALL]
     with concurrent.futures.ThreadPoolExecutor(os.cpu_count()) as pool:
         faults = [fault for fault in pool.map(headers.alone, *zip(*work)) if fault]
     faults += [fault for name in headers.umbrellas for fault in headers.forbidden(name)]
+    faults += headers.parts_among_wholes()
     for order in ((ALL, OPENCL), (OPENCL, ALL)):
         faults += headers.beside_opencl(*order)
     print(f"{len(work)} compilations of {len(headers.names)} headers in {', '.join(standards)} with {headers.command}")

@@ -14,6 +14,6 @@
 
 #define VORN_MERO_OPENCL 100
 #define VORN_MERO_NAMESPACE opencl_1_0
-#include <vorn/mero/opencl/version.hpp>
+#include <vorn/mero/opencl/parts.hpp>
 #undef VORN_MERO_NAMESPACE
 #undef VORN_MERO_OPENCL

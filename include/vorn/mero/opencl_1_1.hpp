@@ -7,6 +7,6 @@
 
 #define VORN_MERO_OPENCL 110
 #define VORN_MERO_NAMESPACE opencl_1_1
-#include <vorn/mero/opencl/version.hpp>
+#include <vorn/mero/opencl/parts.hpp>
 #undef VORN_MERO_NAMESPACE
 #undef VORN_MERO_OPENCL

@@ -8,6 +8,6 @@
 
 #define VORN_MERO_OPENCL 120
 #define VORN_MERO_NAMESPACE opencl_1_2
-#include <vorn/mero/opencl/version.hpp>
+#include <vorn/mero/opencl/parts.hpp>
 #undef VORN_MERO_NAMESPACE
 #undef VORN_MERO_OPENCL

@@ -1,27 +1,8 @@
 // An OpenCL version as one type, for templates over versions.
 #ifndef VORN_MERO_OPENCL
-#include <vorn/mero/opencl/standalone.hpp>
-
-#include <vorn/mero/opencl/forward.hpp>
-#include <vorn/mero/opencl/types.hpp>
-
-#include <vorn/mero/opencl/command.hpp>
-#include <vorn/mero/opencl/device.hpp>
-#include <vorn/mero/opencl/event.hpp>
-#include <vorn/mero/opencl/memory_object.hpp>
-#include <vorn/mero/opencl/platform.hpp>
-#include <vorn/mero/opencl/sampler.hpp>
-
-#include <vorn/mero/opencl/kernel.hpp>
-#include <vorn/mero/opencl/program.hpp>
-
-#include <vorn/mero/opencl/buffer_commands.hpp>
-#include <vorn/mero/opencl/command_queue.hpp>
-#include <vorn/mero/opencl/context.hpp>
-#include <vorn/mero/opencl/image_commands.hpp>
-#include <vorn/mero/opencl/kernel_commands.hpp>
-#include <vorn/mero/opencl/svm_commands.hpp>
+#include <vorn/mero/opencl.hpp>
 #endif
+#ifdef VORN_MERO_OPENCL
 
 namespace vorn::mero {
 
@@ -205,3 +186,5 @@ struct api<VORN_MERO_OPENCL> {
 };
 
 } // namespace vorn::mero
+
+#endif

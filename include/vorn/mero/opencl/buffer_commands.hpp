@@ -1,12 +1,8 @@
 // Commands on buffers, and on any memory object.
 #ifndef VORN_MERO_OPENCL
-#include <vorn/mero/opencl/standalone.hpp>
-
-#include <vorn/mero/opencl/forward.hpp>
-#include <vorn/mero/opencl/types.hpp>
-
-#include <vorn/mero/opencl/command.hpp>
+#include <vorn/mero/opencl.hpp>
 #endif
+#ifdef VORN_MERO_OPENCL
 
 namespace vorn::mero::VORN_MERO_NAMESPACE {
 
@@ -267,3 +263,5 @@ public:
 #endif
 
 } // namespace vorn::mero::VORN_MERO_NAMESPACE
+
+#endif

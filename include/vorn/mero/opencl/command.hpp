@@ -1,9 +1,8 @@
 // The base of all commands.
 #ifndef VORN_MERO_OPENCL
-#include <vorn/mero/opencl/standalone.hpp>
-
-#include <vorn/mero/opencl/forward.hpp>
+#include <vorn/mero/opencl.hpp>
 #endif
+#ifdef VORN_MERO_OPENCL
 
 namespace vorn::mero::VORN_MERO_NAMESPACE {
 
@@ -46,3 +45,5 @@ protected:
 };
 
 } // namespace vorn::mero::VORN_MERO_NAMESPACE
+
+#endif

@@ -1,10 +1,8 @@
 // Command queues.
 #ifndef VORN_MERO_OPENCL
-#include <vorn/mero/opencl/standalone.hpp>
-
-#include <vorn/mero/opencl/forward.hpp>
-#include <vorn/mero/opencl/types.hpp>
+#include <vorn/mero/opencl.hpp>
 #endif
+#ifdef VORN_MERO_OPENCL
 
 namespace vorn::mero::VORN_MERO_NAMESPACE {
 
@@ -256,3 +254,5 @@ VORN_MERO_EXPORT device_command_queue create_device_command_queue(nq::call_handl
 
 } // namespace raw
 } // namespace vorn::mero::VORN_MERO_NAMESPACE
+
+#endif

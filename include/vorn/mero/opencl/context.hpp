@@ -1,10 +1,8 @@
 // Contexts, and everything that is made in one.
 #ifndef VORN_MERO_OPENCL
-#include <vorn/mero/opencl/standalone.hpp>
-
-#include <vorn/mero/opencl/forward.hpp>
-#include <vorn/mero/opencl/types.hpp>
+#include <vorn/mero/opencl.hpp>
 #endif
+#ifdef VORN_MERO_OPENCL
 
 namespace vorn::mero::VORN_MERO_NAMESPACE {
 
@@ -263,3 +261,5 @@ VORN_MERO_EXPORT context create_context(nq::call_handle const& call_handle, _nq_
 
 } // namespace raw
 } // namespace vorn::mero::VORN_MERO_NAMESPACE
+
+#endif

@@ -1,10 +1,8 @@
 // OpenCL devices.
 #ifndef VORN_MERO_OPENCL
-#include <vorn/mero/opencl/standalone.hpp>
-
-#include <vorn/mero/opencl/forward.hpp>
-#include <vorn/mero/opencl/types.hpp>
+#include <vorn/mero/opencl.hpp>
 #endif
+#ifdef VORN_MERO_OPENCL
 
 namespace vorn::mero::VORN_MERO_NAMESPACE {
 
@@ -396,3 +394,5 @@ VORN_MERO_EXPORT device create_device(nq::call_handle const& call_handle, _nq_cl
 
 } // namespace raw
 } // namespace vorn::mero::VORN_MERO_NAMESPACE
+
+#endif

@@ -1,10 +1,8 @@
 // Events and user events.
 #ifndef VORN_MERO_OPENCL
-#include <vorn/mero/opencl/standalone.hpp>
-
-#include <vorn/mero/opencl/forward.hpp>
-#include <vorn/mero/opencl/types.hpp>
+#include <vorn/mero/opencl.hpp>
 #endif
+#ifdef VORN_MERO_OPENCL
 
 namespace vorn::mero::VORN_MERO_NAMESPACE {
 
@@ -155,3 +153,5 @@ VORN_MERO_EXPORT std::uint32_t refcount(event_promise const& object);
 
 } // namespace raw
 } // namespace vorn::mero::VORN_MERO_NAMESPACE
+
+#endif

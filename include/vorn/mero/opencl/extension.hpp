@@ -14,11 +14,11 @@
 // `internal::extension_supported` below, and throws only what that query throws. All functions are thread-safe as far
 // as those of the extension are.
 #ifndef VORN_MERO_OPENCL
-#include <vorn/mero/opencl/standalone.hpp>
-
-#include <vorn/mero/opencl/forward.hpp>
-#include <vorn/mero/opencl/types.hpp>
+#include <vorn/mero/opencl.hpp>
 #endif
+#ifdef VORN_MERO_OPENCL
+
+namespace vorn::mero::VORN_MERO_NAMESPACE::extension {
 
 // A macro that bears the name of a namespace is set aside while the namespaces are declared.
 #pragma push_macro("cl_altera_device_temperature")
@@ -43,8 +43,6 @@
 #undef cl_khr_sub_groups
 #pragma push_macro("cl_khr_terminate_context")
 #undef cl_khr_terminate_context
-
-namespace vorn::mero::VORN_MERO_NAMESPACE::extension {
 
 /// What a kernel, built for the device, uses of the device's resources, and what the device has: registers, wavefronts,
 /// local memory (LDS) and stack. Each query calls the extension's function twice, and throws
@@ -280,16 +278,6 @@ VORN_MERO_EXPORT bool extension_available(device const& target);
 namespace khr_initialize_memory = cl_khr_initialize_memory;
 #endif
 
-} // namespace vorn::mero::VORN_MERO_NAMESPACE::extension
-
-namespace vorn::mero::internal {
-
-/// Whether a device lists an extension. Ignores case. An entry that is a prefix of the name also matches; the empty
-/// name matches nothing. Two calls.
-VORN_MERO_EXPORT bool extension_supported(VORN_MERO_NAMESPACE::device const& target, std::string const& name);
-
-} // namespace vorn::mero::internal
-
 #pragma pop_macro("cl_altera_device_temperature")
 #pragma pop_macro("cl_altera_live_object_tracking")
 #pragma pop_macro("cl_amd_device_topology")
@@ -301,3 +289,15 @@ VORN_MERO_EXPORT bool extension_supported(VORN_MERO_NAMESPACE::device const& tar
 #pragma pop_macro("cl_khr_spir")
 #pragma pop_macro("cl_khr_sub_groups")
 #pragma pop_macro("cl_khr_terminate_context")
+
+} // namespace vorn::mero::VORN_MERO_NAMESPACE::extension
+
+namespace vorn::mero::internal {
+
+/// Whether a device lists an extension. Ignores case. An entry that is a prefix of the name also matches; the empty
+/// name matches nothing. Two calls.
+VORN_MERO_EXPORT bool extension_supported(VORN_MERO_NAMESPACE::device const& target, std::string const& name);
+
+} // namespace vorn::mero::internal
+
+#endif

@@ -1,8 +1,9 @@
 // The names of a version's classes, and the tags of their constructors. The library instantiates `owner` for each kind;
 // programs link to its members.
 #ifndef VORN_MERO_OPENCL
-#include <vorn/mero/opencl/standalone.hpp>
+#include <vorn/mero/opencl.hpp>
 #endif
+#ifdef VORN_MERO_OPENCL
 
 namespace vorn::mero::VORN_MERO_NAMESPACE {
 
@@ -107,3 +108,5 @@ extern template class vorn::mero::internal::owner<vorn::mero::VORN_MERO_NAMESPAC
 extern template class vorn::mero::internal::owner<vorn::mero::VORN_MERO_NAMESPACE::internal::program_kind>;
 extern template class vorn::mero::internal::owner<vorn::mero::VORN_MERO_NAMESPACE::internal::kernel_kind>;
 extern template class vorn::mero::internal::owner<vorn::mero::VORN_MERO_NAMESPACE::internal::event_kind>;
+
+#endif

@@ -2,13 +2,9 @@
 // that the image lacks has origin 0 and region 1. In an array the image's number comes after the last dimension:
 // {column, image, 0} for one-dimensional images, {column, row, image} for two-dimensional ones.
 #ifndef VORN_MERO_OPENCL
-#include <vorn/mero/opencl/standalone.hpp>
-
-#include <vorn/mero/opencl/forward.hpp>
-#include <vorn/mero/opencl/types.hpp>
-
-#include <vorn/mero/opencl/command.hpp>
+#include <vorn/mero/opencl.hpp>
 #endif
+#ifdef VORN_MERO_OPENCL
 
 namespace vorn::mero::VORN_MERO_NAMESPACE {
 
@@ -190,3 +186,5 @@ private:
 #endif
 
 } // namespace vorn::mero::VORN_MERO_NAMESPACE
+
+#endif

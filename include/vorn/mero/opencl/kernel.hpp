@@ -1,10 +1,8 @@
 // Kernels and their arguments.
 #ifndef VORN_MERO_OPENCL
-#include <vorn/mero/opencl/standalone.hpp>
-
-#include <vorn/mero/opencl/forward.hpp>
-#include <vorn/mero/opencl/types.hpp>
+#include <vorn/mero/opencl.hpp>
 #endif
+#ifdef VORN_MERO_OPENCL
 
 namespace vorn::mero::VORN_MERO_NAMESPACE {
 
@@ -198,3 +196,5 @@ VORN_MERO_EXPORT std::uint32_t refcount(kernel const& object);
 
 } // namespace raw
 } // namespace vorn::mero::VORN_MERO_NAMESPACE
+
+#endif

@@ -1,12 +1,8 @@
 // Commands that launch kernels and call host functions.
 #ifndef VORN_MERO_OPENCL
-#include <vorn/mero/opencl/standalone.hpp>
-
-#include <vorn/mero/opencl/forward.hpp>
-#include <vorn/mero/opencl/types.hpp>
-
-#include <vorn/mero/opencl/command.hpp>
+#include <vorn/mero/opencl.hpp>
 #endif
+#ifdef VORN_MERO_OPENCL
 
 namespace vorn::mero::VORN_MERO_NAMESPACE {
 
@@ -126,3 +122,5 @@ private:
 };
 
 } // namespace vorn::mero::VORN_MERO_NAMESPACE
+
+#endif

@@ -1,13 +1,9 @@
 // Commands on shared virtual memory (`context::svm_allocate`). They take plain addresses; the memory must live until
 // they are complete. For a device without shared virtual memory enqueueing throws `common::invalid_operation`.
 #ifndef VORN_MERO_OPENCL
-#include <vorn/mero/opencl/standalone.hpp>
-
-#include <vorn/mero/opencl/forward.hpp>
-#include <vorn/mero/opencl/types.hpp>
-
-#include <vorn/mero/opencl/command.hpp>
+#include <vorn/mero/opencl.hpp>
 #endif
+#ifdef VORN_MERO_OPENCL
 
 namespace vorn::mero::VORN_MERO_NAMESPACE {
 
@@ -140,3 +136,5 @@ private:
 #endif
 
 } // namespace vorn::mero::VORN_MERO_NAMESPACE
+
+#endif

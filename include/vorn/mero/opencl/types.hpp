@@ -2,8 +2,9 @@
 // constant without its prefix and the words of its group. Any value can be held: `mem_flags{0x13A}`. Bit fields combine
 // with `|`, `&`, `^` and `~`; `mem_flags{}` is no flag. The types of two versions do not mix.
 #ifndef VORN_MERO_OPENCL
-#include <vorn/mero/opencl/standalone.hpp>
+#include <vorn/mero/opencl.hpp>
 #endif
+#ifdef VORN_MERO_OPENCL
 
 namespace vorn::mero::VORN_MERO_NAMESPACE {
 
@@ -355,3 +356,5 @@ VORN_MERO_BIT_FIELD(svm_mem_flags)
 #undef VORN_MERO_BIT_FIELD
 
 } // namespace vorn::mero::VORN_MERO_NAMESPACE
+
+#endif

@@ -1,6 +1,5 @@
 // Reads the headers of this folder once, for the version in the macros. <vorn/mero/opencl_1_2.hpp> and its siblings
 // include it. forward.hpp and types.hpp must come first, and bases before derived classes.
-#define VORN_MERO_WHOLE_VERSION // makes a header of this folder by itself an error, see standalone.hpp
 
 #include <vorn/mero/opencl/forward.hpp>
 #include <vorn/mero/opencl/types.hpp>
