@@ -1,0 +1,184 @@
+#pragma once
+
+// Reads what a block's fields hold and refer to.
+
+#include <nq/describe/field.hpp>
+
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+#include <optional>
+
+namespace nq {
+
+/// Copies `size` bytes of the program's memory. Returns false if they cannot be read. A reader that asks the operating
+/// system survives pointers that a plain copy would crash on.
+using memory_reader = bool (*)(void* to, void const* from, std::size_t size);
+
+namespace detail {
+
+inline bool copy_memory(void* to, void const* from, std::size_t size) {
+    std::memcpy(to, from, size);
+    return true;
+}
+
+} // namespace detail
+
+/// What the field at an offset of a block holds: 8 bytes, or 4 if `size` is 4.
+inline std::uint64_t read_field(void const* block, std::size_t offset, std::size_t size = 8) {
+    std::uint64_t value = 0;
+    std::memcpy(&value, static_cast<unsigned char const*>(block) + offset, size);
+    return value;
+}
+
+/// What a field of a block holds. A negative status keeps its sign.
+inline std::int64_t read_field(void const* block, field const& each) {
+    std::uint64_t const value = read_field(block, each.offset, each.size);
+    return each.size == 4 && each.kind == field_kind::status ? static_cast<std::int32_t>(value)
+                                                             : static_cast<std::int64_t>(value);
+}
+
+/// The pointer in a field at an offset of a block.
+inline void const* read_pointer(void const* block, std::size_t offset) {
+    void const* pointer = nullptr;
+    std::memcpy(&pointer, static_cast<unsigned char const*>(block) + offset, sizeof pointer);
+    return pointer;
+}
+
+namespace detail {
+
+struct bounds {
+    void const* block;
+    memory_reader read;
+    std::size_t pixel_size;
+
+    std::optional<std::size_t> of(description const& call, field const& each) const {
+        auto const& at = each.length.operands;
+        switch (each.length.rule) {
+        case length_rule::constant:
+            return std::size_t{at[0]} * each.element_size;
+        case length_rule::counted:
+            return value(call, at[0]) * each.element_size;
+        case length_rule::zero_terminated:
+            return list(each, 1, 0);
+        case length_rule::properties:
+            return list(each, 16, 0);
+        case length_rule::partition:
+            return list(each, 8, word(read_pointer(block, each.offset)) == by_counts ? 1 : 0);
+        case length_rule::rectangle:
+            return rectangle(at);
+        case length_rule::pixels:
+            return region(at[0], read_field(block, at[1]), read_field(block, at[2]));
+        case length_rule::image: {
+            std::size_t const size[] = {read_field(block, at[0]), read_field(block, at[1]), optional(at[2], 1)};
+            return box(size, optional(at[3], 0), optional(at[4], 0));
+        }
+        case length_rule::described_image:
+            return described_image(at[0]);
+        case length_rule::none:
+        case length_rule::opaque:
+            break;
+        }
+        return std::nullopt;
+    }
+
+private:
+    static constexpr std::uint64_t by_counts = 0x1087;
+
+    std::size_t value(description const& call, std::size_t offset) const {
+        for (field const& each : call) {
+            if (each.offset == offset) {
+                return read_field(block, offset, each.size);
+            }
+        }
+        return 0;
+    }
+
+    std::size_t optional(std::uint8_t offset, std::size_t otherwise) const {
+        return offset == absent ? otherwise : read_field(block, offset);
+    }
+
+    std::uint64_t word(void const* from) const {
+        std::uint64_t value = 0;
+        return from != nullptr && read(&value, from, sizeof value) ? value : 0;
+    }
+
+    // The bytes up to the zero after `zeros` others, in steps.
+    std::optional<std::size_t> list(field const& each, std::size_t step, int zeros) const {
+        auto const* const start = static_cast<unsigned char const*>(read_pointer(block, each.offset));
+        std::size_t const width = step == 1 ? 1 : 8;
+        for (auto const* at = start; at != nullptr; at += step) {
+            std::uint64_t name = 0;
+            if (!read(&name, at, width)) {
+                break;
+            }
+            if (name == 0 && zeros-- == 0) {
+                return static_cast<std::size_t>(at - start) + width;
+            }
+        }
+        return std::nullopt;
+    }
+
+    std::optional<std::size_t> box(std::size_t const (&size)[3], std::size_t row, std::size_t slice) const {
+        if (pixel_size == 0) {
+            return std::nullopt;
+        }
+        return end(size, size[0] * pixel_size, row, slice);
+    }
+
+    // Where a box ends whose rows have `width` bytes.
+    static std::size_t end(std::size_t const (&size)[3], std::size_t width, std::size_t row, std::size_t slice) {
+        row = row != 0 ? row : width;
+        slice = slice != 0 ? slice : row * size[1];
+        bool const empty = size[0] == 0 || size[1] == 0 || size[2] == 0;
+        return empty ? 0 : (size[2] - 1) * slice + (size[1] - 1) * row + width;
+    }
+
+    std::optional<std::size_t> region(std::size_t offset, std::size_t row, std::size_t slice) const {
+        std::size_t size[3];
+        void const* const from = read_pointer(block, offset);
+        return from != nullptr && read(size, from, sizeof size) ? box(size, row, slice) : std::nullopt;
+    }
+
+    template <class Operands>
+    std::optional<std::size_t> rectangle(Operands const& at) const {
+        std::size_t origin[3];
+        std::size_t size[3];
+        void const* const from = read_pointer(block, at[0]);
+        void const* const extent = read_pointer(block, at[1]);
+        if (from == nullptr || extent == nullptr || !read(origin, from, sizeof origin) ||
+            !read(size, extent, sizeof size)) {
+            return std::nullopt;
+        }
+        std::size_t const row = read_field(block, at[2]) != 0 ? read_field(block, at[2]) : size[0];
+        std::size_t const slice = read_field(block, at[3]) != 0 ? read_field(block, at[3]) : row * size[1];
+        return origin[2] * slice + origin[1] * row + origin[0] + end(size, size[0], row, slice);
+    }
+
+    std::optional<std::size_t> described_image(std::size_t offset) const {
+        image_desc about{};
+        void const* const from = read_pointer(block, offset);
+        if (from == nullptr || !read(&about, from, sizeof about)) {
+            return std::nullopt;
+        }
+        auto const at_least_one = [](std::size_t size) { return size != 0 ? size : 1; };
+        constexpr std::uint32_t array_of_lines = 0x10F5;
+        std::size_t const layers = at_least_one(about.image_array_size) * at_least_one(about.image_depth);
+        std::size_t const size[] = {about.image_width, at_least_one(about.image_height), layers};
+        std::size_t const slice = about.image_type == array_of_lines && about.image_slice_pitch == 0
+                                      ? about.image_row_pitch
+                                      : about.image_slice_pitch;
+        return box(size, about.image_row_pitch, slice);
+    }
+};
+
+} // namespace detail
+
+/// How many bytes are behind the pointer in a field, by its length rule. Nothing if it is not known, or cannot be read.
+/// The rules in pixels need the size of a pixel in bytes. Lists of texts and binaries: the list itself.
+inline std::optional<std::size_t> extent_of(description const& call, field const& each, void const* block,
+                                            std::size_t pixel_size = 0, memory_reader read = detail::copy_memory) {
+    return detail::bounds{block, read, pixel_size}.of(call, each);
+}
+
+} // namespace nq
