@@ -133,6 +133,19 @@ cl_int CL_API_CALL get_program_info(cl_program program, cl_program_info name, st
     return loaded().clGetProgramInfo(program, name, size, value, size_needed);
 }
 
+// Intel's runtime answers with as many sizes as it is given room for, and reports none when it is given no room.
+cl_int CL_API_CALL intel_sub_group_info(cl_kernel kernel, cl_device_id device, cl_kernel_sub_group_info name,
+                                        std::size_t input_size, void const* input, std::size_t size, void* value,
+                                        std::size_t* size_needed) {
+    cl_int const code =
+        loaded().clGetKernelSubGroupInfo(kernel, device, name, input_size, input, size, value, size_needed);
+    if (name == CL_KERNEL_LOCAL_SIZE_FOR_SUB_GROUP_COUNT && code == CL_SUCCESS && value == nullptr &&
+        size_needed != nullptr) {
+        *size_needed = sizeof(std::size_t);
+    }
+    return code;
+}
+
 template <class Function>
 void replace(Function& function, Function guard) noexcept {
     function = function != nullptr ? guard : nullptr;
@@ -161,6 +174,7 @@ void install_guards(std::string_view platform_name, functions& cl) noexcept {
     } else if (platform_name == intel) {
         cl.clCreateProgramWithBuiltInKernels = nullptr; // has no such kernels; releasing what it makes crashes
         replace(cl.clSetKernelArg, set_argument_unless_null<queue_type>);
+        replace(cl.clGetKernelSubGroupInfo, intel_sub_group_info);
     }
 }
 

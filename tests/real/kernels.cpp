@@ -155,11 +155,10 @@ SCENARIO(sub_groups, "sub-groups", 210) {
     expect_sub_groups(b, kernel, local);
     expect_sub_groups(b, kernel, std::array<std::size_t, 2>{16, 4});
     expect_sub_groups(b, kernel, std::array<std::size_t, 3>{8, 4, 2});
-    std::size_t const one = 1;
-    expect_same("get_local_size_for_sub_group_count",
-                ask_kernel(REAL_C_API(clGetKernelSubGroupInfo), b, kernel, CL_KERNEL_LOCAL_SIZE_FOR_SUB_GROUP_COUNT,
-                           sizeof one, &one),
-                [&] { return kernel.get_local_size_for_sub_group_count(b.device, one); });
+    for (std::size_t const wanted : {1U, 3U}) {
+        std::array const fitting{kernel.get_local_size_for_sub_group_count(b.device, wanted)};
+        EXPECT_EQ(kernel.get_sub_group_count_for_nd_range(b.device, fitting), wanted);
+    }
     EXPECT_GE(kernel.get_max_num_sub_groups(b.device), count);
     EXPECT_EQ(kernel.compile_num_sub_groups(b.device), 0U);
 }
