@@ -24,7 +24,7 @@ vendor read_vendor(fs::path const& file) {
 
 std::string vendor_setting() {
     for (char const* variable : {"OCL_ICD_VENDORS", "OPENCL_VENDOR_PATH"}) {
-        if (char const* const value = std::getenv(variable); value != nullptr && *value != '\0') {
+        if (char const* const value = secure_getenv(variable); value != nullptr && *value != '\0') {
             return value;
         }
     }

@@ -23,7 +23,7 @@ std::atomic<bool> logger_is_gone{false};
 [[maybe_unused]] auto const registry_is_alive = spdlog::get(logger_name) != nullptr;
 
 std::string_view environment(char const* name, std::string_view otherwise) {
-    char const* const value = std::getenv(name);
+    char const* const value = secure_getenv(name); // a set-uid program must not be told by its user where to write
     return value != nullptr ? value : otherwise;
 }
 
