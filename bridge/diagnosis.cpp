@@ -4,18 +4,21 @@
 #include "vendors.hpp"
 
 #include <algorithm>
+#include <array>
 #include <atomic>
 #include <cstdio>
 #include <cstdlib>
 #include <dlfcn.h>
-#include <string_view>
+#include <strings.h>
 
 namespace nq::bridge {
 namespace {
 
 bool verbose() noexcept {
-    char const* const value = std::getenv("NQ_BRIDGE_VERBOSE");
-    return value != nullptr && std::string_view(value) == "1";
+    char const* const value = secure_getenv("NQ_BRIDGE_VERBOSE");
+    constexpr std::array yes{"1", "true", "yes", "on"};
+    return value != nullptr &&
+           std::ranges::any_of(yes, [value](char const* word) { return strcasecmp(word, value) == 0; });
 }
 
 std::string line(std::string const& text) { return "libnq: " + text + "\n"; }
@@ -72,11 +75,14 @@ std::string report_on(machine const& found, std::string const& failure) {
     if (!failure.empty()) {
         return without_loader(failure);
     }
-    std::string const setting = vendor_setting();
-    auto const vendors = list_vendors(setting);
-    std::string report = vendors.empty() && found.platforms.empty() ? without_vendors(setting) : "";
-    for (vendor const& each : vendors) {
-        report += unusable(each, !found.platforms.empty());
+    std::string report;
+    if (found.platforms.empty() || found.platforms.front().behind_loader) {
+        std::string const setting = vendor_setting();
+        auto const vendors = list_vendors(setting);
+        report = vendors.empty() && found.platforms.empty() ? without_vendors(setting) : "";
+        for (vendor const& each : vendors) {
+            report += unusable(each, !found.platforms.empty());
+        }
     }
     return report + without_device(found);
 }

@@ -39,7 +39,7 @@ void after_fork_in_child() {
 std::vector<cl_platform_id> list_platforms() {
     functions const& cl = loaded();
     cl_uint count = 0;
-    if (cl.clGetPlatformIDs(0, nullptr, &count) != CL_SUCCESS) {
+    if (cl.clGetPlatformIDs == nullptr || cl.clGetPlatformIDs(0, nullptr, &count) != CL_SUCCESS) {
         return {};
     }
     std::vector<cl_platform_id> platforms(count);

@@ -1,6 +1,5 @@
 #include "dispatch.hpp"
 
-#include "guards.hpp"
 #include "perform.hpp"
 
 #include <nq/commands.hpp>
@@ -14,11 +13,7 @@ template <class Block>
 int perform_command(nq_call_handle const& handle, void* memory) {
     auto& block = *static_cast<Block*>(memory);
     try {
-        if (cl_int const code = missing_argument(block); code != CL_SUCCESS) [[unlikely]] {
-            refuse(block, code);
-        } else {
-            perform(handle, block);
-        }
+        perform(handle, block);
     } catch (...) { // no OpenCL function documents one; Oclgrind throws std::bad_alloc
         refuse(block, CL_OUT_OF_HOST_MEMORY);
     }

@@ -18,10 +18,15 @@
 
 namespace nq::bridge {
 
+template <class Element>
+[[gnu::noinline]] bool is_or_holds_null(Element const* list, std::uint64_t count) noexcept {
+    return list == nullptr || std::find(list, list + count, nullptr) != list + count;
+}
+
 /// Whether a list with a count is null or has a null entry.
 template <class Element>
 bool incomplete(Element const* list, std::uint64_t count) noexcept {
-    return count != 0 && (list == nullptr || std::find(list, list + count, nullptr) != list + count);
+    return count != 0 && is_or_holds_null(list, count);
 }
 
 /// Whether a list that is not null has a null entry.
@@ -151,33 +156,40 @@ inline cl_int missing_pointer(block::clLinkProgram const& b) noexcept {
     return incomplete(b.input_programs, b.num_input_programs) ? CL_INVALID_PROGRAM : CL_SUCCESS;
 }
 
-/// Whether the object that the loader dispatches on is null: the loader itself then answers, and nothing crashes.
-template <class Block>
-bool leads_nowhere(Block const& b) noexcept {
-    if constexpr (requires { b.command_queue; }) {
-        return b.command_queue == nullptr;
-    } else if constexpr (requires { b.context; }) {
-        return b.context == nullptr;
-    } else if constexpr (requires { b.program; }) {
-        return b.program == nullptr;
-    } else {
-        return false;
-    }
-}
-
 /// The error code if the block must not reach an implementation, else CL_SUCCESS.
 template <class Block>
 cl_int missing_argument(Block const& b) noexcept {
-    cl_int code = missing_pointer(b);
     if constexpr (requires { b.event_wait_list; }) {
         if (incomplete(b.event_wait_list, b.num_events_in_wait_list)) [[unlikely]] {
-            code = CL_INVALID_EVENT_WAIT_LIST;
+            return CL_INVALID_EVENT_WAIT_LIST;
         }
     }
-    return code != CL_SUCCESS && leads_nowhere(b) ? CL_SUCCESS : code;
+    return missing_pointer(b);
 }
 
-/// Replaces the functions that need a guard in this implementation, and removes those that do not work in it.
+/// The error code of ICD loaders for a null object of this type as the first argument; CL_SUCCESS if it may be null. A
+/// null platform is a loader's default platform.
+template <class First>
+inline constexpr cl_int code_for_null = CL_SUCCESS;
+template <>
+inline constexpr cl_int code_for_null<_nq_cl_device_id*> = CL_INVALID_DEVICE;
+template <>
+inline constexpr cl_int code_for_null<_nq_cl_context*> = CL_INVALID_CONTEXT;
+template <>
+inline constexpr cl_int code_for_null<_nq_cl_command_queue*> = CL_INVALID_COMMAND_QUEUE;
+template <>
+inline constexpr cl_int code_for_null<_nq_cl_mem*> = CL_INVALID_MEM_OBJECT;
+template <>
+inline constexpr cl_int code_for_null<_nq_cl_sampler*> = CL_INVALID_SAMPLER;
+template <>
+inline constexpr cl_int code_for_null<_nq_cl_program*> = CL_INVALID_PROGRAM;
+template <>
+inline constexpr cl_int code_for_null<_nq_cl_kernel*> = CL_INVALID_KERNEL;
+template <>
+inline constexpr cl_int code_for_null<_nq_cl_event*> = CL_INVALID_EVENT;
+
+/// Replaces the functions that need a guard or a better reply on one implementation, and removes those that only seem
+/// to work.
 void install_guards(std::string_view platform_name, functions& cl) noexcept;
 
 /// Whether a device works in a child that was forked after its platform had listed it.

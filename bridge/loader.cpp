@@ -1,43 +1,114 @@
 #include "loader.hpp"
 
+#include "platform.hpp"
+
+#include <algorithm>
+#include <array>
 #include <cstdlib>
 #include <dlfcn.h>
+#include <link.h>
 
 namespace nq::bridge {
 namespace {
 
 functions symbols{};
-void* library = nullptr;
 
-} // namespace
-
-std::string loader_name() {
-    char const* const name = std::getenv("NQ_BRIDGE_OPENCL");
-    return name != nullptr && *name != '\0' ? name : "libOpenCL.so.1";
+void* object_of(void* function) noexcept {
+    Dl_info info{};
+    return dladdr(function, &info) != 0 ? info.dli_fbase : nullptr;
 }
 
-std::string load() {
-    if (library != nullptr) {
-        return {};
-    }
-    // If the loader's symbols are in the global scope, Oclgrind binds its own entry points to them and loops forever.
-    void* const opened = dlopen(loader_name().c_str(), RTLD_NOW | RTLD_LOCAL);
-    if (opened == nullptr) {
-        return dlerror();
-    }
-    if (dlsym(opened, "clGetPlatformIDs") == nullptr) {
-        dlclose(opened);
-        return loader_name() + " is no OpenCL loader: it has no clGetPlatformIDs";
-    }
-    library = opened;
+bool is_in_program(void* function) noexcept {
+    Dl_info info{};
+    void* map = nullptr;
+    return dladdr1(function, &info, &map, RTLD_DL_LINKMAP) != 0 && static_cast<link_map*>(map)->l_prev == nullptr;
+}
+
+bool exports_opencl(void* library) noexcept {
+    constexpr std::array needed{"clGetPlatformIDs", "clGetPlatformInfo", "clGetDeviceIDs", "clGetDeviceInfo"};
+    return std::ranges::all_of(needed, [library](char const* name) { return dlsym(library, name) != nullptr; });
+}
+
+// Tools that watch OpenCL are preloaded, with OpenCL's own names in the global scope; a second library beside them
+// would be bound to them in part, and crash. What the program itself defines under these names is its own affair, and
+// so is what is local to the plugin that brought this library.
+void* find_in_global_scope() noexcept {
+    void* const scope = dlopen(nullptr, RTLD_LAZY);
+    void* const found = scope != nullptr ? dlsym(scope, "clGetPlatformIDs") : nullptr;
+    return found != nullptr && !is_in_program(found) && exports_opencl(scope) ? scope : nullptr;
+}
+
+void take_exports(void* library) noexcept {
     for (entry_point const& entry : entry_points()) {
         slot(symbols, entry.slot) = dlsym(library, entry.name);
+    }
+}
+
+using list_function = decltype(functions::clGetPlatformIDs);
+
+// An implementation that only an ICD loader is meant to open exports one function, which gives this one.
+list_function find_list_function(void* library) noexcept {
+    auto const address_of = reinterpret_cast<decltype(functions::clGetExtensionFunctionAddress)>(
+        dlsym(library, "clGetExtensionFunctionAddress"));
+    return address_of != nullptr ? reinterpret_cast<list_function>(address_of("clIcdGetPlatformIDsKHR")) : nullptr;
+}
+
+// The dispatch table of its first platform has the other functions.
+void take_dispatch_table(list_function list) {
+    cl_platform_id first = nullptr;
+    if (list(1, &first, nullptr) != CL_SUCCESS || first == nullptr) {
+        return; // it may have a platform another time
+    }
+    functions const& table = *dispatch_table(first);
+    version_number const version = parse_version(info_text(table.clGetPlatformInfo, first, CL_PLATFORM_VERSION));
+    for (entry_point const& entry : entry_points()) {
+        slot(symbols, entry.slot) = entry.since <= version ? slot(table, entry.slot) : nullptr;
+    }
+    symbols.clGetPlatformIDs = list;
+}
+
+std::string load_named(char const* name) {
+    // With a loader's symbols in the global scope Oclgrind binds its own entry points to them and loops for ever.
+    void* const library = dlopen(name, RTLD_NOW | RTLD_LOCAL);
+    if (library == nullptr) {
+        return dlerror();
+    }
+    if (exports_opencl(library)) {
+        take_exports(library);
+    } else if (auto* const list = find_list_function(library); list != nullptr) {
+        take_dispatch_table(list);
+    } else {
+        dlclose(library);
+        return name + std::string(" is no OpenCL loader or implementation: it has neither clGetPlatformIDs nor "
+                                  "clIcdGetPlatformIDsKHR");
     }
     return {};
 }
 
+} // namespace
+
+std::string load() {
+    if (symbols.clGetPlatformIDs != nullptr) {
+        return {};
+    }
+    if (char const* const name = secure_getenv("NQ_BRIDGE_OPENCL"); name != nullptr && *name != '\0') {
+        return load_named(name);
+    }
+    if (void* const found = find_in_global_scope(); found != nullptr) {
+        take_exports(found);
+        return {};
+    }
+    return load_named("libOpenCL.so.1");
+}
+
 functions const& loaded() noexcept { return symbols; }
 
-void* find_symbol(char const* name) noexcept { return library != nullptr ? dlsym(library, name) : nullptr; }
+bool is_in_library(void* function) noexcept {
+    return object_of(function) == object_of(reinterpret_cast<void*>(symbols.clGetPlatformInfo));
+}
+
+functions const* dispatch_table(cl_platform_id object) noexcept {
+    return *reinterpret_cast<functions const* const*>(object);
+}
 
 } // namespace nq::bridge

@@ -1,6 +1,6 @@
 #pragma once
 
-// The ICD loader, loaded at run time.
+// The OpenCL library, loaded at run time: an ICD loader, or an implementation that is used without one.
 
 #include "entry_points.hpp"
 
@@ -8,17 +8,18 @@
 
 namespace nq::bridge {
 
-/// Loads the library that NQ_BRIDGE_OPENCL names, unless it has been loaded before. Returns an empty string, or the
-/// reason of the failure. Not thread-safe.
+/// Loads the library that NQ_BRIDGE_OPENCL names; without it takes the one that the process has preloaded or linked;
+/// else loads libOpenCL.so.1. Does nothing if there is one already. Returns an empty string, or the reason of the
+/// failure. Not thread-safe.
 std::string load();
 
-/// The loader's own functions; all null before `load`.
+/// The library's own functions; all null before `load`.
 functions const& loaded() noexcept;
 
-/// The address of a name in the loaded library, or null.
-void* find_symbol(char const* name) noexcept;
+/// Whether a function is part of the library, and not of an implementation behind it.
+bool is_in_library(void* function) noexcept;
 
-/// The value of NQ_BRIDGE_OPENCL, or its default.
-std::string loader_name();
+/// The dispatch table of an implementation with cl_khr_icd: its objects begin with the address of the table.
+functions const* dispatch_table(cl_platform_id object) noexcept;
 
 } // namespace nq::bridge

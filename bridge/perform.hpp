@@ -77,11 +77,12 @@ STATUS(clSetMemObjectDestructorCallback, b.memobj, b.pfn_notify, b.user_data)
 
 inline void perform(nq_call_handle const& handle, block::clSVMAlloc& b) {
     auto* const allocate = handle.owner->cl.clSVMAlloc;
-    b.result = allocate != nullptr ? allocate(argument{b.context}, b.flags, b.size, b.alignment) : nullptr;
+    bool const possible = allocate != nullptr && b.context != nullptr;
+    b.result = possible ? allocate(argument{b.context}, b.flags, b.size, b.alignment) : nullptr;
 }
 
 inline void perform(nq_call_handle const& handle, block::clSVMFree& b) {
-    if (auto* const release = handle.owner->cl.clSVMFree; release != nullptr) {
+    if (auto* const release = handle.owner->cl.clSVMFree; release != nullptr && b.context != nullptr) {
         release(argument{b.context}, b.svm_pointer);
     }
 }
@@ -149,11 +150,11 @@ STATUS(clGetHostTimer, b.device, b.host_timestamp)
 inline void perform(nq_call_handle const& handle, block::call_handle_device& b) { b.result = argument{handle.device}; }
 
 inline void perform(nq_call_handle const& handle, block::clGetExtensionFunctionAddress& b) {
-    b.result = extension_function(*handle.owner, handle.owner->id, b.func_name);
+    b.result = extension_function(*handle.owner, b.func_name);
 }
 
 inline void perform(nq_call_handle const& handle, block::clGetExtensionFunctionAddressForPlatform& b) {
-    b.result = extension_function(*handle.owner, argument{b.platform}, b.func_name);
+    b.result = extension_function_for_platform(*handle.owner, argument{b.platform}, b.func_name);
 }
 
 // Commands on buffers and on any memory object

@@ -6,6 +6,15 @@
 #include <charconv>
 
 namespace nq::bridge {
+namespace {
+
+// Only an implementation with cl_khr_icd begins its objects with the address of a dispatch table. Loaders ask for one
+// of the two signs of it, not all for the same.
+bool has_dispatch_table(std::string const& extensions, std::string const& icd_suffix) {
+    return (" " + extensions + " ").find(" cl_khr_icd ") != std::string::npos || !icd_suffix.empty();
+}
+
+} // namespace
 
 version_number parse_version(std::string_view text) noexcept {
     constexpr std::string_view prefix = "OpenCL ";
@@ -24,20 +33,27 @@ version_number parse_version(std::string_view text) noexcept {
 }
 
 bool reaches(platform const& where, entry_point const& entry) noexcept {
-    if (where.version < entry.since) {
+    void* const function = slot(loaded(), entry.slot);
+    if (where.table == nullptr) {
+        return function != nullptr;
+    }
+    if (function == nullptr || where.version < entry.since) {
         return false;
     }
-    // Every object of an implementation starts with the address of its dispatch table.
-    auto const& implementation = **reinterpret_cast<functions const* const*>(where.id);
-    void* const target = slot(implementation, entry.slot);
-    // A slot that points back at the loader would call itself forever.
-    return target != nullptr && target != slot(loaded(), entry.slot);
+    void* const target = slot(*where.table, entry.slot);
+    // A slot that points back at the loader would call itself for ever.
+    return target != nullptr && !(where.behind_loader && target == function);
 }
 
 platform describe(cl_platform_id id) {
-    functions const& loader = loaded();
-    platform made{loader, id, parse_version(info_text(loader.clGetPlatformInfo, id, CL_PLATFORM_VERSION)),
-                  info_text(loader.clGetPlatformInfo, id, CL_PLATFORM_NAME), true};
+    functions const& library = loaded();
+    auto const text = [&](cl_platform_info name) { return info_text(library.clGetPlatformInfo, id, name); };
+    platform made{library, id, parse_version(text(CL_PLATFORM_VERSION)), text(CL_PLATFORM_NAME), nullptr, false, true};
+    if (has_dispatch_table(text(CL_PLATFORM_EXTENSIONS), text(CL_PLATFORM_ICD_SUFFIX_KHR))) {
+        made.table = dispatch_table(id);
+        // An implementation's table leads to its own functions, a loader's functions to another library's.
+        made.behind_loader = !is_in_library(reinterpret_cast<void*>(made.table->clGetPlatformInfo));
+    }
     for (entry_point const& entry : entry_points()) {
         if (!reaches(made, entry)) {
             slot(made.cl, entry.slot) = nullptr;

@@ -10,10 +10,12 @@
 namespace nq::bridge {
 
 struct platform {
-    functions cl; // the loader's; null if the implementation lacks the entry point
+    functions cl; // the library's; null if the implementation lacks the entry point
     cl_platform_id id;
     version_number version;
     std::string name;
+    functions const* table; // the implementation's own functions; null without cl_khr_icd
+    bool behind_loader;     // the library's functions lead to the table's
     bool survives_fork;
 };
 
@@ -22,7 +24,7 @@ version_number parse_version(std::string_view text) noexcept;
 
 platform describe(cl_platform_id id);
 
-/// Whether an entry point of the loader reaches code of the platform's implementation.
+/// Whether an entry point of the library reaches code of the platform's implementation.
 bool reaches(platform const& where, entry_point const& entry) noexcept;
 
 /// The reply of a text query of a platform or device, empty if it fails.
