@@ -36,7 +36,7 @@ std::int32_t status_of(Block const& block) {
 
 /// Performs a command and throws whatever failed.
 template <class Block>
-void perform(nq_call_handle* handle, std::uint32_t command_id, Block& block) {
+void call_checked(nq_call_handle* handle, std::uint32_t command_id, Block& block) {
     call(handle, command_id, &block);
     if (status_of(block) != 0) [[unlikely]] {
         check_error(status_of(block));

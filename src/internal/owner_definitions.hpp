@@ -25,7 +25,7 @@ template <nq::capability Version, class Retain, class Release>
 struct counted {
     static void retain(nq_call_handle* call_handle, auto* raw) {
         Retain block{raw, 0};
-        perform(call_handle, nq::command_id<Version, Retain>, block);
+        call_checked(call_handle, nq::command_id<Version, Retain>, block);
     }
 
     static void release(nq_call_handle* call_handle, auto* raw) {

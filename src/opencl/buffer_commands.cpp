@@ -15,7 +15,7 @@ void read_buffer::call(nq::call_handle const& handle, _nq_cl_command_queue* queu
     block.size = size_;
     block.ptr = destination_;
     block.blocking_read = blocking_ ? 1 : 0;
-    enqueueing{handle, queue, num_events_in_wait_list, event_wait_list, event}.perform(block);
+    enqueueing{handle, queue, num_events_in_wait_list, event_wait_list, event}.enqueue(block);
 }
 
 write_buffer::write_buffer(buffer& destination, bool blocking, std::size_t offset, std::size_t size, void const* source)
@@ -30,7 +30,7 @@ void write_buffer::call(nq::call_handle const& handle, _nq_cl_command_queue* que
     block.size = size_;
     block.ptr = source_;
     block.blocking_write = blocking_ ? 1 : 0;
-    enqueueing{handle, queue, num_events_in_wait_list, event_wait_list, event}.perform(block);
+    enqueueing{handle, queue, num_events_in_wait_list, event_wait_list, event}.enqueue(block);
 }
 
 copy_buffer::copy_buffer(buffer const& source, buffer& destination, std::size_t source_offset,
@@ -46,7 +46,7 @@ void copy_buffer::call(nq::call_handle const& handle, _nq_cl_command_queue* queu
     block.src_offset = source_offset_;
     block.dst_offset = destination_offset_;
     block.size = size_;
-    enqueueing{handle, queue, num_events_in_wait_list, event_wait_list, event}.perform(block);
+    enqueueing{handle, queue, num_events_in_wait_list, event_wait_list, event}.enqueue(block);
 }
 
 map_buffer::map_buffer(void*& mapped, buffer& source, bool blocking, map_flags flags, std::size_t offset,
@@ -61,7 +61,7 @@ void map_buffer::call(nq::call_handle const& handle, _nq_cl_command_queue* queue
     block.offset = offset_;
     block.size = size_;
     block.blocking_map = blocking_ ? 1 : 0;
-    enqueueing{handle, queue, num_events_in_wait_list, event_wait_list, event}.perform(block);
+    enqueueing{handle, queue, num_events_in_wait_list, event_wait_list, event}.enqueue(block);
     *mapped_ = block.result;
 }
 
@@ -74,7 +74,7 @@ void unmap_mem_object::call(nq::call_handle const& handle, _nq_cl_command_queue*
     block::clEnqueueUnmapMemObject block;
     block.memobj = object_;
     block.mapped_ptr = mapped_;
-    enqueueing{handle, queue, num_events_in_wait_list, event_wait_list, event}.perform(block);
+    enqueueing{handle, queue, num_events_in_wait_list, event_wait_list, event}.enqueue(block);
 }
 
 #if VORN_MERO_OPENCL >= 110
@@ -100,7 +100,7 @@ void read_buffer_rect::call(nq::call_handle const& handle, _nq_cl_command_queue*
     block.host_slice_pitch = host_slice_pitch_;
     block.ptr = destination_;
     block.blocking_read = blocking_ ? 1 : 0;
-    enqueueing{handle, queue, num_events_in_wait_list, event_wait_list, event}.perform(block);
+    enqueueing{handle, queue, num_events_in_wait_list, event_wait_list, event}.enqueue(block);
 }
 
 write_buffer_rect::write_buffer_rect(buffer& destination, bool blocking, std::array<std::size_t, 3> buffer_origin,
@@ -125,7 +125,7 @@ void write_buffer_rect::call(nq::call_handle const& handle, _nq_cl_command_queue
     block.host_slice_pitch = host_slice_pitch_;
     block.ptr = source_;
     block.blocking_write = blocking_ ? 1 : 0;
-    enqueueing{handle, queue, num_events_in_wait_list, event_wait_list, event}.perform(block);
+    enqueueing{handle, queue, num_events_in_wait_list, event_wait_list, event}.enqueue(block);
 }
 
 copy_buffer_rect::copy_buffer_rect(buffer const& source, buffer& destination, std::array<std::size_t, 3> source_origin,
@@ -150,7 +150,7 @@ void copy_buffer_rect::call(nq::call_handle const& handle, _nq_cl_command_queue*
     block.src_slice_pitch = source_slice_pitch_;
     block.dst_row_pitch = destination_row_pitch_;
     block.dst_slice_pitch = destination_slice_pitch_;
-    enqueueing{handle, queue, num_events_in_wait_list, event_wait_list, event}.perform(block);
+    enqueueing{handle, queue, num_events_in_wait_list, event_wait_list, event}.enqueue(block);
 }
 #endif
 
@@ -169,7 +169,7 @@ void fill_buffer_base::call(nq::call_handle const& handle, _nq_cl_command_queue*
     block.pattern_size = pattern_size_;
     block.offset = offset_;
     block.size = pattern_size_ * count_;
-    enqueueing{handle, queue, num_events_in_wait_list, event_wait_list, event}.perform(block);
+    enqueueing{handle, queue, num_events_in_wait_list, event_wait_list, event}.enqueue(block);
 }
 
 fill_buffer_bytes::fill_buffer_bytes(buffer& destination, std::vector<unsigned char> const& pattern, std::size_t offset,
@@ -185,7 +185,7 @@ void fill_buffer_bytes::call(nq::call_handle const& handle, _nq_cl_command_queue
     block.pattern_size = pattern_.size();
     block.offset = offset_;
     block.size = pattern_.size() * count_;
-    enqueueing{handle, queue, num_events_in_wait_list, event_wait_list, event}.perform(block);
+    enqueueing{handle, queue, num_events_in_wait_list, event_wait_list, event}.enqueue(block);
 }
 
 migrate_mem_objects::migrate_mem_objects(std::vector<_nq_cl_mem*> const& objects, migration_flags flags)
@@ -198,7 +198,7 @@ void migrate_mem_objects::call(nq::call_handle const& handle, _nq_cl_command_que
     block.flags = static_cast<std::uint64_t>(flags_);
     block.mem_objects = data_or_null(objects_);
     block.num_mem_objects = count_of(objects_);
-    enqueueing{handle, queue, num_events_in_wait_list, event_wait_list, event}.perform(block);
+    enqueueing{handle, queue, num_events_in_wait_list, event_wait_list, event}.enqueue(block);
 }
 #endif
 

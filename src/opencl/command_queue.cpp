@@ -1,4 +1,4 @@
-#include "opencl/wire.hpp"
+#include "opencl/perform.hpp"
 
 #if VORN_MERO_OPENCL < 200
 template <>
@@ -8,9 +8,7 @@ struct vorn::mero::internal::ownership<vorn::mero::VORN_MERO_NAMESPACE::internal
 };
 
 template class vorn::mero::internal::owner<vorn::mero::VORN_MERO_NAMESPACE::internal::command_queue_kind>;
-#endif
-
-#if VORN_MERO_OPENCL >= 200
+#else
 template <>
 struct vorn::mero::internal::ownership<vorn::mero::VORN_MERO_NAMESPACE::internal::host_command_queue_kind>
     : counted<nq::capability::VORN_MERO_NAMESPACE, nq::block::clRetainCommandQueue, nq::block::clReleaseCommandQueue> {
@@ -32,15 +30,9 @@ namespace vorn::mero::VORN_MERO_NAMESPACE {
 
 using namespace detail;
 
+using internal::host_queue;
+
 namespace {
-
-#if VORN_MERO_OPENCL < 200
-using host_queue = command_queue;
-#endif
-
-#if VORN_MERO_OPENCL >= 200
-using host_queue = host_command_queue;
-#endif
 
 template <class Kind>
 query<block::clGetCommandQueueInfo> ask(owner<Kind> const& object, std::uint32_t name) {
@@ -54,7 +46,7 @@ bool has_property(owner<Kind> const& object, std::uint64_t property) {
 
 // Performs an entry point whose block has only a queue and a status.
 template <class Block>
-void perform_on_queue(host_queue const& queue) {
+void apply(host_queue const& queue) {
     Block block;
     block.command_queue = raw_of(queue);
     perform(call_handle_of(queue), block);
@@ -79,8 +71,8 @@ void host_queue::enqueue_command_without_event(command const& c, unsigned int nu
     c.call(call_handle_of(*this), raw_of(*this), num_events, wait_list, nullptr);
 }
 
-void host_queue::flush() { perform_on_queue<block::clFlush>(*this); }
-void host_queue::finish() { perform_on_queue<block::clFinish>(*this); }
+void host_queue::flush() { apply<block::clFlush>(*this); }
+void host_queue::finish() { apply<block::clFinish>(*this); }
 context host_queue::get_context() const { return read_object<context>(*this, ask(*this, cl::queue_context)); }
 device host_queue::get_device() const { return read_object<device>(*this, ask(*this, cl::queue_device)); }
 
@@ -100,7 +92,7 @@ event host_queue::enqueue_marker() {
     return {call_handle_of(*this), made, internal::take_ownership{}};
 }
 
-void host_queue::barrier() { perform_on_queue<block::clEnqueueBarrier>(*this); }
+void host_queue::barrier() { apply<block::clEnqueueBarrier>(*this); }
 #endif
 
 #if VORN_MERO_OPENCL < 110
@@ -177,12 +169,6 @@ device_command_queue device_command_queue::get_default_device_command_queue() co
 
 namespace raw {
 
-#if VORN_MERO_OPENCL < 200
-command_queue create_command_queue(nq::call_handle const& call_handle, _nq_cl_command_queue* handle) {
-    return {call_handle, handle, internal::create_reference{}};
-}
-#endif
-
 _nq_cl_command_queue* get_raw_command_queue(host_queue const& object) noexcept { return raw_of(object); }
 nq::call_handle const& get_call_handle(host_queue const& object) noexcept { return call_handle_of(object); }
 void retain(host_queue const& object) { mero::internal::retain(object); }
@@ -192,7 +178,11 @@ std::uint32_t refcount(host_queue const& object) {
     return read_scalar<std::uint32_t>(ask(object, cl::queue_reference_count));
 }
 
-#if VORN_MERO_OPENCL >= 200
+#if VORN_MERO_OPENCL < 200
+command_queue create_command_queue(nq::call_handle const& call_handle, _nq_cl_command_queue* handle) {
+    return {call_handle, handle, internal::create_reference{}};
+}
+#else
 host_command_queue create_host_command_queue(nq::call_handle const& call_handle, _nq_cl_command_queue* handle) {
     return {call_handle, handle, internal::create_reference{}};
 }

@@ -1,4 +1,4 @@
-#include "opencl/wire.hpp"
+#include "opencl/perform.hpp"
 
 #include <stdexcept>
 
@@ -150,7 +150,7 @@ void* context::svm_allocate(svm_mem_flags flags, std::size_t size, std::size_t a
     block.size = size;
     block.alignment = static_cast<std::uint32_t>(alignment);
     block.result = nullptr;
-    perform_without_status(call_handle_of(*this), block);
+    send(call_handle_of(*this), block);
     return block.result;
 }
 
@@ -158,7 +158,7 @@ void context::svm_free(void* pointer) {
     block::clSVMFree block;
     block.context = raw_of(*this);
     block.svm_pointer = pointer;
-    perform_without_status(call_handle_of(*this), block);
+    send(call_handle_of(*this), block);
 }
 #endif
 

@@ -1,4 +1,4 @@
-#include "opencl/wire.hpp"
+#include "opencl/perform.hpp"
 
 namespace vorn::mero::VORN_MERO_NAMESPACE {
 

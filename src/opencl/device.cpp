@@ -1,13 +1,11 @@
-#include "opencl/wire.hpp"
+#include "opencl/perform.hpp"
 
 #include <stdexcept>
 
 #if VORN_MERO_OPENCL < 120
 template <>
 struct vorn::mero::internal::ownership<vorn::mero::VORN_MERO_NAMESPACE::internal::device_kind> : uncounted {};
-#endif
-
-#if VORN_MERO_OPENCL >= 120
+#else
 template <>
 struct vorn::mero::internal::ownership<vorn::mero::VORN_MERO_NAMESPACE::internal::device_kind>
     : counted<nq::capability::VORN_MERO_NAMESPACE, nq::block::clRetainDevice, nq::block::clReleaseDevice> {
@@ -160,7 +158,7 @@ std::vector<device> get_all_devices() {
 
 device get_call_handle_device(nq::call_handle const& call_handle) {
     block::call_handle_device block{};
-    perform_without_status(call_handle, block);
+    send(call_handle, block);
     return {call_handle, block.result, internal::create_reference{}};
 }
 
@@ -173,9 +171,7 @@ void release(device const& object) { mero::internal::release(object); }
 
 #if VORN_MERO_OPENCL < 120
 std::uint32_t refcount(device const&) { return 1; }
-#endif
-
-#if VORN_MERO_OPENCL >= 120
+#else
 std::uint32_t refcount(device const& object) {
     return read_scalar<std::uint32_t>(ask(object, cl::device_reference_count));
 }

@@ -1,4 +1,4 @@
-#include "opencl/wire.hpp"
+#include "opencl/perform.hpp"
 
 // Device queries of one read and one test. Everything else of a device is in device.cpp.
 

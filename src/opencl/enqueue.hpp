@@ -1,6 +1,6 @@
 #pragma once
 
-#include "opencl/wire.hpp"
+#include "opencl/perform.hpp"
 
 namespace vorn::mero::VORN_MERO_NAMESPACE::detail {
 
@@ -13,7 +13,7 @@ struct enqueueing {
     _nq_cl_event** event;
 
     template <class Block>
-    void perform(Block& block) const {
+    void enqueue(Block& block) const {
         block.command_queue = queue;
         block.event_wait_list = wait_list;
         block.event = event;

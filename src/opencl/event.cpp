@@ -1,4 +1,4 @@
-#include "opencl/wire.hpp"
+#include "opencl/perform.hpp"
 
 #include <algorithm>
 #include <stdexcept>
@@ -41,16 +41,6 @@ std::uint64_t read_profile(event const& object, std::uint32_t name) {
         query<block::clGetEventProfilingInfo>(call_handle_of(object), {.event = raw_of(object), .param_name = name}));
 }
 
-template <class Queue>
-Queue read_queue(event const& object) {
-    auto* const queue = read_scalar<_nq_cl_command_queue*>(ask(object, cl::event_command_queue));
-    if (queue == nullptr) {
-        throw std::logic_error("Obtained a NULL command-queue. You must check that there is an associated "
-                               "command-queue before you call event::get_command_queue()");
-    }
-    return {call_handle_of(object), queue, internal::create_reference{}};
-}
-
 } // namespace
 
 event_execution_status event::execution_status() {
@@ -68,9 +58,14 @@ std::uint64_t event::profile_command_submit() const { return read_profile(*this,
 std::uint64_t event::profile_command_start() const { return read_profile(*this, cl::profiling_command_start); }
 std::uint64_t event::profile_command_end() const { return read_profile(*this, cl::profiling_command_end); }
 
-#if VORN_MERO_OPENCL < 200
-command_queue event::get_command_queue() const { return read_queue<command_queue>(*this); }
-#endif
+internal::host_queue event::get_command_queue() const {
+    auto* const queue = read_scalar<_nq_cl_command_queue*>(ask(*this, cl::event_command_queue));
+    if (queue == nullptr) {
+        throw std::logic_error("Obtained a NULL command-queue. You must check that there is an associated "
+                               "command-queue before you call event::get_command_queue()");
+    }
+    return {call_handle_of(*this), queue, internal::create_reference{}};
+}
 
 #if VORN_MERO_OPENCL >= 110
 context event::get_context() const { return read_object<context>(*this, ask(*this, cl::event_context)); }
@@ -107,7 +102,6 @@ event event_promise::get_event() const { return {call_handle_of(*this), raw_of(*
 #endif
 
 #if VORN_MERO_OPENCL >= 200
-host_command_queue event::get_command_queue() const { return read_queue<host_command_queue>(*this); }
 std::uint64_t event::profile_command_complete() const { return read_profile(*this, cl::profiling_command_complete); }
 #endif
 

@@ -2,7 +2,7 @@
 
 // Extension functions: every use asks OpenCL for the address and calls it directly.
 
-#include "opencl/wire.hpp"
+#include "opencl/perform.hpp"
 
 #include <stdexcept>
 
@@ -13,9 +13,7 @@ template <class Object>
 void* find_function(Object const& owner, char const* name) {
     return get_extension_function_address(call_handle_of(owner), name);
 }
-#endif
-
-#if VORN_MERO_OPENCL >= 120
+#else
 template <class Object>
 void* find_function(Object const& owner, char const* name) {
     return get_extension_function_address_for_platform(call_handle_of(owner), owner.get_platform(), name);

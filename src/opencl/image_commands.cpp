@@ -20,7 +20,7 @@ void read_image::call(nq::call_handle const& handle, _nq_cl_command_queue* queue
     block.slice_pitch = slice_pitch_;
     block.ptr = destination_;
     block.blocking_read = blocking_ ? 1 : 0;
-    enqueueing{handle, queue, num_events_in_wait_list, event_wait_list, event}.perform(block);
+    enqueueing{handle, queue, num_events_in_wait_list, event_wait_list, event}.enqueue(block);
 }
 
 write_image::write_image(image& destination, bool blocking, std::array<std::size_t, 3> origin,
@@ -39,7 +39,7 @@ void write_image::call(nq::call_handle const& handle, _nq_cl_command_queue* queu
     block.input_slice_pitch = input_slice_pitch_;
     block.ptr = source_;
     block.blocking_write = blocking_ ? 1 : 0;
-    enqueueing{handle, queue, num_events_in_wait_list, event_wait_list, event}.perform(block);
+    enqueueing{handle, queue, num_events_in_wait_list, event_wait_list, event}.enqueue(block);
 }
 
 copy_image::copy_image(image const& source, image& destination, std::array<std::size_t, 3> source_origin,
@@ -55,7 +55,7 @@ void copy_image::call(nq::call_handle const& handle, _nq_cl_command_queue* queue
     block.src_origin = source_origin_.data();
     block.dst_origin = destination_origin_.data();
     block.region = region_.data();
-    enqueueing{handle, queue, num_events_in_wait_list, event_wait_list, event}.perform(block);
+    enqueueing{handle, queue, num_events_in_wait_list, event_wait_list, event}.enqueue(block);
 }
 
 copy_image_to_buffer::copy_image_to_buffer(image const& source, buffer& destination,
@@ -73,7 +73,7 @@ void copy_image_to_buffer::call(nq::call_handle const& handle, _nq_cl_command_qu
     block.src_origin = source_origin_.data();
     block.region = region_.data();
     block.dst_offset = destination_offset_;
-    enqueueing{handle, queue, num_events_in_wait_list, event_wait_list, event}.perform(block);
+    enqueueing{handle, queue, num_events_in_wait_list, event_wait_list, event}.enqueue(block);
 }
 
 copy_buffer_to_image::copy_buffer_to_image(buffer const& source, image& destination, std::size_t source_offset,
@@ -91,7 +91,7 @@ void copy_buffer_to_image::call(nq::call_handle const& handle, _nq_cl_command_qu
     block.src_offset = source_offset_;
     block.dst_origin = destination_origin_.data();
     block.region = region_.data();
-    enqueueing{handle, queue, num_events_in_wait_list, event_wait_list, event}.perform(block);
+    enqueueing{handle, queue, num_events_in_wait_list, event_wait_list, event}.enqueue(block);
 }
 
 map_image::map_image(void*& mapped, image& source, bool blocking, map_flags flags, std::array<std::size_t, 3> origin,
@@ -109,7 +109,7 @@ void map_image::call(nq::call_handle const& handle, _nq_cl_command_queue* queue,
     block.image_row_pitch = row_pitch_;
     block.image_slice_pitch = slice_pitch_;
     block.blocking_map = blocking_ ? 1 : 0;
-    enqueueing{handle, queue, num_events_in_wait_list, event_wait_list, event}.perform(block);
+    enqueueing{handle, queue, num_events_in_wait_list, event_wait_list, event}.enqueue(block);
     *mapped_ = block.result;
 }
 
@@ -126,7 +126,7 @@ void fill_image_base::call(nq::call_handle const& handle, _nq_cl_command_queue* 
     block.fill_color = fill_color_;
     block.origin = origin_.data();
     block.region = region_.data();
-    enqueueing{handle, queue, num_events_in_wait_list, event_wait_list, event}.perform(block);
+    enqueueing{handle, queue, num_events_in_wait_list, event_wait_list, event}.enqueue(block);
 }
 #endif
 

@@ -1,4 +1,4 @@
-#include "opencl/wire.hpp"
+#include "opencl/perform.hpp"
 
 template <>
 struct vorn::mero::internal::ownership<vorn::mero::VORN_MERO_NAMESPACE::internal::kernel_kind>

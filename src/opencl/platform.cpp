@@ -1,4 +1,4 @@
-#include "opencl/wire.hpp"
+#include "opencl/perform.hpp"
 
 template <>
 struct vorn::mero::internal::ownership<vorn::mero::VORN_MERO_NAMESPACE::internal::platform_kind> : uncounted {};
@@ -43,17 +43,15 @@ std::vector<_nq_cl_device_id*> platform::get_raw_devices() const {
 #if VORN_MERO_OPENCL < 120
 void* get_extension_function_address(nq::call_handle const& call_handle, std::string const& name) {
     block::clGetExtensionFunctionAddress block{.func_name = name.c_str(), .result = nullptr};
-    perform_without_status(call_handle, block);
+    send(call_handle, block);
     return block.result;
 }
-#endif
-
-#if VORN_MERO_OPENCL >= 120
+#else
 void* get_extension_function_address_for_platform(nq::call_handle const& call_handle, platform const& owner,
                                                   std::string const& name) {
     block::clGetExtensionFunctionAddressForPlatform block{
         .platform = raw_of(owner), .func_name = name.c_str(), .result = nullptr};
-    perform_without_status(call_handle, block);
+    send(call_handle, block);
     return block.result;
 }
 #endif

@@ -1,4 +1,4 @@
-#include "opencl/wire.hpp"
+#include "opencl/perform.hpp"
 
 template <>
 struct vorn::mero::internal::ownership<vorn::mero::VORN_MERO_NAMESPACE::internal::program_kind>
@@ -34,7 +34,7 @@ void program::build(std::vector<device> const& devices, std::string const& optio
     block.pfn_notify = notify;
     block.user_data = user_data;
     block.num_devices = count_of(ids);
-    perform_without_status(call_handle_of(*this), block);
+    send(call_handle_of(*this), block);
     if (block.status != static_cast<std::int32_t>(common::error_code::build_program_failure)) {
         mero::internal::check_error(block.status);
     }

@@ -19,7 +19,7 @@ void svm_free::call(nq::call_handle const& handle, _nq_cl_command_queue* queue, 
     block.pfn_free_func = callback_;
     block.user_data = user_data_;
     block.num_svm_pointers = count_of(pointers_);
-    enqueueing{handle, queue, num_events_in_wait_list, event_wait_list, event}.perform(block);
+    enqueueing{handle, queue, num_events_in_wait_list, event_wait_list, event}.enqueue(block);
 }
 
 svm_memcpy::svm_memcpy(std::uint32_t blocking, void* destination, void const* source, std::size_t size)
@@ -32,7 +32,7 @@ void svm_memcpy::call(nq::call_handle const& handle, _nq_cl_command_queue* queue
     block.src_ptr = source_;
     block.size = size_;
     block.blocking_copy = blocking_;
-    enqueueing{handle, queue, num_events_in_wait_list, event_wait_list, event}.perform(block);
+    enqueueing{handle, queue, num_events_in_wait_list, event_wait_list, event}.enqueue(block);
 }
 
 fill_svm_base::fill_svm_base(void* destination, void const* pattern, std::size_t pattern_size, std::size_t count)
@@ -46,7 +46,7 @@ void fill_svm_base::call(nq::call_handle const& handle, _nq_cl_command_queue* qu
     block.pattern = pattern_;
     block.pattern_size = pattern_size_;
     block.size = pattern_size_ * count_;
-    enqueueing{handle, queue, num_events_in_wait_list, event_wait_list, event}.perform(block);
+    enqueueing{handle, queue, num_events_in_wait_list, event_wait_list, event}.enqueue(block);
 }
 
 svm_map::svm_map(bool blocking, map_flags flags, void* pointer, std::size_t size)
@@ -59,7 +59,7 @@ void svm_map::call(nq::call_handle const& handle, _nq_cl_command_queue* queue, u
     block.svm_ptr = pointer_;
     block.size = size_;
     block.blocking_map = blocking_ ? 1 : 0;
-    enqueueing{handle, queue, num_events_in_wait_list, event_wait_list, event}.perform(block);
+    enqueueing{handle, queue, num_events_in_wait_list, event_wait_list, event}.enqueue(block);
 }
 
 svm_unmap::svm_unmap(void* pointer) : pointer_(pointer) {}
@@ -68,7 +68,7 @@ void svm_unmap::call(nq::call_handle const& handle, _nq_cl_command_queue* queue,
                      _nq_cl_event* const* event_wait_list, _nq_cl_event** event) const {
     block::clEnqueueSVMUnmap block;
     block.svm_ptr = pointer_;
-    enqueueing{handle, queue, num_events_in_wait_list, event_wait_list, event}.perform(block);
+    enqueueing{handle, queue, num_events_in_wait_list, event_wait_list, event}.enqueue(block);
 }
 #endif
 
@@ -90,7 +90,7 @@ void svm_migrate_mem::call(nq::call_handle const& handle, _nq_cl_command_queue* 
     block.svm_pointers = data_or_null(pointers_);
     block.sizes = data_or_null(sizes_);
     block.flags = static_cast<std::uint64_t>(flags_);
-    enqueueing{handle, queue, num_events_in_wait_list, event_wait_list, event}.perform(block);
+    enqueueing{handle, queue, num_events_in_wait_list, event_wait_list, event}.enqueue(block);
 }
 #endif
 

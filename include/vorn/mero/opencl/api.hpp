@@ -118,15 +118,8 @@ struct api<VORN_MERO_OPENCL> {
     using svm_migrate_mem = VORN_MERO_NAMESPACE::svm_migrate_mem;
 #endif
 
-#if VORN_MERO_OPENCL < 200
-    /// The queue that the host enqueues to.
-    using host_queue = VORN_MERO_NAMESPACE::command_queue;
-#endif
-
-#if VORN_MERO_OPENCL >= 200
-    /// The queue that the host enqueues to.
-    using host_queue = VORN_MERO_NAMESPACE::host_command_queue;
-#endif
+    /// The queue that the host enqueues to: `command_queue`, since OpenCL 2.0 `host_command_queue`.
+    using host_queue = VORN_MERO_NAMESPACE::internal::host_queue;
 
     /// As `get_all_devices` of the namespace.
     static std::vector<device> get_all_devices() { return VORN_MERO_NAMESPACE::get_all_devices(); }
@@ -161,9 +154,7 @@ struct api<VORN_MERO_OPENCL> {
     static host_queue create_queue(context& owner, device const& target, bool out_of_order, bool profiling) {
         return owner.create_command_queue(target, out_of_order, profiling);
     }
-#endif
-
-#if VORN_MERO_OPENCL >= 200
+#else
     /// A queue by `context::create_host_command_queue`.
     static host_queue create_queue(context& owner, device const& target, bool out_of_order, bool profiling) {
         return owner.create_host_command_queue(target, out_of_order, profiling);
@@ -173,11 +164,9 @@ struct api<VORN_MERO_OPENCL> {
 #if VORN_MERO_OPENCL < 110
     /// A launch in one dimension, from offset 0; sizes are in work-items.
     static nd_range_kernel launch(kernel const& function, std::size_t global_size, std::size_t local_size) {
-        return {function, 1, {global_size, 1, 1}, {local_size, 1, 1}};
+        return {function, 1, {global_size, 1, 1}, { local_size, 1, 1 }};
     }
-#endif
-
-#if VORN_MERO_OPENCL >= 110
+#else
     /// A launch in one dimension, from offset 0; sizes are in work-items.
     static nd_range_kernel launch(kernel const& function, std::size_t global_size, std::size_t local_size) {
         return {function, 1, {0, 0, 0}, {global_size, 1, 1}, {local_size, 1, 1}};

@@ -31,16 +31,9 @@ public:
     /// The status with which the command failed; `success` for any other command, even a running one.
     common::error_code error_code();
 
-#if VORN_MERO_OPENCL < 200
-    /// The queue of the command. Throws `std::logic_error` for a user event, which has none. Three calls. Until
-    /// OpenCL 1.2.
-    command_queue get_command_queue() const;
-#endif
-#if VORN_MERO_OPENCL >= 200
-    /// The queue of the command. Throws `std::logic_error` for a user event, which has none. Three calls. Since
-    /// OpenCL 2.0.
-    host_command_queue get_command_queue() const;
-#endif
+    /// The queue of the command, a `command_queue`, since OpenCL 2.0 a `host_command_queue`. Throws `std::logic_error`
+    /// for a user event, which has none. Three calls.
+    internal::host_queue get_command_queue() const;
 
     /// OpenCL's number of the command (`cl_command_type`), 0x11F0 for a kernel launch and so on.
     std::uint32_t get_command_type() const;

@@ -21,10 +21,6 @@ class kernel;
 class event;
 class command;
 
-#if VORN_MERO_OPENCL < 200
-class command_queue;
-#endif
-
 #if VORN_MERO_OPENCL >= 110
 class sub_buffer;
 class event_promise;
@@ -37,7 +33,9 @@ class image_1d_buffer;
 class image_2d_array;
 #endif
 
-#if VORN_MERO_OPENCL >= 200
+#if VORN_MERO_OPENCL < 200
+class command_queue;
+#else
 class host_command_queue;
 class device_command_queue;
 class pipe;
@@ -71,31 +69,29 @@ struct VORN_MERO_EXPORT program_kind : kind<_nq_cl_program> {};
 struct VORN_MERO_EXPORT kernel_kind : kind<_nq_cl_kernel> {};
 struct VORN_MERO_EXPORT event_kind : kind<_nq_cl_event> {};
 
-#if VORN_MERO_OPENCL < 200
-struct VORN_MERO_EXPORT command_queue_kind : kind<_nq_cl_command_queue> {};
-#endif
-
 #if VORN_MERO_OPENCL >= 110
 struct VORN_MERO_EXPORT event_promise_kind : kind<_nq_cl_event> {};
 #endif
 
-#if VORN_MERO_OPENCL >= 200
+#if VORN_MERO_OPENCL < 200
+struct VORN_MERO_EXPORT command_queue_kind : kind<_nq_cl_command_queue> {};
+using host_queue = command_queue;
+#else
 struct VORN_MERO_EXPORT host_command_queue_kind : kind<_nq_cl_command_queue> {};
 struct VORN_MERO_EXPORT device_command_queue_kind : kind<_nq_cl_command_queue> {};
+using host_queue = host_command_queue;
 #endif
 
 } // namespace internal
 } // namespace vorn::mero::VORN_MERO_NAMESPACE
 
-#if VORN_MERO_OPENCL < 200
-extern template class vorn::mero::internal::owner<vorn::mero::VORN_MERO_NAMESPACE::internal::command_queue_kind>;
-#endif
-
 #if VORN_MERO_OPENCL >= 110
 extern template class vorn::mero::internal::owner<vorn::mero::VORN_MERO_NAMESPACE::internal::event_promise_kind>;
 #endif
 
-#if VORN_MERO_OPENCL >= 200
+#if VORN_MERO_OPENCL < 200
+extern template class vorn::mero::internal::owner<vorn::mero::VORN_MERO_NAMESPACE::internal::command_queue_kind>;
+#else
 extern template class vorn::mero::internal::owner<vorn::mero::VORN_MERO_NAMESPACE::internal::host_command_queue_kind>;
 extern template class vorn::mero::internal::owner<vorn::mero::VORN_MERO_NAMESPACE::internal::device_command_queue_kind>;
 #endif

@@ -36,9 +36,7 @@ public:
 #if VORN_MERO_OPENCL < 210
     kernel(kernel const&) = delete;
     kernel& operator=(kernel const&) = delete;
-#endif
-
-#if VORN_MERO_OPENCL >= 210
+#else
     /// An independent kernel with the same arguments, as `copy`.
     kernel(kernel const& other);
 

@@ -6,22 +6,35 @@
 
 namespace vorn::mero::VORN_MERO_NAMESPACE {
 
-#if VORN_MERO_OPENCL < 110
-/// Launches a kernel in `work_dim` dimensions, 1 to 3; further sizes are ignored. Move-only.
+/// Launches a kernel in `work_dim` dimensions, 1 to 3; further offsets and sizes are ignored. Move-only.
 ///
-///     queue.enqueue_command_without_event(cl::nd_range_kernel(kernel, 2, {640, 480, 1}, {8, 8, 1}));
+///     queue.enqueue_command_without_event(
+///         cl::nd_range_kernel(kernel, 2, {0, 0, 0}, {640, 480, 1}, {8, 8, 1})); // 80 x 60 work-groups of 64
 ///
-/// The local size must be given: OpenCL cannot choose one. Its product must not exceed `kernel::max_work_group_size`,
-/// and it must divide the global size in each dimension.
+/// In OpenCL 1.0 there is no offset, the first of the three lists.
 ///
-/// Enqueueing throws `common::invalid_work_group_size` for another local size, `common::invalid_kernel_args` if an
-/// argument was never set, `common::invalid_work_dimension` for another `work_dim`.
+/// The local size must be given: OpenCL cannot choose one. `kernel::preferred_work_group_size_multiple` (since OpenCL
+/// 1.1) is a good default; 0 is not allowed. The local size must divide the global size in each dimension, unless the
+/// kernel was built with `-cl-std=CL2.0` or later.
+///
+/// Enqueueing throws `common::invalid_work_group_size` for a local size that does not divide the global size, has more
+/// work-items than `kernel::max_work_group_size`, or is not the one that the source requires;
+/// `common::invalid_work_item_size` for a dimension above `device::max_work_item_sizes`; `common::invalid_kernel_args`
+/// if an argument was never set; `common::invalid_work_dimension` for another `work_dim`;
+/// `common::invalid_program_executable` if the program was not built for the queue's device.
 class VORN_MERO_EXPORT nd_range_kernel : public command {
 public:
+#if VORN_MERO_OPENCL < 110
     /// Sizes are in work-items. The kernel must live until the launch has been enqueued; arguments set on it afterwards
-    /// do not affect the launch.
+    /// do not affect the launch. In OpenCL 1.0 only.
     nd_range_kernel(kernel const& function, unsigned int work_dim, std::array<std::size_t, 3> global_size,
                     std::array<std::size_t, 3> local_size);
+#else
+    /// Sizes and offset are in work-items; `get_global_id` counts from the offset. The kernel must live until the
+    /// launch has been enqueued; arguments set on it afterwards do not affect the launch. Since OpenCL 1.1.
+    nd_range_kernel(kernel const& function, unsigned int work_dim, std::array<std::size_t, 3> global_offset,
+                    std::array<std::size_t, 3> global_size, std::array<std::size_t, 3> local_size);
+#endif
     nd_range_kernel(nd_range_kernel&&) noexcept = default;
     nd_range_kernel& operator=(nd_range_kernel&&) noexcept = default;
     nd_range_kernel(nd_range_kernel const&) = delete;
@@ -32,10 +45,18 @@ public:
 private:
     _nq_cl_kernel* function_;
     unsigned int work_dim_;
+#if VORN_MERO_OPENCL < 110
+    static std::size_t const* offset() noexcept { return nullptr; }
+#else
+    std::size_t const* offset() const noexcept { return global_offset_.data(); }
+
+    std::array<std::size_t, 3> global_offset_;
+#endif
     std::array<std::size_t, 3> global_size_;
     std::array<std::size_t, 3> local_size_;
 };
 
+#if VORN_MERO_OPENCL < 110
 /// Launches a kernel as a single work-item. Move-only. In OpenCL 1.0 only; later use `nd_range_kernel` with sizes of 1.
 class VORN_MERO_EXPORT task_kernel : public command {
 public:
@@ -50,44 +71,6 @@ public:
 
 private:
     _nq_cl_kernel* function_;
-};
-#endif
-
-#if VORN_MERO_OPENCL >= 110
-/// Launches a kernel in `work_dim` dimensions, 1 to 3; further offsets and sizes are ignored. Move-only.
-///
-///     queue.enqueue_command_without_event(
-///         cl::nd_range_kernel(kernel, 2, {0, 0, 0}, {640, 480, 1}, {8, 8, 1})); // 80 x 60 work-groups of 64
-///
-/// The local size must be given: OpenCL cannot choose one. `kernel::preferred_work_group_size_multiple` is a good
-/// default; 0 is not allowed. The local size must divide the global size in each dimension, unless the kernel was built
-/// with
-/// `-cl-std=CL2.0` or later.
-///
-/// Enqueueing throws `common::invalid_work_group_size` for a local size that does not divide the global size, has more
-/// work-items than `kernel::max_work_group_size`, or is not the one that the source requires;
-/// `common::invalid_work_item_size` for a dimension above `device::max_work_item_sizes`; `common::invalid_kernel_args`
-/// if an argument was never set; `common::invalid_program_executable` if the program was not built for the queue's
-/// device.
-class VORN_MERO_EXPORT nd_range_kernel : public command {
-public:
-    /// Sizes and offset are in work-items; `get_global_id` counts from the offset. The kernel must live until the
-    /// launch has been enqueued; arguments set on it afterwards do not affect the launch.
-    nd_range_kernel(kernel const& function, unsigned int work_dim, std::array<std::size_t, 3> global_offset,
-                    std::array<std::size_t, 3> global_size, std::array<std::size_t, 3> local_size);
-    nd_range_kernel(nd_range_kernel&&) noexcept = default;
-    nd_range_kernel& operator=(nd_range_kernel&&) noexcept = default;
-    nd_range_kernel(nd_range_kernel const&) = delete;
-    nd_range_kernel& operator=(nd_range_kernel const&) = delete;
-    void call(nq::call_handle const& handle, _nq_cl_command_queue* queue, unsigned int num_events_in_wait_list,
-              _nq_cl_event* const* event_wait_list, _nq_cl_event** event) const override;
-
-private:
-    _nq_cl_kernel* function_;
-    unsigned int work_dim_;
-    std::array<std::size_t, 3> global_offset_;
-    std::array<std::size_t, 3> global_size_;
-    std::array<std::size_t, 3> local_size_;
 };
 #endif
 

@@ -56,9 +56,7 @@ public:
 /// An address does not mean that a device supports the extension: check `device::extensions`. The function takes raw
 /// handles and returns OpenCL statuses.
 VORN_MERO_EXPORT void* get_extension_function_address(nq::call_handle const& call_handle, std::string const& name);
-#endif
-
-#if VORN_MERO_OPENCL >= 120
+#else
 /// The address of an extension function of a platform, null if it knows none of that name. Valid as long as the
 /// process. One call. Throws the `nq` exceptions only. Since OpenCL 1.2.
 ///

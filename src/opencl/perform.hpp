@@ -2,7 +2,7 @@
 
 // From a version's classes to the wire: the sources in this folder fill a block and perform it here.
 
-#include "opencl/build.hpp"
+#include "opencl/version.hpp"
 
 #include "internal/call.hpp"
 #include "internal/opencl_values.hpp"
@@ -61,12 +61,12 @@ std::uint32_t count_of(std::vector<T> const& list) noexcept {
 /// Performs the entry point of a block and throws what failed.
 template <class Block>
 void perform(nq::call_handle const& handle, Block& block) {
-    mero::internal::perform(handle.get(), nq::command_id<version, Block>, block);
+    mero::internal::call_checked(handle.get(), nq::command_id<version, Block>, block);
 }
 
-/// The same for an entry point without a status.
+/// Performs the entry point of a block and leaves its status, if it has one, to the caller.
 template <class Block>
-void perform_without_status(nq::call_handle const& handle, Block& block) {
+void send(nq::call_handle const& handle, Block& block) {
     mero::internal::call(handle.get(), nq::command_id<version, Block>, &block);
 }
 
@@ -87,7 +87,7 @@ public:
         block_.param_value_size = size;
         block_.param_value = value;
         block_.param_value_size_ret = size_ret;
-        mero::internal::perform(handle_, nq::command_id<version, Block>, block_);
+        mero::internal::call_checked(handle_, nq::command_id<version, Block>, block_);
     }
 
 private:
