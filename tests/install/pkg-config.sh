@@ -3,6 +3,7 @@
 set -eu
 export PKG_CONFIG_PATH="$2"
 # shellcheck disable=SC2046
-"$1" -std=c++17 -Wall -Wextra -Werror -fvisibility=hidden -o "$3" "$(dirname "$0")/consumer/main.cpp" \
+"$1" -std=c++17 -Wall -Wextra -Werror -fvisibility=hidden -DPACKAGE_VERSION="\"$(pkg-config --modversion vorn-mero)\"" \
+    -o "$3" "$(dirname "$0")/consumer/main.cpp" \
     $(pkg-config --cflags --libs 'vorn-mero >= 0.1') -Wl,-rpath,"$(pkg-config --variable=libdir vorn-mero)"
 "$3"

@@ -2,12 +2,30 @@
 
 #include <vorn/mero/opencl.hpp>
 
+#include <type_traits>
+
 namespace vorn::mero::easy {
 
 /// The OpenCL version of `session`, `array` and the other short names: 1.2, which every implementation of today offers.
 inline constexpr int default_version = 120;
 
-/// Calls `action(api<100>{})` and so on for each OpenCL version, oldest first.
+namespace detail {
+
+template <class Api, class = void>
+inline constexpr bool is_built = false;
+template <class Api>
+inline constexpr bool is_built<Api, std::void_t<decltype(Api::number)>> = true;
+
+template <class Api, class Action>
+void call_if_built(Action& action) {
+    if constexpr (is_built<Api>) {
+        action(Api{});
+    }
+}
+
+} // namespace detail
+
+/// Calls `action(api<100>{})` and so on for each OpenCL version that the library was built with, oldest first.
 ///
 ///     ez::for_each_version([](auto version) {
 ///         using api = decltype(version);
@@ -15,12 +33,12 @@ inline constexpr int default_version = 120;
 ///     });
 template <class Action>
 void for_each_version(Action&& action) {
-    action(api<100>{});
-    action(api<110>{});
-    action(api<120>{});
-    action(api<200>{});
-    action(api<210>{});
-    action(api<220>{});
+    detail::call_if_built<api<100>>(action);
+    detail::call_if_built<api<110>>(action);
+    detail::call_if_built<api<120>>(action);
+    detail::call_if_built<api<200>>(action);
+    detail::call_if_built<api<210>>(action);
+    detail::call_if_built<api<220>>(action);
 }
 
 } // namespace vorn::mero::easy

@@ -1,0 +1,39 @@
+# How every target of the project is built. What a parent project sets for its own targets stays as it is.
+if(PROJECT_IS_TOP_LEVEL)
+  set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
+  set(CMAKE_LIBRARY_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/lib)
+  set(CMAKE_RUNTIME_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/bin)
+endif()
+
+if(VORN_MERO_CCACHE AND NOT CMAKE_CXX_COMPILER_LAUNCHER)
+  find_program(VORN_MERO_CCACHE_PROGRAM ccache)
+  if(VORN_MERO_CCACHE_PROGRAM)
+    # paths relative to the checkout, so that every build folder and every clone shares what one has compiled
+    set(CMAKE_CXX_COMPILER_LAUNCHER ${CMAKE_COMMAND} -E env CCACHE_NOHASHDIR=true CCACHE_BASEDIR=${PROJECT_SOURCE_DIR}
+      ${VORN_MERO_CCACHE_PROGRAM})
+  endif()
+endif()
+
+function(vorn_mero_target_defaults target)
+  target_compile_features(${target} PRIVATE cxx_std_20)
+  set_target_properties(${target} PROPERTIES CXX_EXTENSIONS OFF CXX_VISIBILITY_PRESET hidden VISIBILITY_INLINES_HIDDEN ON
+    POSITION_INDEPENDENT_CODE ON)
+  target_compile_options(${target} PRIVATE -fno-plt)
+  if(VORN_MERO_WARNINGS)
+    target_compile_options(${target} PRIVATE
+      -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wsign-conversion -Wnon-virtual-dtor -Wold-style-cast
+      -Woverloaded-virtual -Wnull-dereference
+      -Wno-missing-field-initializers) # designated initialisers leave the results of a block out on purpose
+  endif()
+  if(VORN_MERO_SANITIZE)
+    target_compile_options(${target} PRIVATE -fsanitize=${VORN_MERO_SANITIZE} -fno-omit-frame-pointer)
+    target_link_options(${target} PRIVATE -fsanitize=${VORN_MERO_SANITIZE})
+  endif()
+endfunction()
+
+# Adds the target vorn-mero-NAME, which builds the program NAME.
+function(vorn_mero_add_program name)
+  add_executable(vorn-mero-${name} ${ARGN})
+  set_target_properties(vorn-mero-${name} PROPERTIES OUTPUT_NAME ${name})
+  vorn_mero_target_defaults(vorn-mero-${name})
+endfunction()

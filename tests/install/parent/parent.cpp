@@ -1,0 +1,9 @@
+#include "parent.hpp"
+
+std::vector<std::string> parent::names() {
+    std::vector<std::string> names;
+    for (auto const& device : vorn::mero::opencl_1_2::get_all_devices()) {
+        names.push_back(device.name());
+    }
+    return names;
+}
