@@ -35,13 +35,13 @@ using internal::host_queue;
 namespace {
 
 template <class Kind>
-query<block::clGetCommandQueueInfo> ask(owner<Kind> const& object, std::uint32_t name) {
+query<block::clGetCommandQueueInfo> ask_queue(owner<Kind> const& object, std::uint32_t name) {
     return {call_handle_of(object), {.command_queue = raw_of(object), .param_name = name}};
 }
 
 template <class Kind>
 bool has_property(owner<Kind> const& object, std::uint64_t property) {
-    return (read_scalar<std::uint64_t>(ask(object, cl::queue_properties)) & property) != 0;
+    return (read_scalar<std::uint64_t>(ask_queue(object, cl::queue_properties)) & property) != 0;
 }
 
 // Performs an entry point whose block has only a queue and a status.
@@ -73,8 +73,8 @@ void host_queue::enqueue_command_without_event(command const& c, unsigned int nu
 
 void host_queue::flush() { apply<block::clFlush>(*this); }
 void host_queue::finish() { apply<block::clFinish>(*this); }
-context host_queue::get_context() const { return read_object<context>(*this, ask(*this, cl::queue_context)); }
-device host_queue::get_device() const { return read_object<device>(*this, ask(*this, cl::queue_device)); }
+context host_queue::get_context() const { return read_object<context>(*this, ask_queue(*this, cl::queue_context)); }
+device host_queue::get_device() const { return read_object<device>(*this, ask_queue(*this, cl::queue_device)); }
 
 bool host_queue::out_of_order_execution_enabled() const {
     return has_property(*this, cl::queue_out_of_order_exec_mode_enable);
@@ -148,22 +148,24 @@ event host_queue::barrier(unsigned int num_events, _nq_cl_event* const* wait_lis
 #endif
 
 #if VORN_MERO_OPENCL >= 200
-context device_command_queue::get_context() const { return read_object<context>(*this, ask(*this, cl::queue_context)); }
+context device_command_queue::get_context() const {
+    return read_object<context>(*this, ask_queue(*this, cl::queue_context));
+}
 bool device_command_queue::profiling_enabled() const { return has_property(*this, cl::queue_profiling_enable); }
 bool device_command_queue::is_default() const { return has_property(*this, cl::queue_on_device_default); }
 
 std::uint32_t device_command_queue::device_queue_size() const {
-    return read_scalar<std::uint32_t>(ask(*this, cl::queue_size));
+    return read_scalar<std::uint32_t>(ask_queue(*this, cl::queue_size));
 }
 #endif
 
 #if VORN_MERO_OPENCL >= 210
 device_command_queue host_command_queue::get_default_device_command_queue() const {
-    return read_object<device_command_queue>(*this, ask(*this, cl::queue_device_default));
+    return read_object<device_command_queue>(*this, ask_queue(*this, cl::queue_device_default));
 }
 
 device_command_queue device_command_queue::get_default_device_command_queue() const {
-    return read_object<device_command_queue>(*this, ask(*this, cl::queue_device_default));
+    return read_object<device_command_queue>(*this, ask_queue(*this, cl::queue_device_default));
 }
 #endif
 
@@ -175,7 +177,7 @@ void retain(host_queue const& object) { mero::internal::retain(object); }
 void release(host_queue const& object) { mero::internal::release(object); }
 
 std::uint32_t refcount(host_queue const& object) {
-    return read_scalar<std::uint32_t>(ask(object, cl::queue_reference_count));
+    return read_scalar<std::uint32_t>(ask_queue(object, cl::queue_reference_count));
 }
 
 #if VORN_MERO_OPENCL < 200
@@ -193,7 +195,7 @@ void retain(device_command_queue const& object) { mero::internal::retain(object)
 void release(device_command_queue const& object) { mero::internal::release(object); }
 
 std::uint32_t refcount(device_command_queue const& object) {
-    return read_scalar<std::uint32_t>(ask(object, cl::queue_reference_count));
+    return read_scalar<std::uint32_t>(ask_queue(object, cl::queue_reference_count));
 }
 
 device_command_queue create_device_command_queue(nq::call_handle const& call_handle, _nq_cl_command_queue* handle) {

@@ -41,11 +41,11 @@ std::array<std::size_t, 3> device::max_work_item_sizes() const {
 namespace {
 
 _nq_cl_device_id* read_parent(device const& object) {
-    return read_scalar<_nq_cl_device_id*>(ask(object, cl::device_parent_device));
+    return read_scalar<_nq_cl_device_id*>(detail::ask(object, cl::device_parent_device));
 }
 
 std::intptr_t read_partition_scheme(device const& object) {
-    return read_scalar<std::intptr_t>(ask(object, cl::device_partition_properties));
+    return read_scalar<std::intptr_t>(detail::ask(object, cl::device_partition_properties));
 }
 
 // Asks how many sub-devices a property list makes, then makes them.

@@ -9,7 +9,7 @@ using namespace detail;
 namespace {
 
 bool has_bit(device const& object, std::uint32_t name, unsigned int bit) {
-    return (read_scalar<std::uint64_t>(ask(object, name)) >> bit & 1) != 0;
+    return (read_scalar<std::uint64_t>(detail::ask(object, name)) >> bit & 1) != 0;
 }
 
 } // namespace

@@ -28,12 +28,12 @@ using namespace detail;
 namespace {
 
 template <class Kind>
-query<block::clGetEventInfo> ask(owner<Kind> const& object, std::uint32_t name) {
+query<block::clGetEventInfo> ask_event(owner<Kind> const& object, std::uint32_t name) {
     return {call_handle_of(object), {.event = raw_of(object), .param_name = name}};
 }
 
 std::int32_t read_status(event const& object) {
-    return read_scalar<std::int32_t>(ask(object, cl::event_command_execution_status));
+    return read_scalar<std::int32_t>(ask_event(object, cl::event_command_execution_status));
 }
 
 std::uint64_t read_profile(event const& object, std::uint32_t name) {
@@ -51,7 +51,9 @@ void event::check() { mero::internal::check_error(std::min(read_status(*this), 0
 
 common::error_code event::error_code() { return static_cast<common::error_code>(std::min(read_status(*this), 0)); }
 
-std::uint32_t event::get_command_type() const { return read_scalar<std::uint32_t>(ask(*this, cl::event_command_type)); }
+std::uint32_t event::get_command_type() const {
+    return read_scalar<std::uint32_t>(ask_event(*this, cl::event_command_type));
+}
 
 std::uint64_t event::profile_command_queued() const { return read_profile(*this, cl::profiling_command_queued); }
 std::uint64_t event::profile_command_submit() const { return read_profile(*this, cl::profiling_command_submit); }
@@ -59,7 +61,7 @@ std::uint64_t event::profile_command_start() const { return read_profile(*this, 
 std::uint64_t event::profile_command_end() const { return read_profile(*this, cl::profiling_command_end); }
 
 internal::host_queue event::get_command_queue() const {
-    auto* const queue = read_scalar<_nq_cl_command_queue*>(ask(*this, cl::event_command_queue));
+    auto* const queue = read_scalar<_nq_cl_command_queue*>(ask_event(*this, cl::event_command_queue));
     if (queue == nullptr) {
         throw std::logic_error("Obtained a NULL command-queue. You must check that there is an associated "
                                "command-queue before you call event::get_command_queue()");
@@ -68,10 +70,10 @@ internal::host_queue event::get_command_queue() const {
 }
 
 #if VORN_MERO_OPENCL >= 110
-context event::get_context() const { return read_object<context>(*this, ask(*this, cl::event_context)); }
+context event::get_context() const { return read_object<context>(*this, ask_event(*this, cl::event_context)); }
 
 bool event::has_associated_command_queue() const {
-    return read_scalar<_nq_cl_command_queue*>(ask(*this, cl::event_command_queue)) != nullptr;
+    return read_scalar<_nq_cl_command_queue*>(ask_event(*this, cl::event_command_queue)) != nullptr;
 }
 
 void event::set_callback(commmand_exec_callback_type type, void (*fn)(_nq_cl_event*, int, void*), void* user_data) {
@@ -112,7 +114,7 @@ nq::call_handle const& get_call_handle(event const& object) noexcept { return ca
 void retain(event const& object) { mero::internal::retain(object); }
 void release(event const& object) { mero::internal::release(object); }
 std::uint32_t refcount(event const& object) {
-    return read_scalar<std::uint32_t>(ask(object, cl::event_reference_count));
+    return read_scalar<std::uint32_t>(ask_event(object, cl::event_reference_count));
 }
 event create_event(nq::call_handle const& call_handle, _nq_cl_event* handle) {
     return {call_handle, handle, internal::create_reference{}};
@@ -124,7 +126,7 @@ nq::call_handle const& get_call_handle(event_promise const& object) noexcept { r
 void retain(event_promise const& object) { mero::internal::retain(object); }
 void release(event_promise const& object) { mero::internal::release(object); }
 std::uint32_t refcount(event_promise const& object) {
-    return read_scalar<std::uint32_t>(ask(object, cl::event_reference_count));
+    return read_scalar<std::uint32_t>(ask_event(object, cl::event_reference_count));
 }
 #endif
 
