@@ -29,13 +29,14 @@ bool exports_opencl(void* library) noexcept {
     return std::ranges::all_of(needed, [library](char const* name) { return dlsym(library, name) != nullptr; });
 }
 
-// Tools that watch OpenCL are preloaded, with OpenCL's own names in the global scope; a second library beside them
-// would be bound to them in part, and crash. What the program itself defines under these names is its own affair, and
-// so is what is local to the plugin that brought this library.
+// Tools that watch OpenCL are preloaded: their functions have OpenCL's names in the global scope. A second library
+// would be bound to them in part, and crash. Functions of the program itself do not count, nor do those that are local
+// to the plugin that brought this library.
 void* find_in_global_scope() noexcept {
     void* const scope = dlopen(nullptr, RTLD_LAZY);
-    void* const found = scope != nullptr ? dlsym(scope, "clGetPlatformIDs") : nullptr;
-    return found != nullptr && !is_in_program(found) && exports_opencl(scope) ? scope : nullptr;
+    bool const has_opencl =
+        scope != nullptr && exports_opencl(scope) && !is_in_program(dlsym(scope, "clGetPlatformIDs"));
+    return has_opencl ? scope : nullptr;
 }
 
 void take_exports(void* library) noexcept {
@@ -46,18 +47,18 @@ void take_exports(void* library) noexcept {
 
 using list_function = decltype(functions::clGetPlatformIDs);
 
-// An implementation that only an ICD loader is meant to open exports one function, which gives this one.
+// An implementation made for ICD loaders alone may export nothing but a function that returns this one.
 list_function find_list_function(void* library) noexcept {
     auto const address_of = reinterpret_cast<decltype(functions::clGetExtensionFunctionAddress)>(
         dlsym(library, "clGetExtensionFunctionAddress"));
     return address_of != nullptr ? reinterpret_cast<list_function>(address_of("clIcdGetPlatformIDsKHR")) : nullptr;
 }
 
-// The dispatch table of its first platform has the other functions.
+// The other functions are in the dispatch table of its first platform.
 void take_dispatch_table(list_function list) {
     cl_platform_id first = nullptr;
     if (list(1, &first, nullptr) != CL_SUCCESS || first == nullptr) {
-        return; // it may have a platform another time
+        return; // there may be a platform next time
     }
     functions const& table = *dispatch_table(first);
     version_number const version = parse_version(info_text(table.clGetPlatformInfo, first, CL_PLATFORM_VERSION));

@@ -15,7 +15,8 @@
 
 namespace vorn::mero::internal {
 
-/// Owns the logger "mero". Its construction reads two environment variables, case-sensitive:
+/// Owns the logger "mero". Its construction reads two environment variables, case-sensitive; a set-uid program ignores
+/// them:
 ///
 /// - `MERO_LOG_LEVEL`: "trace", "debug", "info", "warn", "error" or "critical"; anything else, or unset, logs nothing.
 /// - `MERO_LOG_TARGET`: "file" writes "mero.log" in the working directory, "console" writes to standard error; anything

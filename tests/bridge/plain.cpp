@@ -1,0 +1,67 @@
+// An OpenCL implementation with one device that is no plug-in of an ICD loader: it exports its functions, has few of
+// them, and its objects do not begin with a dispatch table.
+
+#define CL_TARGET_OPENCL_VERSION 200
+#include <CL/cl.h>
+
+#include <algorithm>
+#include <cstdint>
+#include <cstdlib>
+#include <string_view>
+
+namespace {
+
+std::uintptr_t first_word = 1; // no address
+
+template <class Handle>
+cl_int list(cl_uint capacity, Handle* handles, cl_uint* count) {
+    if (handles != nullptr && capacity > 0) {
+        *handles = reinterpret_cast<Handle>(&first_word);
+    }
+    if (count != nullptr) {
+        *count = 1;
+    }
+    return CL_SUCCESS;
+}
+
+cl_int answer(std::string_view bytes, std::size_t size, void* value, std::size_t* needed) {
+    if (needed != nullptr) {
+        *needed = bytes.size();
+    }
+    std::copy_n(bytes.data(), std::min(size, bytes.size()), static_cast<char*>(value));
+    return CL_SUCCESS;
+}
+
+} // namespace
+
+#pragma GCC visibility push(default)
+
+cl_int clGetPlatformIDs(cl_uint capacity, cl_platform_id* platforms, cl_uint* count) {
+    return list(capacity, platforms, count);
+}
+
+cl_int clGetDeviceIDs(cl_platform_id, cl_device_type, cl_uint capacity, cl_device_id* devices, cl_uint* count) {
+    return list(capacity, devices, count);
+}
+
+cl_int clGetPlatformInfo(cl_platform_id, cl_platform_info name, std::size_t size, void* value, std::size_t* needed) {
+    using namespace std::string_view_literals;
+    return name == CL_PLATFORM_VERSION      ? answer("OpenCL 2.0 plain\0"sv, size, value, needed)
+           : name == CL_PLATFORM_NAME       ? answer("Plain\0"sv, size, value, needed)
+           : name == CL_PLATFORM_EXTENSIONS ? answer("cl_khr_icd_like cl_khr_fp64\0"sv, size, value, needed)
+                                            : CL_INVALID_VALUE;
+}
+
+cl_int clGetDeviceInfo(cl_device_id, cl_device_info name, std::size_t size, void* value, std::size_t* needed) {
+    void* const platform = &first_word;
+    return name == CL_DEVICE_PLATFORM
+               ? answer({reinterpret_cast<char const*>(&platform), sizeof platform}, size, value, needed)
+               : clGetPlatformInfo(nullptr, CL_PLATFORM_VERSION, size, value, needed);
+}
+
+cl_int clRetainDevice(cl_device_id) { return CL_SUCCESS; }
+cl_int clReleaseDevice(cl_device_id) { return CL_SUCCESS; }
+
+// Nothing stands between these and a null context.
+void* clSVMAlloc(cl_context, cl_svm_mem_flags, std::size_t, cl_uint) { std::abort(); }
+void clSVMFree(cl_context, void*) { std::abort(); }
