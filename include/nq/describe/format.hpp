@@ -54,9 +54,9 @@ struct formatter {
         for (field const& each : call) {
             if (each.offset == call.status) {
                 results = " = " + number(each, read_field(block, each)) + results;
-            } else if (each.offset == call.result) {
+            } else if (each.offset == call.result && (call.status == absent || read_field(block, each) != 0)) {
                 results += (call.status == absent ? " = " : ", ") + value(each);
-            } else {
+            } else if (each.offset != call.result) {
                 arguments += (arguments.empty() ? "" : ", ") + std::string(each.name) + '=' + value(each);
             }
         }

@@ -1,0 +1,46 @@
+#pragma once
+
+// What all layers share. A layer is a libnq that stands before another one: it exports the six functions, passes each
+// on to the next libnq in the order of loading, and gives each call to `perform` of its own.
+
+#include <nq/describe.hpp>
+#include <nq/nq.hpp>
+
+#include <cstdint>
+#include <string>
+
+namespace nq::layer {
+
+/// One call, as the program made it.
+struct call {
+    nq_call_handle* handle;
+    nq::capability version; ///< of the handle; 0 if it was not opened through the layer
+    std::uint32_t id;
+    void* block;
+    void* reserved;
+
+    /// Null if there is no such command.
+    description const* about() const noexcept { return block != nullptr ? describe(version, id) : nullptr; }
+};
+
+/// Each layer defines it: makes the call, or answers in its place. It must not throw.
+int perform(call const& made) noexcept;
+
+/// Makes a call through the next libnq.
+int forward(call const& made) noexcept;
+
+/// Reads memory that may not be there, as wrong arguments refer to.
+bool read_safely(void* to, void const* from, std::size_t size) noexcept;
+
+/// Writes one line to standard error in one piece, after the name of the layer. Keeps `errno`.
+void print(char const* layer, std::string const& line) noexcept;
+
+/// Performs a command with a block of the layer's own through the next libnq. False if there is no such command, the
+/// call failed, or OpenCL refused it.
+template <class Block>
+bool ask(call const& made, Block& block) noexcept {
+    std::uint32_t const id = find_command<Block>(made.version);
+    return id != 0 && forward({made.handle, made.version, id, &block, nullptr}) == result::success && block.status == 0;
+}
+
+} // namespace nq::layer

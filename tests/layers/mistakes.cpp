@@ -1,0 +1,118 @@
+// Makes one mistake, or none, on the first device of a platform, and prints what the program sees of it.
+//
+//     mistakes PLATFORM MISTAKE        77 as exit status if there is no such platform
+
+#include <vorn/mero/opencl_1_2.hpp>
+
+#include <array>
+#include <cstdio>
+#include <functional>
+#include <map>
+#include <string>
+#include <typeinfo>
+#include <vector>
+
+namespace cl = vorn::mero::opencl_1_2;
+
+namespace {
+
+struct session {
+    cl::device device;
+    cl::context context = cl::create_context({}, {device}, nullptr, nullptr);
+    cl::command_queue queue = context.create_command_queue(device, false, false);
+    cl::program program = context.create_program_from_source(
+        "kernel void scale(global float* values, float factor) { values[get_global_id(0)] *= factor; }\n"
+        "kernel __attribute__((reqd_work_group_size(8, 1, 1))) void eights(global float* values) { values[0] = 8; }\n");
+    cl::buffer buffer = context.create_buffer(cl::mem_flags::read_write, 4096, nullptr);
+    std::vector<float> values = std::vector<float>(2048, 2.0F);
+
+    cl::kernel kernel(char const* name) {
+        program.build({device}, "-cl-kernel-arg-info", nullptr, nullptr);
+        return program.create_kernel(name);
+    }
+
+    void launch(cl::kernel& function, std::size_t global, std::size_t local) {
+        queue.enqueue_command_without_event(cl::nd_range_kernel(function, 1, {0, 0, 0}, {global, 1, 1}, {local, 1, 1}));
+        queue.finish();
+    }
+};
+
+void scale(session& here, std::size_t global, std::size_t local) {
+    float const factor = 3;
+    cl::kernel kernel = here.kernel("scale");
+    here.queue.enqueue_command_without_event(cl::write_buffer(here.buffer, true, 0, 4096, here.values.data()));
+    kernel.set_argument(0, here.buffer);
+    kernel.set_argument_raw(1, sizeof factor, &factor);
+    here.launch(kernel, global, local);
+    here.queue.enqueue_command_without_event(cl::read_buffer(here.buffer, true, 0, 4096, here.values.data()));
+    std::printf("%g\n", static_cast<double>(here.values[0]));
+}
+
+std::map<std::string, std::function<void(session&)>> const mistakes{
+    {"none", [](session& here) { scale(here, 1024, 64); }},
+    {"name", [](session& here) { (void)here.kernel("skale"); }},
+    {"unbuilt", [](session& here) { (void)here.program.create_kernel("scale"); }},
+    {"build",
+     [](session& here) {
+         cl::program broken = here.context.create_program_from_source("kernel void f() { int x = nothing_here; }");
+         broken.build({here.device}, "", nullptr, nullptr);
+         std::puts(broken.build_status(here.device) == cl::program_build_status::error ? "not built" : "built");
+     }},
+    {"read",
+     [](session& here) {
+         here.queue.enqueue_command_without_event(cl::read_buffer(here.buffer, true, 4000, 200, here.values.data()));
+     }},
+    {"copy",
+     [](session& here) {
+         cl::buffer small = here.context.create_buffer(cl::mem_flags::read_write, 64, nullptr);
+         here.queue.enqueue_command_without_event(cl::copy_buffer(here.buffer, small, 0, 32, 64));
+     }},
+    {"rectangle",
+     [](session& here) {
+         here.queue.enqueue_command_without_event(cl::read_buffer_rect(here.buffer, true, {16, 60, 0}, {0, 0, 0},
+                                                                       {16, 8, 1}, 64, 0, 0, 0, here.values.data()));
+     }},
+    {"unset",
+     [](session& here) {
+         cl::kernel kernel = here.kernel("scale");
+         kernel.set_argument(0, here.buffer);
+         here.launch(kernel, 64, 64);
+     }},
+    {"index", [](session& here) { here.kernel("scale").set_argument(2, here.buffer); }},
+    {"size", [](session& here) { here.kernel("scale").set_argument_raw(1, 2, here.values.data()); }},
+    {"divide", [](session& here) { scale(here, 1000, 64); }},
+    {"required",
+     [](session& here) {
+         cl::kernel kernel = here.kernel("eights");
+         kernel.set_argument(0, here.buffer);
+         here.launch(kernel, 64, 4);
+     }},
+    {"empty", [](session& here) { (void)here.context.create_buffer(cl::mem_flags::read_write, 0, nullptr); }},
+    {"moved",
+     [](session& here) {
+         cl::command_queue const taken = std::move(here.queue);
+         here.queue.finish();
+     }},
+};
+
+} // namespace
+
+int main(int count, char** arguments) {
+    if (count != 3 || mistakes.count(arguments[2]) == 0) {
+        return 2;
+    }
+    for (cl::device const& device : cl::get_all_devices()) {
+        if (device.get_platform().name().find(arguments[1]) != std::string::npos) {
+            try {
+                session here{device};
+                mistakes.at(arguments[2])(here);
+                std::puts("done");
+            } catch (std::exception const& failure) {
+                std::printf("%s\n", typeid(failure).name());
+            }
+            return 0;
+        }
+    }
+    std::printf("no platform %s\n", arguments[1]);
+    return 77;
+}
