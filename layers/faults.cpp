@@ -1,0 +1,253 @@
+// Fails calls in place of libnq, as NQ_FAULTS says: rules that are separated by commas, whose parts are separated by
+// colons.
+
+#include "layer.hpp"
+
+#include <algorithm>
+#include <atomic>
+#include <charconv>
+#include <cstdlib>
+#include <cstring>
+#include <mutex>
+#include <optional>
+#include <stdexcept>
+#include <string_view>
+#include <vector>
+
+namespace nq::layer {
+namespace {
+
+constexpr char name[] = "nq-faults";
+constexpr std::size_t longest_report = 100; // lines
+
+// Which calls fail, and how. All conditions hold at once.
+struct rule {
+    std::string_view entry; // empty for all
+    std::uint64_t call = 0; // counted from 1, among those of the entry point; 0 for any
+    std::uint64_t every = 0;
+    std::optional<double> probability;
+    std::uint64_t seed = 0;
+    int result = result::success; // of libnq
+    int status = 0;               // of OpenCL
+};
+
+struct counted_rule : rule {
+    explicit counted_rule(rule const& of) : rule(of) {}
+    counted_rule(counted_rule&& other) noexcept : rule(other) {}
+    std::atomic<std::uint64_t> seen{0};
+};
+
+struct settings {
+    std::vector<counted_rule> rules;
+    bool report = false;
+};
+
+struct unusable : std::runtime_error {
+    using std::runtime_error::runtime_error;
+};
+
+// The parts of a text between separators. The text outlives them: it is in the environment.
+std::vector<std::string_view> split(std::string_view text, char separator) {
+    std::vector<std::string_view> parts;
+    for (std::size_t start = 0; start <= text.size();) {
+        std::size_t const end = std::min(text.find(separator, start), text.size());
+        parts.push_back(text.substr(start, end - start));
+        start = end + 1;
+    }
+    return parts;
+}
+
+template <class Number>
+Number number(std::string_view text, Number least, Number most, char const* what) {
+    Number value{};
+    auto const [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
+    if (error != std::errc{} || end != text.data() + text.size() || !(value >= least && value <= most)) {
+        throw unusable(std::string(what) + ", not '" + std::string(text) + "'");
+    }
+    return value;
+}
+
+std::uint64_t count(std::string_view text) {
+    return number<std::uint64_t>(text, 1, UINT64_MAX, "give a number of calls from 1 on");
+}
+
+std::string_view entry_point(std::string_view wanted) {
+    for (auto version = std::uint64_t{1}; version <= 6; ++version) {
+        for (std::uint32_t id = 1; describe(capability{version}, id) != nullptr; ++id) {
+            if (describe(capability{version}, id)->name == wanted) {
+                return wanted;
+            }
+        }
+    }
+    throw unusable("give the name of an OpenCL entry point, not '" + std::string(wanted) + "'");
+}
+
+int status(std::string_view text) {
+    for (value_name const& each : values::status) {
+        if (each.name == text && each.value != 0) {
+            return static_cast<int>(each.value);
+        }
+    }
+    return number(text, INT32_MIN, -1, "give an OpenCL status such as -5 or CL_OUT_OF_RESOURCES");
+}
+
+void add_part(rule& made, std::string_view part) {
+    std::size_t const equals = part.find('=');
+    std::string_view const key = part.substr(0, equals);
+    std::string_view const value = equals == std::string_view::npos ? "" : part.substr(equals + 1);
+    if (equals == std::string_view::npos) {
+        made.status = status(part);
+    } else if (key == "call") {
+        made.call = count(value);
+    } else if (key == "every") {
+        made.every = count(value);
+    } else if (key == "entry") {
+        made.entry = entry_point(value);
+    } else if (key == "probability") {
+        made.probability = number(value, 0.0, 1.0, "give a probability from 0 to 1");
+    } else if (key == "seed") {
+        made.seed = number<std::uint64_t>(value, 0, UINT64_MAX, "give a whole number as the seed");
+    } else if (key == "result") {
+        made.result = number(value, INT32_MIN, -1, "give a negative result of libnq such as -1");
+    } else {
+        throw unusable("use call=, every=, entry=, probability=, seed= or result=, not '" + std::string(key) + "='");
+    }
+}
+
+settings parse(std::string_view text) {
+    settings made;
+    for (std::string_view const each : split(text, ',')) {
+        if (each == "report") {
+            made.report = true;
+            continue;
+        }
+        rule next;
+        for (std::string_view const part : split(each, ':')) {
+            add_part(next, part);
+        }
+        if ((next.status == 0) == (next.result == 0)) {
+            throw unusable("end '" + std::string(each) + "' with one failure, as in call=17:-5 or call=17:result=-1");
+        }
+        if (next.entry.empty() && next.call == 0 && next.every == 0 && !next.probability) {
+            throw unusable("say which calls fail, as in call=17:" + std::string(each));
+        }
+        made.rules.emplace_back(next);
+    }
+    return made;
+}
+
+// Read at the first call; a program that makes none is left alone. A program whose settings are wrong ends here, as it
+// would seem to pass otherwise.
+settings& chosen() {
+    static settings& all = *[] {
+        char const* const text = std::getenv("NQ_FAULTS");
+        try {
+            return new settings(text != nullptr && *text != '\0' ? parse(text) : settings{});
+        } catch (unusable const& why) {
+            print(name, std::string("NQ_FAULTS: ") + why.what());
+        } catch (std::exception const& why) {
+            print(name, why.what());
+        }
+        std::_Exit(2);
+    }();
+    return all;
+}
+
+struct account {
+    std::atomic<std::uint64_t> calls{0};
+    std::atomic<std::uint64_t> failed{0};
+    std::mutex mutex;
+    std::vector<std::string> lines;
+};
+
+account& done() {
+    static account& all = *new account;
+    return all;
+}
+
+// From 0 to 1, the same for the same seed and call.
+double random(std::uint64_t seed, std::uint64_t call) {
+    std::uint64_t bits = seed + (call * 0x9E3779B97F4A7C15U);
+    bits = (bits ^ (bits >> 30U)) * 0xBF58476D1CE4E5B9U;
+    bits = (bits ^ (bits >> 27U)) * 0x94D049BB133111EBU;
+    return static_cast<double>((bits ^ (bits >> 31U)) >> 11U) * 0x1p-53;
+}
+
+bool applies(counted_rule& each, description const* about) {
+    if (!each.entry.empty() && (about == nullptr || each.entry != about->name)) {
+        return false;
+    }
+    std::uint64_t const seen = ++each.seen;
+    return (each.call == 0 || seen == each.call) && (each.every == 0 || seen % each.every == 0) &&
+           (!each.probability || random(each.seed, seen) < *each.probability);
+}
+
+// Whether a block can say that OpenCL refused the call.
+bool can_refuse(description const* about) {
+    return about != nullptr && (about->status != absent ||
+                                (about->result != absent && about != &description_of<block::call_handle_device>));
+}
+
+void refuse(call const& made, description const& about, std::int32_t status) {
+    auto* const bytes = static_cast<unsigned char*>(made.block);
+    if (about.status != absent) {
+        std::memcpy(bytes + about.status, &status, sizeof status);
+    }
+    if (about.result != absent) {
+        std::memset(bytes + about.result, 0, sizeof(void*));
+    }
+}
+
+void record(call const& made, description const* about, rule const& how, std::uint64_t number) {
+    account& all = done();
+    ++all.failed;
+    std::scoped_lock const lock{all.mutex};
+    if (chosen().report && all.lines.size() < longest_report) {
+        char const* const status = values::status.name_of(how.status);
+        std::string const code = status != nullptr ? status : "status " + std::to_string(how.status);
+        all.lines.push_back("call " + std::to_string(number) + ": " +
+                            (about != nullptr ? about->name : "command " + std::to_string(made.id)) + " = " +
+                            (how.result != 0 ? "result " + std::to_string(how.result) : code));
+    }
+}
+
+[[gnu::destructor]] void report() {
+    account& all = done();
+    if (all.calls != 0 && chosen().report) {
+        print(name, std::to_string(all.calls) + " calls, " + std::to_string(all.failed) + " failed");
+        std::scoped_lock const lock{all.mutex};
+        for (std::string const& line : all.lines) {
+            print(name, line);
+        }
+    }
+}
+
+std::optional<int> fail(call const& made) {
+    description const* const about = made.about();
+    std::uint64_t const number = ++done().calls;
+    rule const* how = nullptr;
+    for (counted_rule& each : chosen().rules) { // each counts, whichever decides
+        how = applies(each, about) && how == nullptr ? &each : how;
+    }
+    if (how == nullptr || (how->result == 0 && !can_refuse(about))) {
+        return std::nullopt;
+    }
+    record(made, about, *how, number);
+    if (how->result == 0) {
+        refuse(made, *about, how->status);
+    }
+    return how->result;
+}
+
+} // namespace
+
+int perform(call const& made) noexcept {
+    std::optional<int> failed;
+    try {
+        failed = fail(made);
+    } catch (...) { // NOLINT(bugprone-empty-catch) out of memory: the call is made
+    }
+    return failed ? *failed : forward(made);
+}
+
+} // namespace nq::layer
