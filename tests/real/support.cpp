@@ -1,8 +1,6 @@
 #include "support.hpp"
 
-#include "names.hpp"
-
-#include <CL/cl.h>
+#include "interposer.hpp"
 #include <dlfcn.h>
 
 #include <atomic>
@@ -39,9 +37,7 @@ void CL_CALLBACK context_is_gone(cl_context, void*) { --living_contexts; }
 
 /// Implementations may delete from a thread of their own, a little later.
 void expect_no_context() {
-    for (int i = 0; i < 200 && living_contexts != 0; ++i) {
-        std::this_thread::sleep_for(std::chrono::milliseconds(10));
-    }
+    comes_true([] { return living_contexts == 0; });
     EXPECT_EQ(living_contexts.exchange(0), 0) << "an object of the scenario still holds its context";
 }
 
@@ -120,28 +116,23 @@ private:
     std::function<void()> body_;
 };
 
-/// A platform's second device, and every further one, is told apart by its name.
-template <class Api>
-void find_devices(Api) {
-    auto& found = found_devices<Api>();
-    for (auto const& device : Api::get_all_devices()) {
-        std::string name = implementation_of(device.get_platform().name());
-        if (std::ranges::any_of(found, [&name](auto const& other) { return other.first == name; })) {
-            name += "_" + without_punctuation(device.name()) + "_" + std::to_string(found.size());
-        }
-        found.emplace_back(name, device);
-    }
-}
-
 void add_missing() {
     std::set<std::string> missing{"others"};
     std::ranges::transform(short_names, std::inserter(missing, missing.end()), [](auto& each) { return each.second; });
-    for (auto const& [name, device] : found_devices<api<100>>()) {
-        auto const implementation = implementation_of(device.get_platform().name());
+    for (auto const& [implementation, name] : found_devices<api<100>>()) {
         missing.erase(is_known(implementation) ? implementation : "others");
     }
     for (std::string const& name : missing) {
         add_test({"present", "devices", name, name, 100}, [name] { skip("no device of " + name + " here"); });
+    }
+}
+
+/// The tests of a device end by asking that no entry point was left out.
+template <class Api>
+void add_completeness(Api) {
+    for (auto const& [implementation, name] : found_devices<Api>()) {
+        add_test({"leaves_nothing_out", "entry points", implementation, name, Api::number},
+                 [] { EXPECT_EQ(never_called(Api::capability), ""); });
     }
 }
 
@@ -152,15 +143,21 @@ std::string implementation_of(std::string const& platform_name) {
     return known != short_names.end() ? known->second : without_punctuation(platform_name);
 }
 
+void add_device(std::vector<found_device>& devices, std::string const& platform, std::string const& name) {
+    found_device made{implementation_of(platform), implementation_of(platform)};
+    if (std::ranges::find(devices, made.name, &found_device::name) != devices.end()) {
+        made.name += "_" + without_punctuation(name) + "_" + std::to_string(devices.size());
+    }
+    devices.push_back(made);
+}
+
 void skip(std::string const& reason) { throw skipped(reason); }
 
-void* c_function(char const* name) {
-    static void* const loader = dlopen("libOpenCL.so.1", RTLD_NOW | RTLD_LOCAL);
-    void* const function = loader != nullptr ? dlsym(loader, name) : nullptr;
-    if (function == nullptr) {
-        throw std::runtime_error(std::string("the ICD loader has no ") + name);
+bool comes_true(std::function<bool()> const& condition) {
+    for (int i = is_nulling() ? 500 : 0; i < 500 && !condition(); ++i) {
+        std::this_thread::sleep_for(std::chrono::milliseconds(10));
     }
-    return function;
+    return condition();
 }
 
 bytes intermediate_language() {
@@ -170,17 +167,13 @@ bytes intermediate_language() {
     return code;
 }
 
-void tell_thread(char const* what, std::thread::id caller) {
-    std::printf("%s ran on %s\n", what,
-                caller == std::this_thread::get_id() ? "the thread that waited" : "a thread of the implementation");
-}
-
 void watch(std::string const& implementation, _nq_cl_context* context) {
+    static void* const loader = dlopen("libOpenCL.so.1", RTLD_NOW | RTLD_LOCAL);
+    static auto* const set_callback =
+        reinterpret_cast<decltype(&clSetContextDestructorCallback)>(dlsym(loader, "clSetContextDestructorCallback"));
     if (is_known(implementation)) {
         ++living_contexts;
-        EXPECT_EQ(
-            REAL_C_API(clSetContextDestructorCallback)(reinterpret_cast<cl_context>(context), context_is_gone, nullptr),
-            CL_SUCCESS);
+        EXPECT_EQ(set_callback(reinterpret_cast<cl_context>(context), context_is_gone, nullptr), CL_SUCCESS);
     }
 }
 
@@ -195,16 +188,19 @@ std::list<std::function<void()>>& additions() {
     return all;
 }
 
+int run_tests() {
+    add_missing();
+    std::ranges::for_each(additions(), [](auto const& add) { add(); });
+    for_each_version([](auto version) { add_completeness(version); });
+    int const status = RUN_ALL_TESTS();
+    print_table();
+    return status;
+}
+
 } // namespace real
 
 int main(int count, char** words) {
-    using namespace real;
     testing::InitGoogleTest(&count, words);
-    for_each_version([](auto version) { find_devices(version); });
-    add_missing();
-    std::ranges::for_each(additions(), [](auto const& add) { add(); });
-    int const status = RUN_ALL_TESTS();
-    print_table();
-    for_each_version([]<class Api>(Api) { found_devices<Api>().clear(); });
-    return status;
+    return count > 2 && std::string_view(words[1]) == "--mode" ? real::perform_mode({words + 2, words + count})
+                                                               : real::run_tests();
 }

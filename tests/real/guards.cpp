@@ -1,0 +1,125 @@
+#include "support.hpp"
+
+// Lists with nothing in them and values that end the process in some implementation; what null pointers come to is seen
+// where the scenarios run with them.
+
+namespace real {
+namespace {
+
+/// A list of one null entry.
+template <class Element>
+Element* nothing[1]{};
+
+SCENARIO(refuses_null_events, "null list entries", 120) {
+    auto* const queue = raw_of(b.queue);
+    auto const buffer = b.store(numbers(4));
+    auto* memory = raw_of(buffer);
+    auto const marker = b.queue.enqueue_marker(0, nullptr);
+    std::array<_nq_cl_event*, 2> const list{raw_of(marker), nullptr};
+    b.expect(CL_INVALID_EVENT_WAIT_LIST, wire::clEnqueueMarkerWithWaitList{.command_queue = queue,
+                                                                           .event_wait_list = list.data(),
+                                                                           .num_events_in_wait_list = 2});
+    b.expect(CL_INVALID_EVENT_WAIT_LIST, wire::clEnqueueMapBuffer{.command_queue = queue,
+                                                                  .buffer = memory,
+                                                                  .event_wait_list = list.data(),
+                                                                  .num_events_in_wait_list = 2});
+    b.expect(CL_INVALID_EVENT, wire::clWaitForEvents{.event_list = list.data(), .num_events = 2});
+    void* argument = nullptr;
+    b.expect(CL_INVALID_VALUE, wire::clEnqueueNativeKernel{.command_queue = queue,
+                                                           .user_func = [](void*) {},
+                                                           .args = &argument,
+                                                           .cb_args = sizeof argument,
+                                                           .mem_list = &memory,
+                                                           .args_mem_loc = nothing<void const>,
+                                                           .num_mem_objects = 1});
+}
+
+SCENARIO(refuses_programs_of_nothing, "null list entries", 120) {
+    auto* const context = raw_of(b.context);
+    auto const source = b.context.create_program_from_source("__kernel void f() {}");
+    auto* program = raw_of(source);
+    char const* const name = "h";
+    std::size_t const size = 0;
+    auto* const devices = nothing<_nq_cl_device_id>;
+    b.expect(CL_INVALID_VALUE,
+             wire::clCreateProgramWithSource{.context = context, .strings = nothing<char const>, .count = 1});
+    auto* device = raw_of(b.device);
+    b.expect(CL_INVALID_VALUE, wire::clCreateProgramWithBinary{.context = context,
+                                                               .device_list = &device,
+                                                               .lengths = &size,
+                                                               .binaries = nothing<unsigned char const>,
+                                                               .num_devices = 1});
+    b.expect(CL_INVALID_DEVICE,
+             wire::clCreateProgramWithBuiltInKernels{
+                 .context = context, .device_list = devices, .kernel_names = name, .num_devices = 1});
+    b.expect(CL_INVALID_DEVICE, wire::clBuildProgram{.program = program, .device_list = devices, .num_devices = 1});
+    b.expect(CL_INVALID_VALUE, wire::clBuildProgram{.program = program, .num_devices = 1});
+    wire::clCompileProgram compile{.program = program,
+                                   .input_headers = nothing<_nq_cl_program>,
+                                   .header_include_names = &name,
+                                   .num_input_headers = 1};
+    b.expect(CL_INVALID_PROGRAM, compile);
+    compile.input_headers = &program;
+    compile.header_include_names = nothing<char const>;
+    b.expect(CL_INVALID_VALUE, compile);
+    compile.num_devices = 1;
+    compile.device_list = devices;
+    b.expect(CL_INVALID_DEVICE, compile);
+    wire::clLinkProgram link{.context = context, .input_programs = nothing<_nq_cl_program>, .num_input_programs = 1};
+    b.expect(CL_INVALID_PROGRAM, link);
+    link.num_devices = 1;
+    link.device_list = devices;
+    b.expect(CL_INVALID_DEVICE, link);
+}
+
+// A missing value, and a null handle as the value. Only what crashes somewhere has its code fixed here.
+SCENARIO(refuses_arguments_without_a_value, "arguments without a value", 100) {
+    auto const kernel =
+        b.build("__kernel void f(__global int* data, int value, read_only image2d_t image, "
+                "sampler_t sampler) { data[0] = value + read_imageui(image, sampler, (int2)(0, 0)).x; }")
+            .create_kernel("f");
+    auto const argument = [&](unsigned int index, std::size_t size, void const* value) {
+        return wire::clSetKernelArg{raw_of(kernel), size, value, 0, index};
+    };
+    auto const* const null_handle = nothing<void>;
+    b.expect(CL_INVALID_ARG_VALUE, argument(1, 4, nullptr));
+    b.expect(CL_SUCCESS, argument(0, 8, nullptr));
+    b.expect(CL_SUCCESS, argument(0, 8, null_handle));
+    if (b.name == "rusticl") {
+        b.expect(CL_INVALID_ARG_VALUE, argument(2, 8, nullptr));
+    } else {
+        b.perform(argument(2, 8, nullptr));
+    }
+    for (void const* const value : {static_cast<void const*>(nullptr), static_cast<void const*>(null_handle)}) {
+        EXPECT_TRUE(b.perform(argument(3, 8, value)).status == CL_INVALID_SAMPLER || b.name != "oclgrind");
+    }
+    if (b.name == "oclgrind" || b.name == "pocl") {
+        EXPECT_THROW(b.launch(kernel, 16, 0), common::invalid_work_group_size);
+    }
+}
+
+SCENARIO(refuses_unusual_objects, "unusual objects", 120) {
+    auto const unbuilt = b.context.create_program_from_source("__kernel void f() {}");
+    unsigned char* binary = nullptr;
+    b.perform(wire::clGetProgramInfo{raw_of(unbuilt), sizeof binary, &binary, nullptr, 0, CL_PROGRAM_BINARIES});
+    cl_image_format const rgba{CL_RGBA, CL_UNSIGNED_INT8};
+    for (auto const& [mip_levels, samples] : {std::pair{2U, 0U}, {0U, 2U}}) {
+        nq::image_desc const description{.image_type = CL_MEM_OBJECT_IMAGE2D,
+                                         .image_width = 4,
+                                         .image_height = 4,
+                                         .num_mip_levels = mip_levels,
+                                         .num_samples = samples};
+        wire::clCreateImage const image{
+            .context = raw_of(b.context), .image_format = &rgba, .image_desc = &description};
+        auto const made = b.perform(image);
+        EXPECT_TRUE(made.error_code == CL_INVALID_IMAGE_DESCRIPTOR || b.name != "pocl");
+        b.perform(wire::clReleaseMemObject{made.result});
+    }
+    if constexpr (Api::number >= 210) {
+        wire::clSetDefaultDeviceCommandQueue const none{raw_of(b.context), raw_of(b.device)};
+        EXPECT_NE(b.perform(none).status, CL_SUCCESS);
+    }
+}
+
+} // namespace
+} // namespace real
