@@ -16,7 +16,7 @@ vorn_mero_add_headers(vorn/mero/easy argument array device error event kernel pr
 vorn_mero_add_headers(vorn/mero/common error error_code export)
 vorn_mero_add_headers(vorn/mero/internal call_capability check_error find_devices handle kept_pattern logger strings)
 vorn_mero_add_headers(vorn/mero/opencl api buffer_commands command command_queue context dependencies device event
-  extension forward image_commands kernel kernel_commands memory_object platform program sampler svm_commands types)
+  extension forward hash image_commands kernel kernel_commands memory_object platform program sampler svm_commands types)
 
 # Read several times by the headers of the versions, never by itself.
 set(vorn_mero_part_headers ${CMAKE_CURRENT_LIST_DIR}/vorn/mero/opencl/parts.hpp)

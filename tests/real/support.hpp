@@ -23,6 +23,8 @@
 #include <utility>
 #include <vector>
 
+#pragma GCC diagnostic ignored "-Wunused-result" // tests look at what is done and thrown
+
 namespace real {
 
 using namespace vorn::mero;

@@ -27,6 +27,8 @@ EXTENSIONS = {
     "2_1": "amd_kernel_info khr_il_program khr_spir",
     "2_2": "amd_kernel_info khr_il_program khr_spir",
 }
+DISCARDS = ("d.name()", "d.hash()", "c.create_user_event()", "k.clone()", "q.enqueue_command(a)", "q.enqueue_marker(0, nullptr)",
+            "cl::get_all_devices()", "cl::raw::refcount(d)", "vorn::mero::api<220>::create_context(d)")
 STRICT = ["-Wall", "-Wextra", "-Wpedantic", "-Wshadow", "-Wconversion", "-Wold-style-cast", "-Werror"]
 
 
@@ -52,6 +54,15 @@ class Headers:
         done = self.compile("".join(line if line is uses else f"#include <{line}>\n" for line in order), "-std=c++17",
                             "-fsyntax-only", *STRICT)
         return [f"parts before and after {ALL}:\n{done.stderr}"] if done.returncode else []
+
+    def discards(self):
+        """What is made or asked for nothing is warned of; the event of a barrier may be ignored."""
+        calls = "".join(f"{call};\n" for call in DISCARDS)
+        source = (f"#include <{ALL}>\nnamespace cl = vorn::mero::opencl_2_2;\nvoid f(cl::device& d, cl::context& c, cl::kernel& k, "
+                  f"cl::host_command_queue& q, cl::command& a) {{\n{calls}q.barrier(0, nullptr);\n}}\n")
+        said = self.compile(source, "-std=c++17", "-fsyntax-only").stderr
+        lines = {int(line) for line in re.findall(r"<stdin>:(\d+):\d+: warning", said)}
+        return [] if lines == set(range(4, 4 + len(DISCARDS))) else [f"not exactly each discarded result is warned of:\n{said}"]
 
     def beside_opencl(self, first, second):
         """OpenCL's own headers define names of extensions as macros, whose values programs keep."""
@@ -113,7 +124,7 @@ def main():
     with concurrent.futures.ThreadPoolExecutor(os.cpu_count()) as pool:
         faults = [fault for fault in pool.map(headers.alone, *zip(*work)) if fault]
     faults += [fault for name in headers.umbrellas for fault in headers.forbidden(name)]
-    faults += headers.parts_among_wholes()
+    faults += headers.parts_among_wholes() + headers.discards()
     for order in ((ALL, OPENCL), (OPENCL, ALL)):
         faults += headers.beside_opencl(*order)
     print(f"{len(work)} compilations of {len(headers.names)} headers in {', '.join(standards)} with {headers.command}")

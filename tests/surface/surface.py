@@ -110,7 +110,7 @@ class Headers:
             text = text.split("{")[0]
         elif function and not body:
             text += re.match("[^;]*", self.text[end:])[0]
-        text = " ".join(re.sub(r"__attribute__\(\(.*?\)\)\)|^# \d.*$", "", text, flags=re.M).split())
+        text = " ".join(re.sub(r"__attribute__\(\(.*?\)\)\)|\[\[\w+\]\]|^# \d.*$", "", text, flags=re.M).split()).replace("( ", "(")
         if function and function["kind"] == "CXXConstructorDecl":
             text = re.sub(" : .*", "", text)
         section, listed, versions = scope.removeprefix("vorn::mero::"), text, VERSIONS

@@ -9,6 +9,8 @@
 #endif
 #include UNIT_HEADER
 
+#pragma GCC diagnostic ignored "-Wunused-result" // tests look at what is sent and thrown
+
 namespace unit {
 
 using namespace vorn::mero::UNIT_NAMESPACE; // NOLINT(google-build-using-namespace)

@@ -29,7 +29,7 @@ public:
     error& operator=(error const&);
     ~error() override;
 
-    char const* what() const noexcept final;
+    [[nodiscard]] char const* what() const noexcept final;
 
 private:
     std::string message_;
@@ -42,7 +42,7 @@ public:
     opencl_error(std::string const& message, error_code code);
 
     /// The status.
-    error_code const& code() const noexcept { return code_; }
+    [[nodiscard]] error_code const& code() const noexcept { return code_; }
 
 private:
     error_code code_;
@@ -70,7 +70,7 @@ public:
     explicit unknown_opencl_error(int value);
 
     /// The status as OpenCL returned it.
-    int value() const noexcept { return value_; }
+    [[nodiscard]] int value() const noexcept { return value_; }
 
 private:
     int value_;

@@ -81,6 +81,6 @@ enum class error_code : std::int32_t {
 
 /// The message of a status, the same text as `error::what`; "Unknown error." for any other number. Throws only
 /// `std::bad_alloc`.
-VORN_MERO_EXPORT std::string get_error_string(error_code code);
+[[nodiscard]] VORN_MERO_EXPORT std::string get_error_string(error_code code);
 
 } // namespace vorn::mero::common

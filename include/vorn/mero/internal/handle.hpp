@@ -90,10 +90,7 @@ struct owner_access {
 /// An owner that can be compared: its identity is the call handle and the raw handle together. Base of every object
 /// class except memory objects.
 ///
-///     struct by_hash {
-///         std::size_t operator()(cl::device const& each) const { return each.hash(); }
-///     };
-///     std::unordered_map<cl::device, cl::context, by_hash> contexts; // std::map needs no such thing
+///     std::unordered_map<cl::device, cl::context> contexts; // or std::map
 template <class Kind>
 class handle : public owner<Kind> {
 public:
@@ -113,7 +110,7 @@ public:
     }
 
     /// Equal for equal objects, 0 for an empty one.
-    std::size_t hash() const noexcept { return call_handle_address() ^ raw_address(); }
+    [[nodiscard]] std::size_t hash() const noexcept { return call_handle_address() ^ raw_address(); }
 
 private:
     std::uintptr_t call_handle_address() const noexcept {
@@ -121,6 +118,15 @@ private:
     }
 
     std::uintptr_t raw_address() const noexcept { return reinterpret_cast<std::uintptr_t>(owner_access::raw(*this)); }
+};
+
+/// Base of `std::hash` for the classes that derive from a `handle`.
+struct handle_hash {
+    /// The same as `handle::hash`.
+    template <class Kind>
+    [[nodiscard]] std::size_t operator()(handle<Kind> const& object) const noexcept {
+        return object.hash();
+    }
 };
 
 } // namespace vorn::mero::internal

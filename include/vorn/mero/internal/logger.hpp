@@ -33,7 +33,7 @@ public:
     ~log_singleton();
 
     /// The logger; this object keeps owning it.
-    spdlog::logger* get_logger() const noexcept { return logger_.get(); }
+    [[nodiscard]] spdlog::logger* get_logger() const noexcept { return logger_.get(); }
 
 private:
     std::shared_ptr<spdlog::logger> logger_;

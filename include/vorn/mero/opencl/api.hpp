@@ -122,53 +122,57 @@ struct api<VORN_MERO_OPENCL> {
     using host_queue = VORN_MERO_NAMESPACE::internal::host_queue;
 
     /// As `get_all_devices` of the namespace.
-    static std::vector<device> get_all_devices() { return VORN_MERO_NAMESPACE::get_all_devices(); }
+    [[nodiscard]] static std::vector<device> get_all_devices() { return VORN_MERO_NAMESPACE::get_all_devices(); }
 
     /// As `get_call_handle_device` of the namespace.
-    static device get_call_handle_device(nq::call_handle const& call_handle) {
+    [[nodiscard]] static device get_call_handle_device(nq::call_handle const& call_handle) {
         return VORN_MERO_NAMESPACE::get_call_handle_device(call_handle);
     }
 
     /// As `raw::get_raw_event`: an element of a wait list.
-    static _nq_cl_event* get_raw_event(event const& object) noexcept {
+    [[nodiscard]] static _nq_cl_event* get_raw_event(event const& object) noexcept {
         return VORN_MERO_NAMESPACE::raw::get_raw_event(object);
     }
 
     /// As `raw::get_raw_memory_object`: an element of a list of memory objects.
-    static _nq_cl_mem* get_raw_memory_object(memory_object const& object) noexcept {
+    [[nodiscard]] static _nq_cl_mem* get_raw_memory_object(memory_object const& object) noexcept {
         return VORN_MERO_NAMESPACE::raw::get_raw_memory_object(object);
     }
 
     /// As `raw::get_raw_device_id`.
-    static _nq_cl_device_id* get_raw_device_id(device const& object) noexcept {
+    [[nodiscard]] static _nq_cl_device_id* get_raw_device_id(device const& object) noexcept {
         return VORN_MERO_NAMESPACE::raw::get_raw_device_id(object);
     }
 
     /// A context of one device, without properties or callback.
-    static context create_context(device const& target) {
+    [[nodiscard]] static context create_context(device const& target) {
         return VORN_MERO_NAMESPACE::create_context({}, {target}, nullptr, nullptr);
     }
 
 #if VORN_MERO_OPENCL < 200
     /// A queue by `context::create_command_queue`.
-    static host_queue create_queue(context& owner, device const& target, bool out_of_order, bool profiling) {
+    [[nodiscard]] static host_queue create_queue(context& owner, device const& target, bool out_of_order,
+                                                 bool profiling) {
         return owner.create_command_queue(target, out_of_order, profiling);
     }
 #else
     /// A queue by `context::create_host_command_queue`.
-    static host_queue create_queue(context& owner, device const& target, bool out_of_order, bool profiling) {
+    [[nodiscard]] static host_queue create_queue(context& owner, device const& target, bool out_of_order,
+                                                 bool profiling) {
         return owner.create_host_command_queue(target, out_of_order, profiling);
     }
 #endif
 
 #if VORN_MERO_OPENCL < 110
     /// A launch in one dimension, from offset 0; sizes are in work-items.
-    static nd_range_kernel launch(kernel const& function, std::size_t global_size, std::size_t local_size) {
+    [[nodiscard]] static nd_range_kernel launch(kernel const& function, std::size_t global_size,
+                                                std::size_t local_size) {
         return {function, 1, {global_size, 1, 1}, { local_size, 1, 1 }};
     }
 #else
     /// A launch in one dimension, from offset 0; sizes are in work-items.
-    static nd_range_kernel launch(kernel const& function, std::size_t global_size, std::size_t local_size) {
+    [[nodiscard]] static nd_range_kernel launch(kernel const& function, std::size_t global_size,
+                                                std::size_t local_size) {
         return {function, 1, {0, 0, 0}, {global_size, 1, 1}, {local_size, 1, 1}};
     }
 #endif

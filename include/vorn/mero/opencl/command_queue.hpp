@@ -32,10 +32,10 @@ public:
 
     /// Enqueues a command and returns its event. Makes one capability call and allocates nothing. When this returns, a
     /// blocking command no longer uses host memory.
-    event enqueue_command(command const& c);
+    [[nodiscard]] event enqueue_command(command const& c);
 
     /// The same with a wait list.
-    event enqueue_command(command const& c, unsigned int num_events, _nq_cl_event* const* wait_list);
+    [[nodiscard]] event enqueue_command(command const& c, unsigned int num_events, _nq_cl_event* const* wait_list);
 
     /// Enqueues a command without creating an event.
     void enqueue_command_without_event(command const& c);
@@ -45,7 +45,7 @@ public:
 
 #if VORN_MERO_OPENCL < 120
     /// An event that completes when all commands enqueued so far are complete. Until OpenCL 1.1.
-    event enqueue_marker();
+    [[nodiscard]] event enqueue_marker();
 
     /// Makes later commands wait for all earlier ones, which matters in an out-of-order queue. Until OpenCL 1.1.
     void barrier();
@@ -68,7 +68,7 @@ public:
 #if VORN_MERO_OPENCL >= 120
     /// An event that completes when the wait list is complete or, without one, all commands enqueued so far. Since
     /// OpenCL 1.2.
-    event enqueue_marker(unsigned int num_events, _nq_cl_event* const* wait_list);
+    [[nodiscard]] event enqueue_marker(unsigned int num_events, _nq_cl_event* const* wait_list);
 
     /// The same, and later commands wait for that event. Since OpenCL 1.2.
     event barrier(unsigned int num_events, _nq_cl_event* const* wait_list);
@@ -82,21 +82,21 @@ public:
     void finish();
 
     /// The context of the queue, on the same call handle.
-    context get_context() const;
+    [[nodiscard]] context get_context() const;
 
     /// The device of the queue, on the same call handle.
-    device get_device() const;
+    [[nodiscard]] device get_device() const;
 
     /// Whether commands may run in another order than that of enqueueing.
-    bool out_of_order_execution_enabled() const;
+    [[nodiscard]] bool out_of_order_execution_enabled() const;
 
     /// Whether events of the queue tell their times, see `event::profile_command_start`.
-    bool profiling_enabled() const;
+    [[nodiscard]] bool profiling_enabled() const;
 
 #if VORN_MERO_OPENCL >= 210
     /// The queue that kernels on the device get from `get_default_queue()`. Three calls. If there is none, throws
     /// `common::invalid_command_queue` or `common::invalid_value`, depending on the implementation. Since OpenCL 2.1.
-    device_command_queue get_default_device_command_queue() const;
+    [[nodiscard]] device_command_queue get_default_device_command_queue() const;
 #endif
 };
 
@@ -115,20 +115,20 @@ public:
     using handle::handle;
 
     /// The context of the queue, on the same call handle.
-    context get_context() const;
+    [[nodiscard]] context get_context() const;
 
     /// Whether events of the queue tell their times, see `event::profile_command_start`.
-    bool profiling_enabled() const;
+    [[nodiscard]] bool profiling_enabled() const;
 
     /// Whether kernels get this queue from `get_default_queue()`.
-    bool is_default() const;
+    [[nodiscard]] bool is_default() const;
 
     /// The size of the queue in bytes, fixed at creation: the space for commands that have not run yet.
-    std::uint32_t device_queue_size() const;
+    [[nodiscard]] std::uint32_t device_queue_size() const;
 
 #if VORN_MERO_OPENCL >= 210
     /// The default on-device queue of this queue's device; otherwise as in `host_command_queue`. Since OpenCL 2.1.
-    device_command_queue get_default_device_command_queue() const;
+    [[nodiscard]] device_command_queue get_default_device_command_queue() const;
 #endif
 };
 #endif
@@ -136,10 +136,10 @@ public:
 namespace raw {
 
 /// The raw handle, null if the object was moved from.
-VORN_MERO_EXPORT _nq_cl_command_queue* get_raw_command_queue(internal::host_queue const& object) noexcept;
+[[nodiscard]] VORN_MERO_EXPORT _nq_cl_command_queue* get_raw_command_queue(internal::host_queue const& object) noexcept;
 
 /// The call handle of the object.
-VORN_MERO_EXPORT nq::call_handle const& get_call_handle(internal::host_queue const& object) noexcept;
+[[nodiscard]] VORN_MERO_EXPORT nq::call_handle const& get_call_handle(internal::host_queue const& object) noexcept;
 
 /// Adds a reference that the caller must release.
 VORN_MERO_EXPORT void retain(internal::host_queue const& object);
@@ -148,22 +148,23 @@ VORN_MERO_EXPORT void retain(internal::host_queue const& object);
 VORN_MERO_EXPORT void release(internal::host_queue const& object);
 
 /// OpenCL's reference count, which may be outdated at once.
-VORN_MERO_EXPORT std::uint32_t refcount(internal::host_queue const& object);
+[[nodiscard]] VORN_MERO_EXPORT std::uint32_t refcount(internal::host_queue const& object);
 
 #if VORN_MERO_OPENCL < 200
 /// Wraps a raw handle and retains it: the caller keeps its own reference. Until OpenCL 1.2.
-VORN_MERO_EXPORT command_queue create_command_queue(nq::call_handle const& call_handle, _nq_cl_command_queue* handle);
+[[nodiscard]] VORN_MERO_EXPORT command_queue create_command_queue(nq::call_handle const& call_handle,
+                                                                  _nq_cl_command_queue* handle);
 #else
 /// Wraps a raw handle and retains it: the caller keeps its own reference. Whether it is a queue of this kind, host or
 /// on-device, is not checked. Since OpenCL 2.0.
-VORN_MERO_EXPORT host_command_queue create_host_command_queue(nq::call_handle const& call_handle,
-                                                              _nq_cl_command_queue* handle);
+[[nodiscard]] VORN_MERO_EXPORT host_command_queue create_host_command_queue(nq::call_handle const& call_handle,
+                                                                            _nq_cl_command_queue* handle);
 
 /// The raw handle, null if the object was moved from. Since OpenCL 2.0.
-VORN_MERO_EXPORT _nq_cl_command_queue* get_raw_command_queue(device_command_queue const& object) noexcept;
+[[nodiscard]] VORN_MERO_EXPORT _nq_cl_command_queue* get_raw_command_queue(device_command_queue const& object) noexcept;
 
 /// The call handle of the object. Since OpenCL 2.0.
-VORN_MERO_EXPORT nq::call_handle const& get_call_handle(device_command_queue const& object) noexcept;
+[[nodiscard]] VORN_MERO_EXPORT nq::call_handle const& get_call_handle(device_command_queue const& object) noexcept;
 
 /// Adds a reference that the caller must release. Since OpenCL 2.0.
 VORN_MERO_EXPORT void retain(device_command_queue const& object);
@@ -172,12 +173,12 @@ VORN_MERO_EXPORT void retain(device_command_queue const& object);
 VORN_MERO_EXPORT void release(device_command_queue const& object);
 
 /// OpenCL's reference count, which may be outdated at once. Since OpenCL 2.0.
-VORN_MERO_EXPORT std::uint32_t refcount(device_command_queue const& object);
+[[nodiscard]] VORN_MERO_EXPORT std::uint32_t refcount(device_command_queue const& object);
 
 /// Wraps a raw handle and retains it: the caller keeps its own reference. Whether it is a queue of this kind, host or
 /// on-device, is not checked. Since OpenCL 2.0.
-VORN_MERO_EXPORT device_command_queue create_device_command_queue(nq::call_handle const& call_handle,
-                                                                  _nq_cl_command_queue* handle);
+[[nodiscard]] VORN_MERO_EXPORT device_command_queue create_device_command_queue(nq::call_handle const& call_handle,
+                                                                                _nq_cl_command_queue* handle);
 #endif
 
 } // namespace raw

@@ -21,7 +21,7 @@ public:
 
     /// The state of the command. A failed command does not throw. Does not wait and does not make the command run:
     /// before polling, flush the queue.
-    event_execution_status execution_status();
+    [[nodiscard]] event_execution_status execution_status();
 
     /// Throws the exception of the status with which the command failed. Returns for any other command, even a running
     /// one: wait first. Some implementations report a command as complete although its wait list failed;
@@ -29,32 +29,32 @@ public:
     void check();
 
     /// The status with which the command failed; `success` for any other command, even a running one.
-    common::error_code error_code();
+    [[nodiscard]] common::error_code error_code();
 
     /// The queue of the command, a `command_queue`, since OpenCL 2.0 a `host_command_queue`. Throws `std::logic_error`
     /// for a user event, which has none. Three calls.
-    internal::host_queue get_command_queue() const;
+    [[nodiscard]] internal::host_queue get_command_queue() const;
 
     /// OpenCL's number of the command (`cl_command_type`), 0x11F0 for a kernel launch and so on.
-    std::uint32_t get_command_type() const;
+    [[nodiscard]] std::uint32_t get_command_type() const;
 
     /// When the command was enqueued, in nanoseconds of the device's clock, since an unspecified start: compare times
     /// of one device only. Throws `common::profiling_info_not_available` for a queue without profiling, a user event,
     /// or a command that is not complete; right after a blocking write it may not be.
-    std::uint64_t profile_command_queued() const;
+    [[nodiscard]] std::uint64_t profile_command_queued() const;
     /// When the command was submitted to the device; otherwise as `profile_command_queued`.
-    std::uint64_t profile_command_submit() const;
+    [[nodiscard]] std::uint64_t profile_command_submit() const;
     /// When the command started; otherwise as `profile_command_queued`.
-    std::uint64_t profile_command_start() const;
+    [[nodiscard]] std::uint64_t profile_command_start() const;
     /// When the command ended; otherwise as `profile_command_queued`.
-    std::uint64_t profile_command_end() const;
+    [[nodiscard]] std::uint64_t profile_command_end() const;
 
 #if VORN_MERO_OPENCL >= 110
     /// The context of the event, on the same call handle. Since OpenCL 1.1.
-    context get_context() const;
+    [[nodiscard]] context get_context() const;
 
     /// Whether the event belongs to a queue; false for a user event. Since OpenCL 1.1.
-    bool has_associated_command_queue() const;
+    [[nodiscard]] bool has_associated_command_queue() const;
 
     /// Has OpenCL call `fn` when the command reaches the state `type` or fails; at once if it already has. `fn` gets
     /// the raw event, the state (`type`, or a negative status after a failure) and `user_data`, which must stay valid
@@ -69,7 +69,7 @@ public:
 #if VORN_MERO_OPENCL >= 200
     /// When the command and all kernels that it enqueued had ended; otherwise as `profile_command_end`. Since
     /// OpenCL 2.0.
-    std::uint64_t profile_command_complete() const;
+    [[nodiscard]] std::uint64_t profile_command_complete() const;
 #endif
 };
 
@@ -102,7 +102,7 @@ public:
     void set_status_failure(common::error_code code);
 
     /// The event, for wait lists and callbacks. It may outlive the promise. One call, to retain it.
-    event get_event() const;
+    [[nodiscard]] event get_event() const;
 };
 #endif
 
@@ -110,10 +110,10 @@ namespace raw {
 
 /// The raw handle, for wait lists; null if the object was moved from. Valid while the object or another reference
 /// lives.
-VORN_MERO_EXPORT _nq_cl_event* get_raw_event(event const& object) noexcept;
+[[nodiscard]] VORN_MERO_EXPORT _nq_cl_event* get_raw_event(event const& object) noexcept;
 
 /// The call handle of the object.
-VORN_MERO_EXPORT nq::call_handle const& get_call_handle(event const& object) noexcept;
+[[nodiscard]] VORN_MERO_EXPORT nq::call_handle const& get_call_handle(event const& object) noexcept;
 
 /// Adds a reference that the caller must release.
 VORN_MERO_EXPORT void retain(event const& object);
@@ -122,17 +122,17 @@ VORN_MERO_EXPORT void retain(event const& object);
 VORN_MERO_EXPORT void release(event const& object);
 
 /// OpenCL's reference count, which may be outdated at once.
-VORN_MERO_EXPORT std::uint32_t refcount(event const& object);
+[[nodiscard]] VORN_MERO_EXPORT std::uint32_t refcount(event const& object);
 
 /// Wraps a raw handle and retains it: the caller keeps its own reference.
-VORN_MERO_EXPORT event create_event(nq::call_handle const& call_handle, _nq_cl_event* handle);
+[[nodiscard]] VORN_MERO_EXPORT event create_event(nq::call_handle const& call_handle, _nq_cl_event* handle);
 
 #if VORN_MERO_OPENCL >= 110
 /// The raw handle of the user event, null if the object was moved from. Since OpenCL 1.1.
-VORN_MERO_EXPORT _nq_cl_event* get_raw_event(event_promise const& object) noexcept;
+[[nodiscard]] VORN_MERO_EXPORT _nq_cl_event* get_raw_event(event_promise const& object) noexcept;
 
 /// The call handle of the object. Since OpenCL 1.1.
-VORN_MERO_EXPORT nq::call_handle const& get_call_handle(event_promise const& object) noexcept;
+[[nodiscard]] VORN_MERO_EXPORT nq::call_handle const& get_call_handle(event_promise const& object) noexcept;
 
 /// Adds a reference that the caller must release. Since OpenCL 1.1.
 VORN_MERO_EXPORT void retain(event_promise const& object);
@@ -141,7 +141,7 @@ VORN_MERO_EXPORT void retain(event_promise const& object);
 VORN_MERO_EXPORT void release(event_promise const& object);
 
 /// OpenCL's reference count, which may be outdated at once. Since OpenCL 1.1.
-VORN_MERO_EXPORT std::uint32_t refcount(event_promise const& object);
+[[nodiscard]] VORN_MERO_EXPORT std::uint32_t refcount(event_promise const& object);
 #endif
 
 } // namespace raw

@@ -50,34 +50,34 @@ namespace vorn::mero::VORN_MERO_NAMESPACE::extension {
 namespace cl_amd_kernel_info {
 
 /// Whether the platform of the device knows the extension's function. Does not read the device's extensions.
-VORN_MERO_EXPORT bool extension_available(device const& target);
+[[nodiscard]] VORN_MERO_EXPORT bool extension_available(device const& target);
 
 /// The scratch registers that the kernel uses.
-VORN_MERO_EXPORT std::uint64_t scratch_regs(device const& target, kernel const& function);
+[[nodiscard]] VORN_MERO_EXPORT std::uint64_t scratch_regs(device const& target, kernel const& function);
 /// The wavefronts of the kernel on each SIMD unit.
-VORN_MERO_EXPORT std::uint64_t wavefront_per_simd(device const& target, kernel const& function);
+[[nodiscard]] VORN_MERO_EXPORT std::uint64_t wavefront_per_simd(device const& target, kernel const& function);
 /// The work-items in a wavefront.
-VORN_MERO_EXPORT std::uint64_t wavefront_size(device const& target, kernel const& function);
+[[nodiscard]] VORN_MERO_EXPORT std::uint64_t wavefront_size(device const& target, kernel const& function);
 /// The general-purpose registers that the device has.
-VORN_MERO_EXPORT std::uint64_t available_gprs(device const& target, kernel const& function);
+[[nodiscard]] VORN_MERO_EXPORT std::uint64_t available_gprs(device const& target, kernel const& function);
 /// The general-purpose registers that the kernel uses.
-VORN_MERO_EXPORT std::uint64_t used_gprs(device const& target, kernel const& function);
+[[nodiscard]] VORN_MERO_EXPORT std::uint64_t used_gprs(device const& target, kernel const& function);
 /// The local memory that the device has.
-VORN_MERO_EXPORT std::uint64_t available_lds_size(device const& target, kernel const& function);
+[[nodiscard]] VORN_MERO_EXPORT std::uint64_t available_lds_size(device const& target, kernel const& function);
 /// The local memory that the kernel uses.
-VORN_MERO_EXPORT std::uint64_t used_lds_size(device const& target, kernel const& function);
+[[nodiscard]] VORN_MERO_EXPORT std::uint64_t used_lds_size(device const& target, kernel const& function);
 /// The stack that the device has.
-VORN_MERO_EXPORT std::uint64_t available_stack_size(device const& target, kernel const& function);
+[[nodiscard]] VORN_MERO_EXPORT std::uint64_t available_stack_size(device const& target, kernel const& function);
 /// The stack that the kernel uses.
-VORN_MERO_EXPORT std::uint64_t used_stack_size(device const& target, kernel const& function);
+[[nodiscard]] VORN_MERO_EXPORT std::uint64_t used_stack_size(device const& target, kernel const& function);
 /// The scalar registers that the device has.
-VORN_MERO_EXPORT std::uint64_t available_sgprs(device const& target, kernel const& function);
+[[nodiscard]] VORN_MERO_EXPORT std::uint64_t available_sgprs(device const& target, kernel const& function);
 /// The scalar registers that the kernel uses.
-VORN_MERO_EXPORT std::uint64_t used_sgprs(device const& target, kernel const& function);
+[[nodiscard]] VORN_MERO_EXPORT std::uint64_t used_sgprs(device const& target, kernel const& function);
 /// The vector registers that the device has.
-VORN_MERO_EXPORT std::uint64_t available_vgprs(device const& target, kernel const& function);
+[[nodiscard]] VORN_MERO_EXPORT std::uint64_t available_vgprs(device const& target, kernel const& function);
 /// The vector registers that the kernel uses.
-VORN_MERO_EXPORT std::uint64_t used_vgprs(device const& target, kernel const& function);
+[[nodiscard]] VORN_MERO_EXPORT std::uint64_t used_vgprs(device const& target, kernel const& function);
 
 } // namespace cl_amd_kernel_info
 namespace amd_kernel_info = cl_amd_kernel_info;
@@ -87,10 +87,10 @@ namespace amd_kernel_info = cl_amd_kernel_info;
 namespace cl_altera_device_temperature {
 
 /// Whether the device lists the extension. In OpenCL 1.0 only.
-VORN_MERO_EXPORT bool extension_available(device const& target);
+[[nodiscard]] VORN_MERO_EXPORT bool extension_available(device const& target);
 
 /// The temperature of the board's core in degrees Celsius. In OpenCL 1.0 only.
-VORN_MERO_EXPORT std::int32_t get_device_temperature(device const& target);
+[[nodiscard]] VORN_MERO_EXPORT std::int32_t get_device_temperature(device const& target);
 
 } // namespace cl_altera_device_temperature
 namespace altera_device_temperature = cl_altera_device_temperature;
@@ -99,7 +99,7 @@ namespace altera_device_temperature = cl_altera_device_temperature;
 namespace cl_altera_live_object_tracking {
 
 /// Whether the device lists the extension. In OpenCL 1.0 only.
-VORN_MERO_EXPORT bool extension_available(device const& target);
+[[nodiscard]] VORN_MERO_EXPORT bool extension_available(device const& target);
 
 /// Starts the tracking. Call it before the first object of the platform is made. In OpenCL 1.0 only.
 VORN_MERO_EXPORT void track_live_objects(platform const& owner);
@@ -120,7 +120,7 @@ namespace altera_live_object_tracking = cl_altera_live_object_tracking;
 namespace cl_arm_printf {
 
 /// Whether the device lists the extension. Until OpenCL 1.1.
-VORN_MERO_EXPORT bool extension_available(device const& target);
+[[nodiscard]] VORN_MERO_EXPORT bool extension_available(device const& target);
 
 } // namespace cl_arm_printf
 namespace arm_printf = cl_arm_printf;
@@ -131,11 +131,11 @@ namespace arm_printf = cl_arm_printf;
 namespace cl_amd_device_topology {
 
 /// Whether the device lists the extension. Until OpenCL 2.0.
-VORN_MERO_EXPORT bool extension_available(device const& target);
+[[nodiscard]] VORN_MERO_EXPORT bool extension_available(device const& target);
 
 /// One byte. Throws if the device reports more: usually `common::invalid_value`, else `common::bad_implementation`.
 /// Until OpenCL 2.0.
-VORN_MERO_EXPORT std::uint8_t get_device_topology(device const& target);
+[[nodiscard]] VORN_MERO_EXPORT std::uint8_t get_device_topology(device const& target);
 
 } // namespace cl_amd_device_topology
 namespace amd_device_topology = cl_amd_device_topology;
@@ -147,19 +147,19 @@ namespace amd_device_topology = cl_amd_device_topology;
 namespace cl_khr_il_program {
 
 /// Whether the device lists the extension. Since OpenCL 1.2.
-VORN_MERO_EXPORT bool extension_available(device const& target);
+[[nodiscard]] VORN_MERO_EXPORT bool extension_available(device const& target);
 
 /// A program from `length` bytes of intermediate language at `il`. OpenCL copies them. The program must be built before
 /// it has kernels. Throws `common::invalid_operation` if no device accepts intermediate language,
 /// `common::invalid_value` for bytes that are none. Since OpenCL 1.2.
-VORN_MERO_EXPORT program create_program_with_il(context const& owner, void const* il, std::size_t length);
+[[nodiscard]] VORN_MERO_EXPORT program create_program_with_il(context const& owner, void const* il, std::size_t length);
 
 /// The accepted intermediate languages, such as "SPIR-V_1.2"; empty if the device accepts none. Since OpenCL 1.2.
-VORN_MERO_EXPORT std::vector<std::string> get_supported_il_versions(device const& target);
+[[nodiscard]] VORN_MERO_EXPORT std::vector<std::string> get_supported_il_versions(device const& target);
 
 /// The program's intermediate language without its last byte; since OpenCL 2.1 `program::il` returns all of it. Empty
 /// for a program from anything else. Since OpenCL 1.2.
-VORN_MERO_EXPORT std::string get_program_il(program const& source);
+[[nodiscard]] VORN_MERO_EXPORT std::string get_program_il(program const& source);
 
 } // namespace cl_khr_il_program
 namespace khr_il_program = cl_khr_il_program;
@@ -168,14 +168,14 @@ namespace khr_il_program = cl_khr_il_program;
 namespace cl_khr_spir {
 
 /// Whether the device lists the extension. Since OpenCL 1.2.
-VORN_MERO_EXPORT bool extension_available(device const& target);
+[[nodiscard]] VORN_MERO_EXPORT bool extension_available(device const& target);
 
 /// The accepted versions of SPIR, such as "1.2". Since OpenCL 1.2.
-VORN_MERO_EXPORT std::vector<std::string> get_device_spir_versions(device const& target);
+[[nodiscard]] VORN_MERO_EXPORT std::vector<std::string> get_device_spir_versions(device const& target);
 
 /// Whether a result of `program::binary_type` means SPIR, not yet compiled for the device. Makes no call. Since
 /// OpenCL 1.2.
-VORN_MERO_EXPORT bool is_binary_type_intermediate(program_binary_type type);
+[[nodiscard]] VORN_MERO_EXPORT bool is_binary_type_intermediate(program_binary_type type);
 
 } // namespace cl_khr_spir
 namespace khr_spir = cl_khr_spir;
@@ -186,28 +186,34 @@ namespace khr_spir = cl_khr_spir;
 namespace cl_intel_subgroups {
 
 /// Whether the device lists the extension. In OpenCL 1.2 and 2.0 only.
-VORN_MERO_EXPORT bool extension_available(device const& target);
+[[nodiscard]] VORN_MERO_EXPORT bool extension_available(device const& target);
 
 /// The work-items in the largest sub-group of a launch with this local size, in one dimension. In OpenCL 1.2 and 2.0
 /// only.
-VORN_MERO_EXPORT std::uint64_t get_max_sub_group_size_for_nd_range(kernel const& function, device const& target,
-                                                                   std::array<std::size_t, 1> const& local_size);
+[[nodiscard]] VORN_MERO_EXPORT std::uint64_t
+get_max_sub_group_size_for_nd_range(kernel const& function, device const& target,
+                                    std::array<std::size_t, 1> const& local_size);
 /// The same in two dimensions. In OpenCL 1.2 and 2.0 only.
-VORN_MERO_EXPORT std::uint64_t get_max_sub_group_size_for_nd_range(kernel const& function, device const& target,
-                                                                   std::array<std::size_t, 2> const& local_size);
+[[nodiscard]] VORN_MERO_EXPORT std::uint64_t
+get_max_sub_group_size_for_nd_range(kernel const& function, device const& target,
+                                    std::array<std::size_t, 2> const& local_size);
 /// The same in three dimensions. In OpenCL 1.2 and 2.0 only.
-VORN_MERO_EXPORT std::uint64_t get_max_sub_group_size_for_nd_range(kernel const& function, device const& target,
-                                                                   std::array<std::size_t, 3> const& local_size);
+[[nodiscard]] VORN_MERO_EXPORT std::uint64_t
+get_max_sub_group_size_for_nd_range(kernel const& function, device const& target,
+                                    std::array<std::size_t, 3> const& local_size);
 
 /// The sub-groups in each work-group of a launch with this local size, in one dimension. In OpenCL 1.2 and 2.0 only.
-VORN_MERO_EXPORT std::uint64_t get_sub_group_count_for_nd_range(kernel const& function, device const& target,
-                                                                std::array<std::size_t, 1> const& local_size);
+[[nodiscard]] VORN_MERO_EXPORT std::uint64_t
+get_sub_group_count_for_nd_range(kernel const& function, device const& target,
+                                 std::array<std::size_t, 1> const& local_size);
 /// The same in two dimensions. In OpenCL 1.2 and 2.0 only.
-VORN_MERO_EXPORT std::uint64_t get_sub_group_count_for_nd_range(kernel const& function, device const& target,
-                                                                std::array<std::size_t, 2> const& local_size);
+[[nodiscard]] VORN_MERO_EXPORT std::uint64_t
+get_sub_group_count_for_nd_range(kernel const& function, device const& target,
+                                 std::array<std::size_t, 2> const& local_size);
 /// The same in three dimensions. In OpenCL 1.2 and 2.0 only.
-VORN_MERO_EXPORT std::uint64_t get_sub_group_count_for_nd_range(kernel const& function, device const& target,
-                                                                std::array<std::size_t, 3> const& local_size);
+[[nodiscard]] VORN_MERO_EXPORT std::uint64_t
+get_sub_group_count_for_nd_range(kernel const& function, device const& target,
+                                 std::array<std::size_t, 3> const& local_size);
 
 } // namespace cl_intel_subgroups
 namespace intel_subgroups = cl_intel_subgroups;
@@ -218,27 +224,33 @@ namespace intel_subgroups = cl_intel_subgroups;
 namespace cl_khr_sub_groups {
 
 /// Whether the device lists the extension. In OpenCL 2.0 only.
-VORN_MERO_EXPORT bool extension_available(device const& target);
+[[nodiscard]] VORN_MERO_EXPORT bool extension_available(device const& target);
 
 /// The work-items in the largest sub-group of a launch with this local size, in one dimension. In OpenCL 2.0 only.
-VORN_MERO_EXPORT std::uint64_t get_max_sub_group_size_for_nd_range(kernel const& function, device const& target,
-                                                                   std::array<std::size_t, 1> const& local_size);
+[[nodiscard]] VORN_MERO_EXPORT std::uint64_t
+get_max_sub_group_size_for_nd_range(kernel const& function, device const& target,
+                                    std::array<std::size_t, 1> const& local_size);
 /// The same in two dimensions. In OpenCL 2.0 only.
-VORN_MERO_EXPORT std::uint64_t get_max_sub_group_size_for_nd_range(kernel const& function, device const& target,
-                                                                   std::array<std::size_t, 2> const& local_size);
+[[nodiscard]] VORN_MERO_EXPORT std::uint64_t
+get_max_sub_group_size_for_nd_range(kernel const& function, device const& target,
+                                    std::array<std::size_t, 2> const& local_size);
 /// The same in three dimensions. In OpenCL 2.0 only.
-VORN_MERO_EXPORT std::uint64_t get_max_sub_group_size_for_nd_range(kernel const& function, device const& target,
-                                                                   std::array<std::size_t, 3> const& local_size);
+[[nodiscard]] VORN_MERO_EXPORT std::uint64_t
+get_max_sub_group_size_for_nd_range(kernel const& function, device const& target,
+                                    std::array<std::size_t, 3> const& local_size);
 
 /// The sub-groups in each work-group of a launch with this local size, in one dimension. In OpenCL 2.0 only.
-VORN_MERO_EXPORT std::uint64_t get_sub_group_count_for_nd_range(kernel const& function, device const& target,
-                                                                std::array<std::size_t, 1> const& local_size);
+[[nodiscard]] VORN_MERO_EXPORT std::uint64_t
+get_sub_group_count_for_nd_range(kernel const& function, device const& target,
+                                 std::array<std::size_t, 1> const& local_size);
 /// The same in two dimensions. In OpenCL 2.0 only.
-VORN_MERO_EXPORT std::uint64_t get_sub_group_count_for_nd_range(kernel const& function, device const& target,
-                                                                std::array<std::size_t, 2> const& local_size);
+[[nodiscard]] VORN_MERO_EXPORT std::uint64_t
+get_sub_group_count_for_nd_range(kernel const& function, device const& target,
+                                 std::array<std::size_t, 2> const& local_size);
 /// The same in three dimensions. In OpenCL 2.0 only.
-VORN_MERO_EXPORT std::uint64_t get_sub_group_count_for_nd_range(kernel const& function, device const& target,
-                                                                std::array<std::size_t, 3> const& local_size);
+[[nodiscard]] VORN_MERO_EXPORT std::uint64_t
+get_sub_group_count_for_nd_range(kernel const& function, device const& target,
+                                 std::array<std::size_t, 3> const& local_size);
 
 } // namespace cl_khr_sub_groups
 namespace khr_sub_groups = cl_khr_sub_groups;
@@ -247,7 +259,7 @@ namespace khr_sub_groups = cl_khr_sub_groups;
 namespace cl_khr_terminate_context {
 
 /// Whether the device lists the extension. In OpenCL 2.0 only.
-VORN_MERO_EXPORT bool extension_available(device const& target);
+[[nodiscard]] VORN_MERO_EXPORT bool extension_available(device const& target);
 
 /// Terminates every command of the context that is not complete. Nothing can be enqueued in it any more. Throws
 /// `common::invalid_operation` if the context was terminated before or one of its devices does not support it. In
@@ -255,11 +267,11 @@ VORN_MERO_EXPORT bool extension_available(device const& target);
 VORN_MERO_EXPORT void terminate(context const& owner);
 
 /// Whether contexts of the device can be terminated. In OpenCL 2.0 only.
-VORN_MERO_EXPORT bool is_terminate_supported(device const& target);
+[[nodiscard]] VORN_MERO_EXPORT bool is_terminate_supported(device const& target);
 
 /// Whether the status in a callback, or of `event::execution_status`, is that of a terminated command. Makes no call.
 /// In OpenCL 2.0 only.
-VORN_MERO_EXPORT bool is_execution_status_terminated(event_execution_status status);
+[[nodiscard]] VORN_MERO_EXPORT bool is_execution_status_terminated(event_execution_status status);
 
 /// As `event::set_callback`, for a command that `terminate` terminates. In OpenCL 2.0 only.
 VORN_MERO_EXPORT void set_event_terminated_callback(event& target, void (*callback)(_nq_cl_event*, int, void*),
@@ -272,7 +284,7 @@ namespace khr_terminate_context = cl_khr_terminate_context;
 namespace cl_khr_initialize_memory {
 
 /// Whether the device lists the extension. In OpenCL 2.0 only.
-VORN_MERO_EXPORT bool extension_available(device const& target);
+[[nodiscard]] VORN_MERO_EXPORT bool extension_available(device const& target);
 
 } // namespace cl_khr_initialize_memory
 namespace khr_initialize_memory = cl_khr_initialize_memory;
@@ -296,7 +308,8 @@ namespace vorn::mero::internal {
 
 /// Whether a device lists an extension. Ignores case. An entry that is a prefix of the name also matches; the empty
 /// name matches nothing. Two calls.
-VORN_MERO_EXPORT bool extension_supported(VORN_MERO_NAMESPACE::device const& target, std::string const& name);
+[[nodiscard]] VORN_MERO_EXPORT bool extension_supported(VORN_MERO_NAMESPACE::device const& target,
+                                                        std::string const& name);
 
 } // namespace vorn::mero::internal
 

@@ -45,12 +45,12 @@ public:
 
     /// An independent kernel with the same arguments: setting one here does not affect the other. One call. Since
     /// OpenCL 2.1.
-    kernel copy() const;
+    [[nodiscard]] kernel copy() const;
 #endif
 
     /// A new kernel of the same function, without arguments set. Makes seven calls, since it asks for program and name;
     /// `program::create_kernel` makes one.
-    kernel clone() const;
+    [[nodiscard]] kernel clone() const;
 
     /// Gives a buffer argument the null pointer. Other kinds of arguments refuse it. A literal 0 calls this too: set
     /// numbers with `set_argument_raw`.
@@ -71,62 +71,62 @@ public:
     void set_argument_raw(unsigned int index, unsigned long size, void const* value);
 
     /// The name of the function in the source.
-    std::string function_name() const;
+    [[nodiscard]] std::string function_name() const;
 
     /// The number of arguments.
-    unsigned int num_args() const;
+    [[nodiscard]] unsigned int num_args() const;
 
     /// The context of the kernel, on the same call handle.
-    context get_context() const;
+    [[nodiscard]] context get_context() const;
 
     /// The program of the kernel, on the same call handle.
-    program get_program() const;
+    [[nodiscard]] program get_program() const;
 
     /// The most work-items in a work-group of this kernel on a device. It may be less than
     /// `device::max_work_group_size`; a larger local size throws `common::invalid_work_group_size`.
-    std::size_t max_work_group_size(device const& target) const;
+    [[nodiscard]] std::size_t max_work_group_size(device const& target) const;
 
     /// The work-group size that the source requires with `reqd_work_group_size`, or three 0. A launch must have the
     /// required size.
-    std::array<std::size_t, 3> compile_work_group_size(device const& target) const;
+    [[nodiscard]] std::array<std::size_t, 3> compile_work_group_size(device const& target) const;
 
     /// The local memory that a work-group uses on a device, including that of the arguments set so far.
-    std::uint64_t local_mem_size(device const& target) const;
+    [[nodiscard]] std::uint64_t local_mem_size(device const& target) const;
 
 #if VORN_MERO_OPENCL >= 110
     /// For best speed the size of a work-group is a multiple of this number of work-items. Since OpenCL 1.1.
-    std::size_t preferred_work_group_size_multiple(device const& target) const;
+    [[nodiscard]] std::size_t preferred_work_group_size_multiple(device const& target) const;
 
     /// The private memory that each work-item uses at least, on a device. Since OpenCL 1.1.
-    std::uint64_t private_mem_per_work_item(device const& target) const;
+    [[nodiscard]] std::uint64_t private_mem_per_work_item(device const& target) const;
 #endif
 
 #if VORN_MERO_OPENCL >= 120
     /// The `__attribute__` qualifiers of the source, in the implementation's spelling. Empty if the program was not
     /// made from source. Since OpenCL 1.2.
-    std::vector<std::string> attributes() const;
+    [[nodiscard]] std::vector<std::string> attributes() const;
 
     /// The address space of an argument. Throws `common::invalid_arg_index` for an index too large, and may throw
     /// `common::kernel_arg_info_not_available` if the program was built without `-cl-kernel-arg-info`. Since
     /// OpenCL 1.2.
-    kernel_argument_address_qualifier argument_address_qualifier(unsigned int index) const;
+    [[nodiscard]] kernel_argument_address_qualifier argument_address_qualifier(unsigned int index) const;
 
     /// How the kernel accesses an image or pipe argument. Throws as `argument_address_qualifier`. Since OpenCL 1.2.
-    kernel_argument_access_qualifier argument_access_qualifier(unsigned int index) const;
+    [[nodiscard]] kernel_argument_access_qualifier argument_access_qualifier(unsigned int index) const;
 
     /// The type qualifiers of an argument. Throws as `argument_address_qualifier`. Since OpenCL 1.2.
-    kernel_argument_type_qualifier argument_type_qualifier(unsigned int index) const;
+    [[nodiscard]] kernel_argument_type_qualifier argument_type_qualifier(unsigned int index) const;
 
     /// The type of an argument as the source writes it, without qualifiers: "float*". Throws as
     /// `argument_address_qualifier`. Since OpenCL 1.2.
-    std::string argument_type_name(unsigned int index) const;
+    [[nodiscard]] std::string argument_type_name(unsigned int index) const;
 
     /// The name of an argument in the source. Throws as `argument_address_qualifier`. Since OpenCL 1.2.
-    std::string argument_name(unsigned int index) const;
+    [[nodiscard]] std::string argument_name(unsigned int index) const;
 
     /// The largest global size of a launch. For built-in kernels and custom devices only: throws
     /// `common::invalid_value` for others. Since OpenCL 1.2.
-    std::array<std::size_t, 3> max_global_work_size(device const& target) const;
+    [[nodiscard]] std::array<std::size_t, 3> max_global_work_size(device const& target) const;
 #endif
 
 #if VORN_MERO_OPENCL >= 200
@@ -150,38 +150,44 @@ public:
 #if VORN_MERO_OPENCL >= 210
     /// The work-items in the largest sub-group of a launch with this local size, in one dimension. Throws
     /// `common::invalid_operation` if the device has no sub-groups. Since OpenCL 2.1.
-    std::size_t get_max_sub_group_size_for_nd_range(device const& target, std::array<std::size_t, 1> const& size) const;
+    [[nodiscard]] std::size_t get_max_sub_group_size_for_nd_range(device const& target,
+                                                                  std::array<std::size_t, 1> const& size) const;
     /// The same in two dimensions. Since OpenCL 2.1.
-    std::size_t get_max_sub_group_size_for_nd_range(device const& target, std::array<std::size_t, 2> const& size) const;
+    [[nodiscard]] std::size_t get_max_sub_group_size_for_nd_range(device const& target,
+                                                                  std::array<std::size_t, 2> const& size) const;
     /// The same in three dimensions. Since OpenCL 2.1.
-    std::size_t get_max_sub_group_size_for_nd_range(device const& target, std::array<std::size_t, 3> const& size) const;
+    [[nodiscard]] std::size_t get_max_sub_group_size_for_nd_range(device const& target,
+                                                                  std::array<std::size_t, 3> const& size) const;
 
     /// The sub-groups in each work-group of a launch with this local size, in one dimension. Throws
     /// `common::invalid_operation` if the device has no sub-groups. Since OpenCL 2.1.
-    std::size_t get_sub_group_count_for_nd_range(device const& target, std::array<std::size_t, 1> const& size) const;
+    [[nodiscard]] std::size_t get_sub_group_count_for_nd_range(device const& target,
+                                                               std::array<std::size_t, 1> const& size) const;
     /// The same in two dimensions. Since OpenCL 2.1.
-    std::size_t get_sub_group_count_for_nd_range(device const& target, std::array<std::size_t, 2> const& size) const;
+    [[nodiscard]] std::size_t get_sub_group_count_for_nd_range(device const& target,
+                                                               std::array<std::size_t, 2> const& size) const;
     /// The same in three dimensions. Since OpenCL 2.1.
-    std::size_t get_sub_group_count_for_nd_range(device const& target, std::array<std::size_t, 3> const& size) const;
+    [[nodiscard]] std::size_t get_sub_group_count_for_nd_range(device const& target,
+                                                               std::array<std::size_t, 3> const& size) const;
 
     /// A one-dimensional local size that makes `count` sub-groups, 0 if there is none. Since OpenCL 2.1.
-    std::size_t get_local_size_for_sub_group_count(device const& target, unsigned long count) const;
+    [[nodiscard]] std::size_t get_local_size_for_sub_group_count(device const& target, unsigned long count) const;
 
     /// The most sub-groups in a work-group of this kernel. Since OpenCL 2.1.
-    std::size_t get_max_num_sub_groups(device const& target) const;
+    [[nodiscard]] std::size_t get_max_num_sub_groups(device const& target) const;
 
     /// The number of sub-groups that the source requires, 0 if it requires none. Since OpenCL 2.1.
-    std::size_t compile_num_sub_groups(device const& target) const;
+    [[nodiscard]] std::size_t compile_num_sub_groups(device const& target) const;
 #endif
 };
 
 namespace raw {
 
 /// The raw handle, null if the object was moved from.
-VORN_MERO_EXPORT _nq_cl_kernel* get_raw_kernel(kernel const& object) noexcept;
+[[nodiscard]] VORN_MERO_EXPORT _nq_cl_kernel* get_raw_kernel(kernel const& object) noexcept;
 
 /// The call handle of the object.
-VORN_MERO_EXPORT nq::call_handle const& get_call_handle(kernel const& object) noexcept;
+[[nodiscard]] VORN_MERO_EXPORT nq::call_handle const& get_call_handle(kernel const& object) noexcept;
 
 /// Adds a reference that the caller must release.
 VORN_MERO_EXPORT void retain(kernel const& object);
@@ -190,7 +196,7 @@ VORN_MERO_EXPORT void retain(kernel const& object);
 VORN_MERO_EXPORT void release(kernel const& object);
 
 /// OpenCL's reference count, which may be outdated at once.
-VORN_MERO_EXPORT std::uint32_t refcount(kernel const& object);
+[[nodiscard]] VORN_MERO_EXPORT std::uint32_t refcount(kernel const& object);
 
 } // namespace raw
 } // namespace vorn::mero::VORN_MERO_NAMESPACE

@@ -26,17 +26,17 @@ public:
     virtual ~memory_object();
 
     /// The flags that the object was made with; for a sub-buffer, including those inherited from its parent.
-    mem_flags flags() const;
+    [[nodiscard]] mem_flags flags() const;
 
     /// In bytes. An image may use more memory than its pixels.
-    std::size_t size() const;
+    [[nodiscard]] std::size_t size() const;
 
     /// The host memory given with `mem_flags::use_host_ptr`, for a sub-buffer the start of its region there; otherwise
     /// null. Implementations of OpenCL 1.0 may return any pointer that the object was made with.
-    void* host_ptr() const;
+    [[nodiscard]] void* host_ptr() const;
 
     /// The context of the object, on the same call handle.
-    context get_context() const;
+    [[nodiscard]] context get_context() const;
 };
 
 /// A buffer of bytes. Made by `context::create_buffer`. Commands read, write, copy, fill and map it at offsets in
@@ -58,7 +58,7 @@ public:
     std::size_t offset() const;
 
     /// The buffer that contains the region. Three calls.
-    buffer parent_buffer();
+    [[nodiscard]] buffer parent_buffer();
 };
 #endif
 
@@ -73,38 +73,38 @@ public:
     using memory_object::memory_object;
 
     /// The order and the type of the channels.
-    image_format get_image_format() const;
+    [[nodiscard]] image_format get_image_format() const;
 
     /// The size of one pixel, all its channels together, in bytes.
-    std::size_t element_size() const;
+    [[nodiscard]] std::size_t element_size() const;
 
     /// From one row to the next, in bytes.
-    std::size_t row_pitch() const;
+    [[nodiscard]] std::size_t row_pitch() const;
 
     /// From one slice, or one image of an array, to the next, in bytes. For other images it should be 0; rusticl
     /// returns the size of a two-dimensional image.
-    std::size_t slice_pitch() const;
+    [[nodiscard]] std::size_t slice_pitch() const;
 
     /// In pixels.
-    std::size_t width() const;
+    [[nodiscard]] std::size_t width() const;
 
     /// In pixels; 0 for a one-dimensional image.
-    std::size_t height() const;
+    [[nodiscard]] std::size_t height() const;
 
     /// In pixels; 0 unless the image has three dimensions.
-    std::size_t depth() const;
+    [[nodiscard]] std::size_t depth() const;
 
 #if VORN_MERO_OPENCL >= 120
     /// The number of images in an array, 0 if the image is no array. Since OpenCL 1.2.
-    std::size_t array_size() const;
+    [[nodiscard]] std::size_t array_size() const;
 
     /// 0 for images made by a `context`: it makes none with mip-maps. An image wrapped by `raw::create_image_2d` may
     /// have some. Since OpenCL 1.2.
-    std::uint32_t num_mip_levels() const;
+    [[nodiscard]] std::uint32_t num_mip_levels() const;
 
     /// 0 for images made by a `context`: it makes none with several samples. An image wrapped by `raw::create_image_2d`
     /// may have some. Since OpenCL 1.2.
-    std::uint32_t num_samples() const;
+    [[nodiscard]] std::uint32_t num_samples() const;
 #endif
 };
 
@@ -157,10 +157,10 @@ public:
     using memory_object::memory_object;
 
     /// The size of a packet in bytes.
-    std::uint32_t packet_size() const;
+    [[nodiscard]] std::uint32_t packet_size() const;
 
     /// The most packets that the pipe can hold.
-    std::uint32_t max_packets() const;
+    [[nodiscard]] std::uint32_t max_packets() const;
 };
 #endif
 
@@ -168,7 +168,7 @@ namespace internal {
 
 /// The image formats that a context supports for a kind of image and its flags, perhaps none. Two calls, or one if
 /// there is none.
-VORN_MERO_EXPORT std::vector<image_format>
+[[nodiscard]] VORN_MERO_EXPORT std::vector<image_format>
 get_image_formats(nq::call_handle const& call_handle, _nq_cl_context* context, mem_flags flags, mem_object_type type);
 
 } // namespace internal
@@ -176,10 +176,10 @@ get_image_formats(nq::call_handle const& call_handle, _nq_cl_context* context, m
 namespace raw {
 
 /// The raw handle, null if the object was moved from.
-VORN_MERO_EXPORT _nq_cl_mem* get_raw_memory_object(memory_object const& object) noexcept;
+[[nodiscard]] VORN_MERO_EXPORT _nq_cl_mem* get_raw_memory_object(memory_object const& object) noexcept;
 
 /// The call handle of the object.
-VORN_MERO_EXPORT nq::call_handle const& get_call_handle(memory_object const& object) noexcept;
+[[nodiscard]] VORN_MERO_EXPORT nq::call_handle const& get_call_handle(memory_object const& object) noexcept;
 
 /// Adds a reference that the caller must release.
 VORN_MERO_EXPORT void retain(memory_object const& object);
@@ -188,40 +188,43 @@ VORN_MERO_EXPORT void retain(memory_object const& object);
 VORN_MERO_EXPORT void release(memory_object const& object);
 
 /// OpenCL's reference count, which may be outdated at once.
-VORN_MERO_EXPORT std::uint32_t refcount(memory_object const& object);
+[[nodiscard]] VORN_MERO_EXPORT std::uint32_t refcount(memory_object const& object);
 
 /// Wraps a raw handle of a buffer and retains it: the caller keeps its own reference. The kind of the handle is not
 /// checked here; OpenCL may refuse a wrong one where it is used.
-VORN_MERO_EXPORT buffer create_buffer(nq::call_handle const& call_handle, _nq_cl_mem* handle);
+[[nodiscard]] VORN_MERO_EXPORT buffer create_buffer(nq::call_handle const& call_handle, _nq_cl_mem* handle);
 
 /// Wraps a raw handle of a two-dimensional image; otherwise as `create_buffer`.
-VORN_MERO_EXPORT image_2d create_image_2d(nq::call_handle const& call_handle, _nq_cl_mem* handle);
+[[nodiscard]] VORN_MERO_EXPORT image_2d create_image_2d(nq::call_handle const& call_handle, _nq_cl_mem* handle);
 
 /// Wraps a raw handle of a three-dimensional image; otherwise as `create_buffer`. Mind the spelling.
-VORN_MERO_EXPORT image_3d create_image3d(nq::call_handle const& call_handle, _nq_cl_mem* handle);
+[[nodiscard]] VORN_MERO_EXPORT image_3d create_image3d(nq::call_handle const& call_handle, _nq_cl_mem* handle);
 
 #if VORN_MERO_OPENCL >= 110
 /// Wraps a raw handle of a sub-buffer; otherwise as `create_buffer`. Since OpenCL 1.1.
-VORN_MERO_EXPORT sub_buffer create_sub_buffer(nq::call_handle const& call_handle, _nq_cl_mem* handle);
+[[nodiscard]] VORN_MERO_EXPORT sub_buffer create_sub_buffer(nq::call_handle const& call_handle, _nq_cl_mem* handle);
 #endif
 
 #if VORN_MERO_OPENCL >= 120
 /// Wraps a raw handle of a one-dimensional image; otherwise as `create_buffer`. Since OpenCL 1.2.
-VORN_MERO_EXPORT image_1d create_image_1d(nq::call_handle const& call_handle, _nq_cl_mem* handle);
+[[nodiscard]] VORN_MERO_EXPORT image_1d create_image_1d(nq::call_handle const& call_handle, _nq_cl_mem* handle);
 
 /// Wraps a raw handle of a one-dimensional image over a buffer; otherwise as `create_buffer`. Since OpenCL 1.2.
-VORN_MERO_EXPORT image_1d_buffer create_image_1d_buffer(nq::call_handle const& call_handle, _nq_cl_mem* handle);
+[[nodiscard]] VORN_MERO_EXPORT image_1d_buffer create_image_1d_buffer(nq::call_handle const& call_handle,
+                                                                      _nq_cl_mem* handle);
 
 /// Wraps a raw handle of an array of one-dimensional images; otherwise as `create_buffer`. Since OpenCL 1.2.
-VORN_MERO_EXPORT image_1d_array create_image_1d_array(nq::call_handle const& call_handle, _nq_cl_mem* handle);
+[[nodiscard]] VORN_MERO_EXPORT image_1d_array create_image_1d_array(nq::call_handle const& call_handle,
+                                                                    _nq_cl_mem* handle);
 
 /// Wraps a raw handle of an array of two-dimensional images; otherwise as `create_buffer`. Since OpenCL 1.2.
-VORN_MERO_EXPORT image_2d_array create_image_2d_array(nq::call_handle const& call_handle, _nq_cl_mem* handle);
+[[nodiscard]] VORN_MERO_EXPORT image_2d_array create_image_2d_array(nq::call_handle const& call_handle,
+                                                                    _nq_cl_mem* handle);
 #endif
 
 #if VORN_MERO_OPENCL >= 200
 /// Wraps a raw handle of a pipe; otherwise as `create_buffer`. Since OpenCL 2.0.
-VORN_MERO_EXPORT pipe create_pipe(nq::call_handle const& call_handle, _nq_cl_mem* handle);
+[[nodiscard]] VORN_MERO_EXPORT pipe create_pipe(nq::call_handle const& call_handle, _nq_cl_mem* handle);
 #endif
 
 } // namespace raw

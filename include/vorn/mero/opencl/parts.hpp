@@ -2,6 +2,7 @@
 // include it. forward.hpp and types.hpp must come first, and bases before derived classes.
 
 #include <vorn/mero/opencl/forward.hpp>
+#include <vorn/mero/opencl/hash.hpp>
 #include <vorn/mero/opencl/types.hpp>
 
 #include <vorn/mero/opencl/command.hpp>

@@ -45,69 +45,69 @@ public:
 
     /// The state of the last build for a device. Like all queries that take a device, throws `common::invalid_device`
     /// for one that the program was not made for.
-    program_build_status build_status(device const& target) const;
+    [[nodiscard]] program_build_status build_status(device const& target) const;
 
     /// The options of the last build for a device.
-    std::string build_options(device const& target) const;
+    [[nodiscard]] std::string build_options(device const& target) const;
 
     /// The compiler's errors and warnings in the last build for a device, perhaps empty. A successful build may have
     /// warnings.
-    std::string build_log(device const& target) const;
+    [[nodiscard]] std::string build_log(device const& target) const;
 
     /// The context of the program, on the same call handle.
-    context get_context() const;
+    [[nodiscard]] context get_context() const;
 
     /// The devices that the program was made for, in OpenCL's order. Two calls, and since OpenCL 1.2 one to retain
     /// each.
-    std::vector<device> get_devices() const;
+    [[nodiscard]] std::vector<device> get_devices() const;
 
     /// The source. For a program that was not made from source it is empty or meaningless.
-    std::string source_code() const;
+    [[nodiscard]] std::string source_code() const;
 
     /// One binary for each device of the program, in the order of `get_devices`; empty for a device without a binary,
     /// such as before the build (PoCL throws `common::invalid_program` then). Makes five calls and those that retain
     /// the devices, and copies every binary. Throws `common::bad_implementation` when the number of binaries is not
     /// that of the devices.
-    std::vector<device_binary> binaries() const;
+    [[nodiscard]] std::vector<device_binary> binaries() const;
 
     /// A new kernel of the function of this name, without arguments set. One call. Throws `common::invalid_kernel_name`
     /// if the program has no such function, `common::invalid_program_executable` if it was not built for any device,
     /// `common::invalid_kernel_definition` if the function differs between devices.
-    kernel create_kernel(std::string const& name);
+    [[nodiscard]] kernel create_kernel(std::string const& name);
 
     /// One new kernel of each function of the program, in OpenCL's order. Two calls, or one if there is none. Throws
     /// `common::invalid_program_executable` if the program was not built for any device.
-    std::vector<kernel> create_all_kernels();
+    [[nodiscard]] std::vector<kernel> create_all_kernels();
 
 #if VORN_MERO_OPENCL >= 120
     /// What the program contains for a device. Since OpenCL 1.2.
-    program_binary_type binary_type(device const& target) const;
+    [[nodiscard]] program_binary_type binary_type(device const& target) const;
 
     /// The number of kernel functions. Throws `common::invalid_program_executable` if the program was not built. Since
     /// OpenCL 1.2.
-    unsigned long num_kernels() const;
+    [[nodiscard]] unsigned long num_kernels() const;
 
     /// The names for `create_kernel`. Throws `common::invalid_program_executable` if the program was not built. Since
     /// OpenCL 1.2.
-    std::vector<std::string> kernel_names() const;
+    [[nodiscard]] std::vector<std::string> kernel_names() const;
 #endif
 
 #if VORN_MERO_OPENCL >= 200
     /// The size in bytes of all variables in the program's scope, on a device. Since OpenCL 2.0.
-    unsigned long build_global_variable_total_size(device const& target) const;
+    [[nodiscard]] unsigned long build_global_variable_total_size(device const& target) const;
 #endif
 
 #if VORN_MERO_OPENCL >= 210
     /// The intermediate language that the program was made from, empty for any other program. Since OpenCL 2.1.
-    std::vector<unsigned char> il() const;
+    [[nodiscard]] std::vector<unsigned char> il() const;
 #endif
 
 #if VORN_MERO_OPENCL >= 220
     /// Whether global variables of the program have constructors. Since OpenCL 2.2.
-    bool global_constructors_present() const;
+    [[nodiscard]] bool global_constructors_present() const;
 
     /// Whether global variables of the program have destructors. Since OpenCL 2.2.
-    bool global_destructors_present() const;
+    [[nodiscard]] bool global_destructors_present() const;
 
     /// Sets a specialization constant for the next build: OpenCL copies the `size` bytes at `value`. Constants that are
     /// not set keep the module's value. A build with the same options as the last may keep the old value.
@@ -131,10 +131,10 @@ public:
 namespace raw {
 
 /// The raw handle, null if the object was moved from.
-VORN_MERO_EXPORT _nq_cl_program* get_raw_program(program const& object) noexcept;
+[[nodiscard]] VORN_MERO_EXPORT _nq_cl_program* get_raw_program(program const& object) noexcept;
 
 /// The call handle of the object.
-VORN_MERO_EXPORT nq::call_handle const& get_call_handle(program const& object) noexcept;
+[[nodiscard]] VORN_MERO_EXPORT nq::call_handle const& get_call_handle(program const& object) noexcept;
 
 /// Adds a reference that the caller must release.
 VORN_MERO_EXPORT void retain(program const& object);
@@ -143,10 +143,10 @@ VORN_MERO_EXPORT void retain(program const& object);
 VORN_MERO_EXPORT void release(program const& object);
 
 /// OpenCL's reference count, which may be outdated at once.
-VORN_MERO_EXPORT std::uint32_t refcount(program const& object);
+[[nodiscard]] VORN_MERO_EXPORT std::uint32_t refcount(program const& object);
 
 /// Wraps a raw handle and retains it: the caller keeps its own reference.
-VORN_MERO_EXPORT program create_program(nq::call_handle const& call_handle, _nq_cl_program* handle);
+[[nodiscard]] VORN_MERO_EXPORT program create_program(nq::call_handle const& call_handle, _nq_cl_program* handle);
 
 } // namespace raw
 } // namespace vorn::mero::VORN_MERO_NAMESPACE

@@ -20,25 +20,25 @@ public:
     using handle::handle;
 
     /// Whether coordinates run from 0 to 1. If not, they are in pixels.
-    bool normalized_coords() const;
+    [[nodiscard]] bool normalized_coords() const;
 
     /// What the sampler reads outside the image.
-    sampler_addressing_mode addressing_mode() const;
+    [[nodiscard]] sampler_addressing_mode addressing_mode() const;
 
     /// What the sampler reads between pixels.
-    sampler_filter_mode filter_mode() const;
+    [[nodiscard]] sampler_filter_mode filter_mode() const;
 
     /// The context of the sampler, on the same call handle.
-    context get_context() const;
+    [[nodiscard]] context get_context() const;
 };
 
 namespace raw {
 
 /// The raw handle, null if the object was moved from.
-VORN_MERO_EXPORT _nq_cl_sampler* get_raw_sampler(sampler const& object) noexcept;
+[[nodiscard]] VORN_MERO_EXPORT _nq_cl_sampler* get_raw_sampler(sampler const& object) noexcept;
 
 /// The call handle of the object.
-VORN_MERO_EXPORT nq::call_handle const& get_call_handle(sampler const& object) noexcept;
+[[nodiscard]] VORN_MERO_EXPORT nq::call_handle const& get_call_handle(sampler const& object) noexcept;
 
 /// Adds a reference that the caller must release.
 VORN_MERO_EXPORT void retain(sampler const& object);
@@ -47,10 +47,10 @@ VORN_MERO_EXPORT void retain(sampler const& object);
 VORN_MERO_EXPORT void release(sampler const& object);
 
 /// OpenCL's reference count, which may be outdated at once.
-VORN_MERO_EXPORT std::uint32_t refcount(sampler const& object);
+[[nodiscard]] VORN_MERO_EXPORT std::uint32_t refcount(sampler const& object);
 
 /// Wraps a raw handle and retains it: the caller keeps its own reference.
-VORN_MERO_EXPORT sampler create_sampler(nq::call_handle const& call_handle, _nq_cl_sampler* handle);
+[[nodiscard]] VORN_MERO_EXPORT sampler create_sampler(nq::call_handle const& call_handle, _nq_cl_sampler* handle);
 
 } // namespace raw
 } // namespace vorn::mero::VORN_MERO_NAMESPACE

@@ -238,7 +238,7 @@ public:
     explicit constexpr local_memory(std::size_t size) noexcept : size_(size) {}
 
     /// In bytes.
-    constexpr std::size_t size() const noexcept { return size_; }
+    [[nodiscard]] constexpr std::size_t size() const noexcept { return size_; }
 
 private:
     std::size_t size_;
