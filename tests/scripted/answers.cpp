@@ -2,8 +2,7 @@
 
 #include <algorithm>
 
-// How every entry point is recorded and answered, made from the command lists
-// of the wire.
+// How every entry point is recorded and answered, made from the command lists of the wire.
 
 namespace scripted {
 namespace {
@@ -21,12 +20,15 @@ constexpr bool is_raw_handle = std::is_pointer_v<T> && !std::is_void_v<std::remo
 
 /// A block while it is answered.
 template <class Block>
-class answerer {
-public:
-    answerer(libnq& self, Block& block, call& record) : self_(self), block_(block), record_(record) {}
+struct answerer {
+    libnq& self;
+    Block& block;
+    call& record;
+
+    static constexpr std::string_view name = name_of<Block>();
 
     int run() {
-        if (auto const failure = self_.take_failure(name_of<Block>())) {
+        if (auto const failure = self.take_failure(name)) {
             spoil();
             if (failure->result == 0) {
                 set_status(failure->status);
@@ -34,54 +36,54 @@ public:
             return failure->result;
         }
         set_status(0);
-        if constexpr (requires { block_.result; }) {
-            block_.result = nullptr;
+        if constexpr (requires { block.result; }) {
+            block.result = nullptr;
         }
-        auto const scripted = self_.answers.find(name_of<Block>());
-        if (scripted == self_.answers.end() || !scripted->second(&block_)) {
+        auto const scripted = self.answers.find(name);
+        if (scripted == self.answers.end() || !scripted->second(&block)) {
             act();
         }
         return nq::result::success;
     }
 
-private:
-    static constexpr bool begins_with(std::string_view prefix) { return name_of<Block>().starts_with(prefix); }
-
-    void* object() const {
-        void* object;
-        std::memcpy(&object, &block_, sizeof object);
-        return object;
-    }
-
     void set_status(std::int32_t status) {
-        if constexpr (requires { block_.status; }) {
-            block_.status = status;
-        } else if constexpr (requires { block_.error_code; }) {
-            block_.error_code = status;
+        if constexpr (requires { block.status; }) {
+            block.status = status;
+        } else if constexpr (requires { block.error_code; }) {
+            block.error_code = status;
         }
     }
 
     void spoil() {
         set_status(static_cast<std::int32_t>(rubbish >> 32));
-        if constexpr (requires { block_.result; }) {
-            block_.result = reinterpret_cast<decltype(block_.result)>(rubbish);
+        if constexpr (requires { block.result; }) {
+            block.result = reinterpret_cast<decltype(block.result)>(rubbish);
         }
-        if constexpr (requires { *block_.event = nullptr; }) {
-            if (block_.event != nullptr) {
-                *block_.event = reinterpret_cast<_nq_cl_event*>(rubbish);
+        if constexpr (requires { *block.event = nullptr; }) {
+            if (block.event != nullptr) {
+                *block.event = reinterpret_cast<_nq_cl_event*>(rubbish);
             }
         }
     }
 
+    void refuse(std::string const& why) {
+        set_status(invalid_value);
+        self.faults.push_back(std::string(name) + why);
+    }
+
     void act() {
-        if constexpr (std::same_as<Block, block::call_handle_device>) {
-            // answered where the call handle is known
-        } else if constexpr (begins_with("clRetain")) {
-            count(1);
-        } else if constexpr (begins_with("clRelease")) {
-            count(-1);
-        } else if constexpr (requires { block_.param_value_size_ret; }) {
-            info();
+        if constexpr (name.starts_with("clRetain") || name.starts_with("clRelease")) {
+            count(name.starts_with("clRetain") ? 1 : -1);
+        } else if constexpr (requires { block.param_value_size_ret; }) {
+            auto const scripted = self.replies.find({name, block.param_name});
+            if (scripted != self.replies.end()) {
+                write(scripted->second, block.param_value, block.param_value_size, block.param_value_size_ret, 1);
+            } else {
+                refuse(" of a name that nobody scripted: " + std::to_string(block.param_name));
+            }
+        } else if constexpr (std::same_as<Block, block::clGetSupportedImageFormats>) {
+            write(self.replies[{name, block.image_type}], block.image_formats, block.num_entries,
+                  block.num_image_formats, 8);
         } else {
             results();
             listing();
@@ -89,114 +91,78 @@ private:
     }
 
     void count(int change) {
-        auto const known = self_.held.find(object());
-        bool const held = known != self_.held.end() && known->second + change >= 0;
-        if (held) {
+        void* object;
+        std::memcpy(&object, &block, sizeof object);
+        auto const known = self.references.find(object);
+        if (known != self.references.end() && known->second + change >= 0) {
             known->second += change;
-            return;
-        }
-        set_status(invalid_value);
-        if (object() != nullptr) {
-            self_.faults.push_back(std::string(name_of<Block>()) + " of a handle that nobody holds");
-        }
-    }
-
-    void info() {
-        auto const scripted = self_.replies.find({name_of<Block>(), block_.param_name});
-        if (scripted != self_.replies.end()) {
-            write(scripted->second);
+        } else if (object != nullptr) {
+            refuse(" of a handle that nobody holds");
         } else {
             set_status(invalid_value);
-            self_.faults.push_back(std::string(name_of<Block>()) +
-                                   " of a name that nobody scripted: " + std::to_string(block_.param_name));
         }
     }
 
-    void write(std::string const& bytes) {
-        if (block_.param_value != nullptr) {
-            std::memcpy(block_.param_value, bytes.data(), std::min(block_.param_value_size, bytes.size()));
+    void write(std::string const& bytes, void* place, std::size_t capacity, auto* count, std::size_t element_size) {
+        if (place != nullptr) {
+            std::memcpy(place, bytes.data(), std::min(capacity * element_size, bytes.size()));
         }
-        if (block_.param_value_size_ret != nullptr) {
-            *block_.param_value_size_ret = bytes.size();
+        if (count != nullptr) {
+            *count = static_cast<std::remove_pointer_t<decltype(count)>>(bytes.size() / element_size);
         }
     }
 
     void results() {
-        if constexpr (requires { block_.result; }) {
-            if constexpr (is_raw_handle<decltype(block_.result)>) {
-                make(block_.result);
-            } else if constexpr (!begins_with("clGetExtensionFunctionAddress")) {
-                record_.made = block_.result = host_memory.data();
+        if constexpr (std::same_as<Block, block::call_handle_device>) {
+            make(block.result, 0);
+        } else if constexpr (requires { block.result; } && !name.starts_with("clGetExtensionFunctionAddress")) {
+            if constexpr (is_raw_handle<decltype(block.result)>) {
+                make(block.result, 1);
+            } else {
+                record.made = block.result = host_memory.data();
             }
         }
-        if constexpr (requires { make(*block_.event); }) {
-            if (block_.event != nullptr) {
-                make(*block_.event);
+        if constexpr (requires { make(*block.event, 1); }) {
+            if (block.event != nullptr) {
+                make(*block.event, 1);
             }
         }
-    }
-
-    template <class Raw>
-    void make(Raw*& handle) {
-        record_.made = handle = self_.make<Raw>(1);
     }
 
     void listing() {
         if constexpr (std::same_as<Block, block::clCreateSubDevices>) {
-            list(block_.out_devices, block_.num_devices, block_.num_devices_ret, 1);
+            list(block.out_devices, block.num_devices, block.num_devices_ret, 1);
         } else if constexpr (std::same_as<Block, block::clCreateKernelsInProgram>) {
-            list(block_.kernels, block_.num_kernels, block_.num_kernels_ret, 1);
+            list(block.kernels, block.num_kernels, block.num_kernels_ret, 1);
         } else if constexpr (std::same_as<Block, block::clGetDeviceIDs>) {
-            list(block_.devices, block_.num_entries, block_.num_devices, 0);
-        } else if constexpr (std::same_as<Block, block::clGetSupportedImageFormats>) {
-            auto const scripted = self_.replies.find({name_of<Block>(), block_.image_type});
-            image_formats(scripted != self_.replies.end() ? scripted->second : std::string());
+            list(block.devices, block.num_entries, block.num_devices, 0);
         }
     }
 
     template <class Raw>
     void list(Raw** handles, std::uint32_t capacity, std::uint32_t* count, int references) {
-        auto const counted = self_.counts.find(name_of<Block>());
-        std::uint32_t const all = counted != self_.counts.end() ? counted->second : 2;
-        for (std::uint32_t i = 0; handles != nullptr && i != std::min(all, capacity); ++i) {
-            record_.made = handles[i] = self_.make<Raw>(references);
+        for (std::uint32_t i = 0; handles != nullptr && i != std::min(self.listed, capacity); ++i) {
+            make(handles[i], references);
         }
         if (count != nullptr) {
-            *count = all;
+            *count = self.listed;
         }
     }
 
-    void image_formats(std::string const& bytes) {
-        constexpr std::size_t format_size = 8;
-        if (block_.image_formats != nullptr) {
-            std::memcpy(block_.image_formats, bytes.data(), std::min(bytes.size(), block_.num_entries * format_size));
-        }
-        if (block_.num_image_formats != nullptr) {
-            *block_.num_image_formats = static_cast<std::uint32_t>(bytes.size() / format_size);
-        }
+    template <class Raw>
+    void make(Raw*& handle, int references) {
+        record.made = handle = self.make<Raw>(references);
     }
-
-    libnq& self_;
-    Block& block_;
-    call& record_;
 };
 
-using performer = int (*)(libnq&, nq::capability_node, void*, call&);
+using performer = int (*)(libnq&, void*, call&);
 
 template <class Block>
-int perform_as(libnq& self, nq::capability_node node, void* memory, call& record) {
+int perform_as(libnq& self, void* memory, call& record) {
     auto& block = *static_cast<Block*>(memory);
     record.name = name_of<Block>();
     record.inputs = inputs_of(block);
-    int const result = answerer<Block>(self, block, record).run();
-    if constexpr (std::same_as<Block, block::call_handle_device>) {
-        if (result == nq::result::success) {
-            auto& device = self.devices[node.first];
-            device = device != nullptr ? device : self.make<_nq_cl_device_id>();
-            block.result = static_cast<_nq_cl_device_id*>(device);
-        }
-    }
-    return result;
+    return answerer<Block>{self, block, record}.run();
 }
 
 template <class... Blocks>
@@ -205,22 +171,23 @@ performer find(nq::command_list<Blocks...>, std::uint32_t id) {
     return id != 0 && id <= performers.size() ? performers[id - 1] : nullptr;
 }
 
+using enum nq::capability;
+constexpr performer (*finders[])(std::uint32_t) = {
+    [](std::uint32_t id) { return find(nq::commands<opencl_1_0>(), id); },
+    [](std::uint32_t id) { return find(nq::commands<opencl_1_1>(), id); },
+    [](std::uint32_t id) { return find(nq::commands<opencl_1_2>(), id); },
+    [](std::uint32_t id) { return find(nq::commands<opencl_2_0>(), id); },
+    [](std::uint32_t id) { return find(nq::commands<opencl_2_1>(), id); },
+    [](std::uint32_t id) { return find(nq::commands<opencl_2_2>(), id); }};
+
 } // namespace
 
-int answer(libnq& self, nq::capability_node node, void* block, call& record) {
-    using finder = performer (*)(std::uint32_t);
-    using enum nq::capability;
-    static constexpr finder finders[] = {[](std::uint32_t id) { return find(nq::commands<opencl_1_0>(), id); },
-                                         [](std::uint32_t id) { return find(nq::commands<opencl_1_1>(), id); },
-                                         [](std::uint32_t id) { return find(nq::commands<opencl_1_2>(), id); },
-                                         [](std::uint32_t id) { return find(nq::commands<opencl_2_0>(), id); },
-                                         [](std::uint32_t id) { return find(nq::commands<opencl_2_1>(), id); },
-                                         [](std::uint32_t id) { return find(nq::commands<opencl_2_2>(), id); }};
+int libnq::answer(nq::capability_node node, void* block, call& record) {
     if (node.second == 0 || node.second > std::size(finders)) {
         return nq::result::unrecoverable;
     }
-    performer const perform = finders[node.second - 1](record.id);
-    return perform != nullptr ? perform(self, node, block, record) : nq::result::invalid_command_id;
+    performer const performed = finders[node.second - 1](record.id);
+    return performed != nullptr ? performed(*this, block, record) : nq::result::invalid_command_id;
 }
 
 } // namespace scripted

@@ -58,82 +58,68 @@ std::vector<field> layout_of(Probes... probes) {
     }
 }
 
-/// Collects what the fields of a block stand for where that is not the value
-/// itself.
+/// Reads the fields of a block, and what they stand for where that is not the value itself.
 template <class Block>
-class reader {
-public:
-    explicit reader(Block const& block) : block_(block) {
+struct reader {
+    Block const& block;
+    std::map<void const*, std::string> meanings{};
+
+    std::vector<std::string> all() {
+        static std::vector<field> const fields = layout_of<Block>();
         results();
         arrays();
         texts();
-    }
-
-    std::vector<std::string> all() const {
-        static std::vector<field> const fields = layout_of<Block>();
         std::vector<std::string> inputs;
         for (field const& field : fields) {
-            char const* const place = reinterpret_cast<char const*>(&block_) + field.offset;
+            char const* const place = reinterpret_cast<char const*>(&block) + field.offset;
             std::string const value(place, field.size);
-            auto const meaning = meanings_.find(place);
-            inputs.push_back(meaning != meanings_.end() ? meaning->second : field.is_place ? is_there(value) : value);
+            auto const meaning = meanings.find(place);
+            inputs.push_back(meaning != meanings.end() ? meaning->second : field.is_place ? is_there(value) : value);
         }
         return inputs;
     }
 
-private:
     static std::string is_there(std::string const& pointer) {
         return pointer == std::string(sizeof(void*), '\0') ? "null" : "a place";
     }
 
-    void means(void const* place, std::string meaning) { meanings_[place] = std::move(meaning); }
-
-    /// Null pointers stand for themselves.
-    template <class T>
-    requires std::is_pointer_v<T>
-    void array(T const& field, std::size_t size) {
-        if (field != nullptr) {
-            auto const* const bytes = static_cast<char const*>(static_cast<void const*>(field));
-            means(&field, "array " + std::string(bytes, size));
-        }
+    static std::string array(void const* begin, std::size_t size) {
+        return "array " + std::string(static_cast<char const*>(begin), size);
     }
 
-    template <class Word>
-    void words_to_zero(Word const* const& list) {
-        constexpr Word partition_by_counts = 0x1087; // else the list is one of pairs
+    static std::string words_to_zero(auto const* list) {
+        constexpr std::remove_cvref_t<decltype(*list)> partition_by_counts = 0x1087; // else the list is one of pairs
         std::size_t n = 0;
-        while (list != nullptr && list[n] != 0) {
+        while (list[n] != 0) {
             n += list[0] == partition_by_counts ? 1 : 2;
         }
-        array(list, (n + 1) * sizeof(Word));
+        return array(list, (n + 1) * sizeof *list);
     }
 
-// Applied to blocks that have such a field only.
-#define SCRIPTED_ARRAY(field, size)                                                                                    \
-    if constexpr (requires { array(block_.field, size); }) {                                                           \
-        array(block_.field, size);                                                                                     \
+// Both are passed over in blocks that have no such field; null pointers stand for themselves.
+#define SCRIPTED_VALUE(field, meaning)                                                                                 \
+    if constexpr (requires { block.field; }) {                                                                         \
+        meanings[&block.field] = meaning;                                                                              \
     }
-#define SCRIPTED_LIST(field, count) SCRIPTED_ARRAY(field, block_.count * sizeof *block_.field)
+#define SCRIPTED_POINTER(field, meaning)                                                                               \
+    if constexpr (requires { block.field == nullptr, meaning; }) {                                                     \
+        if (block.field != nullptr) {                                                                                  \
+            meanings[&block.field] = meaning;                                                                          \
+        }                                                                                                              \
+    }
+#define SCRIPTED_LIST(field, count) SCRIPTED_POINTER(field, array(block.field, block.count * sizeof *block.field))
+#define SCRIPTED_ARRAY(field, size) SCRIPTED_POINTER(field, array(block.field, size))
+#define SCRIPTED_TEXT(field) SCRIPTED_POINTER(field, "text " + std::string(block.field))
 
     void results() {
-        if constexpr (requires { block_.result; }) {
-            means(&block_.result, "");
-        }
-        if constexpr (requires { block_.status; }) {
-            means(&block_.status, "");
-        }
-        if constexpr (requires { block_.error_code; }) {
-            means(&block_.error_code, "");
-        }
-        if constexpr (requires { block_.param_value_size_ret; }) {
-            means(&block_.param_value, is_there(bytes_of(block_.param_value)));
-        }
-        if constexpr (requires { block_.image_formats; }) {
-            means(&block_.image_formats, is_there(bytes_of(block_.image_formats)));
-        }
-        if constexpr (requires { block_.image_slice_pitch, block_.map_flags; }) { // the caller's own
-            means(&block_.image_row_pitch, bytes_of(block_.image_row_pitch));
-            means(&block_.image_slice_pitch, bytes_of(block_.image_slice_pitch));
+        SCRIPTED_VALUE(result, "")
+        SCRIPTED_VALUE(status, "")
+        SCRIPTED_VALUE(error_code, "")
+        SCRIPTED_VALUE(param_value, is_there(bytes_of(block.param_value)))
+        SCRIPTED_VALUE(image_formats, is_there(bytes_of(block.image_formats)))
+        if constexpr (requires { block.map_flags; }) { // the caller's own
+            SCRIPTED_VALUE(image_row_pitch, bytes_of(block.image_row_pitch))
+            SCRIPTED_VALUE(image_slice_pitch, bytes_of(block.image_slice_pitch))
         }
     }
 
@@ -149,11 +135,11 @@ private:
         SCRIPTED_LIST(global_work_offset, work_dim)
         SCRIPTED_LIST(global_work_size, work_dim)
         SCRIPTED_LIST(local_work_size, work_dim)
-        SCRIPTED_ARRAY(arg_value, block_.arg_size)
-        SCRIPTED_ARRAY(il, block_.length)
-        SCRIPTED_ARRAY(input_value, block_.input_value_size)
-        SCRIPTED_ARRAY(spec_value, block_.spec_size)
-        SCRIPTED_ARRAY(pattern, block_.pattern_size)
+        SCRIPTED_ARRAY(arg_value, block.arg_size)
+        SCRIPTED_ARRAY(il, block.length)
+        SCRIPTED_ARRAY(input_value, block.input_value_size)
+        SCRIPTED_ARRAY(spec_value, block.spec_size)
+        SCRIPTED_ARRAY(pattern, block.pattern_size)
         SCRIPTED_ARRAY(buffer_origin, three_sizes)
         SCRIPTED_ARRAY(host_origin, three_sizes)
         SCRIPTED_ARRAY(src_origin, three_sizes)
@@ -163,53 +149,46 @@ private:
         SCRIPTED_ARRAY(fill_color, 16)
         SCRIPTED_ARRAY(image_format, 8)
         SCRIPTED_ARRAY(buffer_create_info, sizeof(nq::buffer_region))
-        if constexpr (requires { block_.image_desc; }) {
-            auto const inputs =
-                reader<nq::image_desc>(*block_.image_desc).all(); // without what lies between its fields
-            means(&block_.image_desc, std::accumulate(inputs.begin(), inputs.end(), std::string("image ")));
-        }
-        if constexpr (requires { words_to_zero(block_.properties); }) {
-            words_to_zero(block_.properties);
-        }
-        if constexpr (requires { words_to_zero(block_.sampler_properties); }) {
-            words_to_zero(block_.sampler_properties);
-        }
+        SCRIPTED_POINTER(image_desc, fields_of(*block.image_desc))
+        SCRIPTED_POINTER(properties, words_to_zero(block.properties))
+        SCRIPTED_POINTER(sampler_properties, words_to_zero(block.sampler_properties))
         if constexpr (std::is_same_v<Block, nq::block::clSetKernelExecInfo>) {
-            array(block_.param_value, block_.param_value_size);
+            SCRIPTED_ARRAY(param_value, block.param_value_size)
         }
     }
 
     void texts() {
-        SCRIPTED_ARRAY(options, std::strlen(block_.options) + 1)
-        SCRIPTED_ARRAY(kernel_name, std::strlen(block_.kernel_name) + 1)
-        SCRIPTED_ARRAY(kernel_names, std::strlen(block_.kernel_names) + 1)
-        SCRIPTED_ARRAY(func_name, std::strlen(block_.func_name) + 1)
-        if constexpr (requires { block_.strings; }) {
-            char const* const text = block_.strings[0];
-            means(&block_.strings, text != nullptr ? "text " + std::string(text) : "no text");
-        }
-        if constexpr (requires { block_.binaries; }) {
-            std::string binaries = "binaries";
-            for (std::uint32_t i = 0; i != block_.num_devices; ++i) {
-                binaries += ' ' + std::string(reinterpret_cast<char const*>(block_.binaries[i]), block_.lengths[i]);
+        SCRIPTED_TEXT(options)
+        SCRIPTED_TEXT(kernel_name)
+        SCRIPTED_TEXT(kernel_names)
+        SCRIPTED_TEXT(func_name)
+        SCRIPTED_POINTER(strings, block.strings[0] != nullptr ? "text " + std::string(block.strings[0]) : "no text")
+        if constexpr (requires { block.binaries; }) {
+            std::string& binaries = meanings[&block.binaries];
+            for (std::uint32_t i = 0; i != block.num_devices; ++i) {
+                binaries += array(block.binaries[i], block.lengths[i]);
             }
-            means(&block_.binaries, binaries);
         }
     }
 
-#undef SCRIPTED_ARRAY
-#undef SCRIPTED_LIST
+    // Without what lies between the fields.
+    static std::string fields_of(nq::image_desc const& descriptor) {
+        auto const inputs = reader<nq::image_desc>{descriptor}.all();
+        return std::accumulate(inputs.begin(), inputs.end(), std::string());
+    }
 
-    Block const& block_;
-    std::map<void const*, std::string> meanings_;
+#undef SCRIPTED_VALUE
+#undef SCRIPTED_POINTER
+#undef SCRIPTED_LIST
+#undef SCRIPTED_ARRAY
+#undef SCRIPTED_TEXT
 };
 
-/// A block's fields in order, without results. A pointer to what OpenCL reads
-/// stands for what it leads to, one to where OpenCL writes for being there;
-/// wait lists and the caller's memory are compared by their addresses.
+/// A block's fields in order, without results. A pointer to what OpenCL reads stands for what it leads to, one to where
+/// OpenCL writes for being there; wait lists and the caller's memory are compared by their addresses.
 template <class Block>
 std::vector<std::string> inputs_of(Block const& block) {
-    return reader<Block>(block).all();
+    return reader<Block>{block}.all();
 }
 
 } // namespace scripted

@@ -7,32 +7,32 @@ namespace {
 using scripted::libnq;
 
 constexpr nq::device root = 0xD0;
-bool is_answering = false;
 
 /// Marks libnq as being at work.
 struct entered {
-    entered() { is_answering = true; }
+    entered() { libnq::is_answering = true; }
     entered(entered const&) = delete;
     entered& operator=(entered const&) = delete;
-    ~entered() { is_answering = false; }
+    ~entered() { libnq::is_answering = false; }
+
+    /// Notes a call, whose last argument must be null.
+    void note(std::string call, void const* reserved) {
+        if (reserved != nullptr) {
+            self.faults.push_back(call + " with a last argument other than null");
+        }
+        self.discovery_calls.push_back(std::move(call));
+    }
 
     libnq& self = libnq::instance();
 };
-
-void remember(libnq& self, std::string call, void const* reserved) {
-    if (reserved != nullptr) {
-        self.faults.push_back(call + " with a last argument other than null");
-    }
-    self.discovered.push_back(std::move(call));
-}
 
 std::string listed(std::uint64_t capacity, bool has_array) {
     return ' ' + std::to_string(capacity) + (has_array ? " array" : "");
 }
 
 template <class Element>
-int answer(scripted::listing<std::type_identity_t<Element>> const& listing, std::uint64_t capacity, Element* array,
-           std::uint64_t* count) {
+int list(scripted::listing<std::type_identity_t<Element>> const& listing, std::uint64_t capacity, Element* array,
+         std::uint64_t* count) {
     std::size_t const phase = array == nullptr ? 0 : 1;
     std::copy_n(listing.elements.begin(), array == nullptr ? 0 : std::min(capacity, listing.elements.size()), array);
     *count = listing.counts[phase].value_or(listing.elements.size());
@@ -43,6 +43,8 @@ int answer(scripted::listing<std::type_identity_t<Element>> const& listing, std:
 
 namespace scripted {
 
+bool libnq::is_answering = false;
+
 libnq& libnq::instance() {
     static libnq* const immortal = [] { // objects that outlive everything else still call it
         auto* const made = new libnq;
@@ -52,11 +54,9 @@ libnq& libnq::instance() {
     return *immortal;
 }
 
-bool libnq::answering() noexcept { return is_answering; }
-
 void libnq::reset() {
     libnq fresh;
-    fresh.handles_ = std::move(handles_);
+    fresh.handles = std::move(handles);
     fresh.roots = {{root}};
     for (std::uint64_t offered = 1; offered <= 6; ++offered) {
         fresh.nodes[{root, nq::capability{offered}}] = {{{root, offered}}};
@@ -69,23 +69,15 @@ nq::call_handle libnq::open(nq::capability offered) {
 }
 
 nq_call_handle* libnq::open_node(nq::capability_node node) {
-    handles_.push_back(std::make_unique<nq_call_handle>(nq_call_handle{node}));
-    open_ones.insert(handles_.back().get());
-    return handles_.back().get();
+    handles.push_back(std::make_unique<nq_call_handle>(nq_call_handle{node}));
+    return *open_handles.insert(handles.back().get()).first;
 }
 
-void* libnq::make_raw(int references) {
-    static std::uintptr_t next = 0x10000; // never reused, so that a handle of an
-                                          // earlier test is told from this one's
-    next += 0x10;
-    void* const raw = reinterpret_cast<void*>(next);
-    held[raw] = references;
+void* libnq::make_raw(int held) {
+    static std::uintptr_t next = 0x10000; // never reused, so that a handle of an earlier test is told from this one's
+    void* const raw = reinterpret_cast<void*>(next += 0x10);
+    references[raw] = held;
     return raw;
-}
-
-int libnq::references(void const* raw) const {
-    auto const known = held.find(raw);
-    return known != held.end() ? known->second : 0;
 }
 
 std::optional<failure> libnq::take_failure(std::string_view entry_point) {
@@ -101,25 +93,22 @@ std::optional<failure> libnq::take_failure(std::string_view entry_point) {
 
 std::vector<std::string> libnq::names() const {
     std::vector<std::string> names;
-    std::transform(called.begin(), called.end(), std::back_inserter(names), [](call const& made) { return made.name; });
+    std::transform(calls.begin(), calls.end(), std::back_inserter(names), [](call const& made) { return made.name; });
     return names;
 }
 
 void libnq::forget_calls() {
-    called.clear();
-    discovered.clear();
+    calls.clear();
+    discovery_calls.clear();
 }
 
 std::string libnq::leftovers() const {
-    std::string text;
-    for (auto const& [raw, count] : held) {
+    std::string text = open_handles.empty() ? "" : std::to_string(open_handles.size()) + " open call handles\n";
+    for (auto const& [raw, count] : references) {
         if (count != 0) {
             text += std::to_string(count) + " references of " + std::to_string(reinterpret_cast<std::uintptr_t>(raw)) +
                     '\n';
         }
-    }
-    if (!open_ones.empty()) {
-        text += std::to_string(open_ones.size()) + " open call handles\n";
     }
     for (std::string const& fault : faults) {
         text += fault + '\n';
@@ -128,15 +117,15 @@ std::string libnq::leftovers() const {
 }
 
 int libnq::perform(nq_call_handle* handle, std::uint32_t command_id, void* block) {
-    nq_call_handle const* const understood = handle != nullptr || handles_.empty() ? handle : handles_.back().get();
+    nq_call_handle const* const understood = handle != nullptr || handles.empty() ? handle : handles.back().get();
     call record{.handle = handle, .id = command_id};
+    int result = nq::result::unrecoverable;
     if (understood == nullptr || !understood->is_open || block == nullptr) {
-        faults.push_back("a call without an open call handle or a block");
-        called.push_back(record);
-        return nq::result::unrecoverable;
+        faults.emplace_back("a call without an open call handle or a block");
+    } else {
+        result = answer(understood->node, block, record);
     }
-    int const result = answer(*this, understood->node, block, record);
-    called.push_back(record);
+    calls.push_back(record);
     return result;
 }
 
@@ -146,30 +135,28 @@ extern "C" {
 
 SCRIPTED_EXPORT std::uint64_t nq_version() {
     entered nq;
-    remember(nq.self, "version", nullptr);
+    nq.note("version", nullptr);
     return nq.self.version;
 }
 
 SCRIPTED_EXPORT int nq_get_root_devices(std::uint64_t capacity, nq::device* devices, std::uint64_t* count,
                                         void* reserved) {
     entered nq;
-    remember(nq.self, "roots" + listed(capacity, devices != nullptr), reserved);
-    return answer(nq.self.roots, capacity, devices, count);
+    nq.note("roots" + listed(capacity, devices != nullptr), reserved);
+    return list(nq.self.roots, capacity, devices, count);
 }
 
 SCRIPTED_EXPORT int nq_find_capability_nodes(nq::device device, nq::capability capability, std::uint64_t capacity,
                                              nq::capability_node* nodes, std::uint64_t* count, void* reserved) {
     entered nq;
     std::string const of = std::to_string(device) + " for " + std::to_string(static_cast<std::uint64_t>(capability));
-    remember(nq.self, "nodes of " + of + listed(capacity, nodes != nullptr), reserved);
-    auto const found = nq.self.nodes.find({device, capability});
-    return found != nq.self.nodes.end() ? answer(found->second, capacity, nodes, count)
-                                        : answer({}, capacity, nodes, count);
+    nq.note("nodes of " + of + listed(capacity, nodes != nullptr), reserved);
+    return list(nq.self.nodes[{device, capability}], capacity, nodes, count);
 }
 
 SCRIPTED_EXPORT int nq_create_call_handle(nq::capability_node node, nq_call_handle** handle, void* reserved) {
     entered nq;
-    remember(nq.self, "open " + std::to_string(node.first) + ' ' + std::to_string(node.second), reserved);
+    nq.note("open " + std::to_string(node.first) + ' ' + std::to_string(node.second), reserved);
     if (auto const failure = nq.self.take_failure("nq_create_call_handle")) {
         return failure->result;
     }
@@ -180,15 +167,15 @@ SCRIPTED_EXPORT int nq_create_call_handle(nq::capability_node node, nq_call_hand
 SCRIPTED_EXPORT void nq_close_call_handle(nq_call_handle* handle) {
     entered nq;
     if (!std::exchange(handle->is_open, false)) {
-        nq.self.faults.push_back("a call handle closed twice");
+        nq.self.faults.emplace_back("a call handle closed twice");
     }
-    nq.self.open_ones.erase(handle);
+    nq.self.open_handles.erase(handle);
 }
 
 SCRIPTED_EXPORT int nq_call_capability(nq_call_handle* handle, std::uint32_t command_id, void* block, void* reserved) {
     entered nq;
     if (reserved != nullptr) {
-        nq.self.faults.push_back("nq_call_capability with a last argument other than null");
+        nq.self.faults.emplace_back("nq_call_capability with a last argument other than null");
     }
     return nq.self.perform(handle, command_id, block);
 }

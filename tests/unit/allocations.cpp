@@ -11,7 +11,7 @@ std::size_t unit::failing_allocation = 0;
 
 // The array forms and those with a size come here by default.
 void* operator new(std::size_t size) {
-    bool const fails = !scripted::libnq::answering() && ++unit::allocated == unit::failing_allocation;
+    bool const fails = !scripted::libnq::is_answering && ++unit::allocated == unit::failing_allocation;
     if (void* const memory = fails ? nullptr : std::malloc(size != 0 ? size : 1)) {
         return memory;
     }

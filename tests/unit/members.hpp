@@ -3,27 +3,76 @@
 // Tests of members by what they send: for each the entry point, the call handle and the block, what becomes of the
 // results, that nothing is taken from a call that fails, and that nothing else is called.
 
-#include "scripted/fixture.hpp"
-#include "unit/version.hpp"
+#include "scripted/scripted.hpp"
 
-#include <gmock/gmock.h>
+#include <gtest/gtest.h>
 
-#include <functional>
-#include <typeinfo>
+#include <typeindex>
+
+// The OpenCL version; the build compiles each test once per version.
+#ifndef UNIT_OPENCL
+#define UNIT_OPENCL 220
+#define UNIT_NAMESPACE opencl_2_2
+#define UNIT_HEADER <vorn/mero/opencl_2_2.hpp>
+#endif
+#include UNIT_HEADER
+
+#pragma GCC diagnostic ignored "-Wunused-result" // tests look at what is sent and thrown
 
 namespace unit {
+
+using namespace vorn::mero::UNIT_NAMESPACE; // NOLINT(google-build-using-namespace)
+#if UNIT_OPENCL >= 200
+using vorn::mero::UNIT_NAMESPACE::pipe; // not the system's
+#endif
+using namespace nq::block; // NOLINT(google-build-using-namespace)
+namespace common = vorn::mero::common;
+using api = vorn::mero::api<UNIT_OPENCL>;
 
 /// A value as it stands in a block.
 using word = std::uint64_t;
 using words = std::vector<word>;
 using names = std::vector<std::string>;
+using array3 = std::array<std::size_t, 3>;
 
 constexpr word large = 0x8123456789ABCDEF;
 constexpr std::uint32_t number = 0x89ABCDEF;
 
+/// How OpenCL names and counts the objects of a class.
+struct kind {
+    char const* name;
+    std::uint32_t reference_count; ///< Its name in the info entry point; 0 for a class that is not counted.
+    char const* object;
+};
+
+#define UNIT_CLASS(object, name, reference_count, accessor)                                                            \
+    inline auto* raw_of(object const& of) { return raw::accessor(of); }                                                \
+    constexpr kind kind_of(object const*) { return {#name, reference_count, #object}; }                                \
+    clGet##name##Info info_of(object const&); // which has the object as its first argument
+
+UNIT_CLASS(platform, Platform, 0, get_raw_platform_id)
+UNIT_CLASS(device, Device, UNIT_OPENCL >= 120 ? 0x1047 : 0, get_raw_device_id)
+UNIT_CLASS(context, Context, 0x1080, get_raw_context)
+UNIT_CLASS(memory_object, MemObject, 0x1105, get_raw_memory_object)
+UNIT_CLASS(sampler, Sampler, 0x1150, get_raw_sampler)
+UNIT_CLASS(program, Program, 0x1160, get_raw_program)
+UNIT_CLASS(kernel, Kernel, 0x1192, get_raw_kernel)
+UNIT_CLASS(event, Event, 0x11D2, get_raw_event)
+clGetImageInfo info_of(image const&);
+#if UNIT_OPENCL < 200
+UNIT_CLASS(command_queue, CommandQueue, 0x1092, get_raw_command_queue)
+#else
+UNIT_CLASS(host_command_queue, CommandQueue, 0x1092, get_raw_command_queue)
+UNIT_CLASS(device_command_queue, CommandQueue, 0x1092, get_raw_command_queue)
+clGetPipeInfo info_of(pipe const&);
+#endif
+#if UNIT_OPENCL >= 110
+UNIT_CLASS(event_promise, Event, 0x11D2, get_raw_event)
+#endif
+
 template <class T>
 concept owning = requires(T const& object) {
-    owner_access::raw(object);
+    raw_of(object);
 };
 
 template <class T>
@@ -32,18 +81,13 @@ concept owners = requires(T const& list) {
 };
 
 template <owning T>
-constexpr bool counted = !std::is_same_v<T, platform> && (api::number >= 120 || !std::is_same_v<T, device>);
-
-template <owning T>
-auto* raw_of(T const& object) {
-    return owner_access::raw(object);
-}
+constexpr bool counted = kind_of(static_cast<T*>(nullptr)).reference_count != 0;
 
 /// The call handle of an object, or one itself.
 template <class T>
 nq_call_handle* handle_of(T const& object) {
     if constexpr (owning<T>) {
-        return owner_access::call_handle(object).get();
+        return raw::get_call_handle(object).get();
     } else {
         return object.get();
     }
@@ -96,35 +140,22 @@ struct place {
 };
 constexpr place somewhere;
 
-// The info entry point of each class; the object is its first argument.
-clGetPlatformInfo info_of(platform const&);
-clGetDeviceInfo info_of(device const&);
-clGetContextInfo info_of(context const&);
-clGetCommandQueueInfo info_of(api::host_queue const&);
-clGetMemObjectInfo info_of(memory_object const&);
-clGetImageInfo info_of(image const&);
-clGetSamplerInfo info_of(sampler const&);
-clGetProgramInfo info_of(program const&);
-clGetKernelInfo info_of(kernel const&);
-clGetEventInfo info_of(event const&);
-#if UNIT_OPENCL >= 110
-clGetEventInfo info_of(event_promise const&);
-#endif
-#if UNIT_OPENCL >= 200
-clGetCommandQueueInfo info_of(device_command_queue const&);
-clGetPipeInfo info_of(pipe const&);
-#endif
-
-/// The message of what is thrown, which must be of exactly this class.
-template <class Exception, class Work>
-std::string message_of(Work work) {
+/// The class and the message of what some work throws.
+inline std::pair<std::type_index, std::string> thrown_by(std::function<void()> const& work) {
     try {
         work();
     } catch (std::exception const& thrown) {
-        EXPECT_EQ(typeid(thrown), typeid(Exception)) << thrown.what();
-        return thrown.what();
+        return {typeid(thrown), thrown.what()};
     }
-    return "nothing was thrown";
+    return {typeid(void), "nothing was thrown"};
+}
+
+/// Expects an exception of exactly this class, with this message.
+template <class Exception>
+void throws(std::string const& message, std::function<void()> const& work) {
+    auto const [type, said] = thrown_by(work);
+    EXPECT_EQ(type, typeid(Exception));
+    EXPECT_EQ(said, message);
 }
 
 /// One object of every class, each on a call handle of its own.
@@ -162,21 +193,31 @@ struct world {
 #endif
 };
 
-class members : public scripted::fixture {
-protected:
+/// Starts every test with a fresh libnq, and ends it by asking that no reference and no call handle is left. That is
+/// asked once the members of the test's own fixture are gone.
+struct fixture : testing::Test {
+    fixture() { libnq.reset(); }
+    fixture(fixture const&) = delete;
+    fixture& operator=(fixture const&) = delete;
+    ~fixture() override { EXPECT_EQ(libnq.leftovers(), ""); }
+
+    scripted::libnq& libnq = scripted::libnq::instance();
+};
+
+struct members : fixture {
     members() { libnq.forget_calls(); }
 
     /// Expects the calls so far to be these, all on the call handle of one object. Those that retain results are not
     /// looked at: one too many or too few is seen at the end of the test.
     void expect_sent(auto const& receiver, auto const&... blocks) {
-        auto made = libnq.calls();
+        auto made = libnq.calls;
         std::erase_if(made, [](scripted::call const& call) { return call.name.starts_with("clRetain"); });
         ASSERT_EQ(made.size(), sizeof...(blocks)) << testing::PrintToString(libnq.names());
-        std::size_t n = 0;
+        auto call = made.begin();
         auto const expect_call = [&](auto const& block) {
-            EXPECT_EQ(made[n].name, scripted::name_of<std::decay_t<decltype(block)>>());
-            EXPECT_EQ(made[n].inputs, scripted::inputs_of(block));
-            EXPECT_EQ(made[n++].handle, handle_of(receiver));
+            EXPECT_EQ(call->name, scripted::name_of<std::decay_t<decltype(block)>>());
+            EXPECT_EQ(call->inputs, scripted::inputs_of(block));
+            EXPECT_EQ(call++->handle, handle_of(receiver));
         };
         (expect_call(blocks), ...);
     }
@@ -192,7 +233,7 @@ protected:
         } else {
             auto const result = act();
             ASSERT_NO_FATAL_FAILURE(expect_sent(receiver, sent));
-            EXPECT_EQ(word_of(result), word_of(libnq.calls()[0].made));
+            EXPECT_EQ(word_of(result), word_of(libnq.calls[0].made));
             expect_handle(result, handle_of(receiver));
         }
         fails<Block>(act);
@@ -215,7 +256,7 @@ protected:
             query.param_value_size = reply.size();
             query.param_value = somewhere;
             expect_sent(object, sizing, query);
-            expect_equal(found, expected);
+            EXPECT_EQ(reply_of(found), reply_of(expected));
             expect_handle(found, handle_of(object));
         }
         fails<Block>([&] { std::invoke(read, object); });
@@ -239,15 +280,31 @@ protected:
     void reads_bool(auto& object, std::uint32_t name, auto... each) {
         for (std::uint32_t const answer : {0U, 1U, 0x100U}) {
             std::uint32_t asked = name;
-            (reads(object, asked++, answer != 0, each, scripted::bytes_of(answer)), ...);
+            (reads(object, asked++, answer != 0, each, reply_of(answer)), ...);
         }
+    }
+
+    /// The same of those that tell whether a number has a bit.
+    void reads_bit(auto& object, std::uint32_t name, word bit, auto read) {
+        for (word const answer : {bit, ~word{0}, ~bit, word{0}}) {
+            reads(object, name, (answer & bit) != 0, read, reply_of(answer));
+        }
+    }
+
+    /// Has `reads(name, expected, member)` for members of an object that ask by another query, and take some arguments.
+    template <class Block>
+    auto reader(auto& object, Block query, auto const&... arguments) {
+        return [=, this, &object](std::uint32_t name, auto const& expected, auto member) mutable {
+            query.param_name = name;
+            reads(object, query, expected, [&](auto& of) { return std::invoke(member, of, arguments...); });
+        };
     }
 
     /// Checks a member that lists in two calls, or in one where there is nothing.
     template <class Block>
     void lists(auto const& receiver, Block const& counting, Block const& listing, std::uint32_t count, auto list) {
         SCOPED_TRACE(count);
-        libnq.list<Block>(count);
+        libnq.listed = count;
         libnq.forget_calls();
         {
             auto const found = list();
@@ -257,7 +314,9 @@ protected:
                 expect_sent(receiver, counting);
             } else {
                 expect_sent(receiver, counting, listing);
-                expect_last(found);
+                if constexpr (owners<decltype(list())>) {
+                    EXPECT_EQ(raw_of(found.back()), libnq.calls.back().made);
+                }
             }
         }
         fails<Block>(list);
@@ -269,7 +328,7 @@ protected:
     template <class Block>
     void fails(auto act) {
         libnq.forget_calls();
-        std::size_t made = 0;
+        std::size_t made = 1;
         if constexpr (
             requires(Block block) { block.status; } || requires(Block block) { block.error_code; }) {
             libnq.fail(scripted::status(-5));
@@ -278,13 +337,17 @@ protected:
         }
         libnq.fail(scripted::layer(-1));
         EXPECT_THROW(act(), nq::unrecoverable_error);
-        EXPECT_EQ(libnq.names(), names(made + 1, std::string(scripted::name_of<Block>())));
+        EXPECT_EQ(libnq.names(), names(made, std::string(scripted::name_of<Block>())));
     }
 
-    nq::call_handle handle = libnq.open(api::capability);
-    world w;
+    /// Expects an exception before any call.
+    template <class Exception>
+    void refuses(std::string const& message, auto act) {
+        libnq.forget_calls();
+        throws<Exception>(message, act);
+        EXPECT_EQ(libnq.names(), names{});
+    }
 
-private:
     template <class T>
     static void expect_handle(T const& found, nq_call_handle* expected) {
         if constexpr (owning<T>) {
@@ -296,24 +359,8 @@ private:
         }
     }
 
-    template <class T>
-    void expect_last(T const& found) {
-        if constexpr (owners<T>) {
-            EXPECT_EQ(raw_of(found.back()), libnq.calls().back().made);
-        }
-    }
-
-    /// Numbers, enumerators and objects are compared as words.
-    template <class T>
-    static void expect_equal(T const& found, auto const& expected) {
-        if constexpr (std::is_scalar_v<T> || owning<T>) {
-            EXPECT_EQ(word_of(found), word_of(expected));
-        } else if constexpr (owners<T>) {
-            EXPECT_EQ(reply_of(found), reply_of(expected));
-        } else {
-            EXPECT_EQ(found, expected);
-        }
-    }
+    nq::call_handle handle = libnq.open(api::capability);
+    world w;
 };
 
 } // namespace unit
