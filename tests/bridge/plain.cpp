@@ -36,27 +36,31 @@ cl_int answer(std::string_view bytes, std::size_t size, void* value, std::size_t
 
 #pragma GCC visibility push(default)
 
-cl_int clGetPlatformIDs(cl_uint capacity, cl_platform_id* platforms, cl_uint* count) {
-    return list(capacity, platforms, count);
+cl_int clGetPlatformIDs(cl_uint num_entries, cl_platform_id* platforms, cl_uint* num_platforms) {
+    return list(num_entries, platforms, num_platforms);
 }
 
-cl_int clGetDeviceIDs(cl_platform_id, cl_device_type, cl_uint capacity, cl_device_id* devices, cl_uint* count) {
-    return list(capacity, devices, count);
+cl_int clGetDeviceIDs(cl_platform_id, cl_device_type, cl_uint num_entries, cl_device_id* devices,
+                      cl_uint* num_devices) {
+    return list(num_entries, devices, num_devices);
 }
 
-cl_int clGetPlatformInfo(cl_platform_id, cl_platform_info name, std::size_t size, void* value, std::size_t* needed) {
+cl_int clGetPlatformInfo(cl_platform_id, cl_platform_info name, std::size_t size, void* value,
+                         std::size_t* param_value_size_ret) {
     using namespace std::string_view_literals;
-    return name == CL_PLATFORM_VERSION      ? answer("OpenCL 2.0 plain\0"sv, size, value, needed)
-           : name == CL_PLATFORM_NAME       ? answer("Plain\0"sv, size, value, needed)
-           : name == CL_PLATFORM_EXTENSIONS ? answer("cl_khr_icd_like cl_khr_fp64\0"sv, size, value, needed)
+    auto const text = [&](std::string_view bytes) { return answer(bytes, size, value, param_value_size_ret); };
+    return name == CL_PLATFORM_VERSION      ? text("OpenCL 2.0 plain\0"sv)
+           : name == CL_PLATFORM_NAME       ? text("Plain\0"sv)
+           : name == CL_PLATFORM_EXTENSIONS ? text("cl_khr_icd_like cl_khr_fp64\0"sv)
                                             : CL_INVALID_VALUE;
 }
 
-cl_int clGetDeviceInfo(cl_device_id, cl_device_info name, std::size_t size, void* value, std::size_t* needed) {
+cl_int clGetDeviceInfo(cl_device_id, cl_device_info name, std::size_t size, void* value,
+                       std::size_t* param_value_size_ret) {
     void* const platform = &first_word;
     return name == CL_DEVICE_PLATFORM
-               ? answer({reinterpret_cast<char const*>(&platform), sizeof platform}, size, value, needed)
-               : clGetPlatformInfo(nullptr, CL_PLATFORM_VERSION, size, value, needed);
+               ? answer({reinterpret_cast<char const*>(&platform), sizeof platform}, size, value, param_value_size_ret)
+               : clGetPlatformInfo(nullptr, CL_PLATFORM_VERSION, size, value, param_value_size_ret);
 }
 
 cl_int clRetainDevice(cl_device_id) { return CL_SUCCESS; }
