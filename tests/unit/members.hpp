@@ -296,7 +296,7 @@ struct members : fixture {
     auto reader(auto& object, Block query, auto const&... arguments) {
         return [=, this, &object](std::uint32_t name, auto const& expected, auto member) mutable {
             query.param_name = name;
-            reads(object, query, expected, [&](auto& of) { return std::invoke(member, of, arguments...); });
+            this->reads(object, query, expected, [&](auto& of) { return std::invoke(member, of, arguments...); });
         };
     }
 
