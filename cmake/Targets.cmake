@@ -18,7 +18,7 @@ function(vorn_mero_target_defaults target)
   target_compile_features(${target} PRIVATE cxx_std_20)
   set_target_properties(${target} PROPERTIES CXX_EXTENSIONS OFF CXX_VISIBILITY_PRESET hidden VISIBILITY_INLINES_HIDDEN ON
     POSITION_INDEPENDENT_CODE ON UNITY_BUILD OFF)
-  target_compile_options(${target} PRIVATE -fno-plt)
+  target_compile_options(${target} PRIVATE -fno-plt -fno-semantic-interposition)
   if(VORN_MERO_WARNINGS)
     target_compile_options(${target} PRIVATE
       -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wsign-conversion -Wnon-virtual-dtor -Wold-style-cast

@@ -1,11 +1,17 @@
 #include <vorn/mero/common/error.hpp>
 #include <vorn/mero/internal/check_error.hpp>
 
+#include "internal/throw_status.hpp"
+
+#include <array>
+#include <string_view>
+#include <utility>
+
 namespace vorn::mero::common {
 namespace {
 
-// Every status except success: its class, the class's base, its message. `invalid_spec_id` has the message of
-// `invalid_device_queue`.
+// Every status except success, in order of number: its class, the class's base, its message. `invalid_spec_id` has the
+// message of `invalid_device_queue`.
 // clang-format off
 #define EACH_ERROR(X) \
     X(device_not_found, logic_error, "No matching device was found.") \
@@ -72,32 +78,53 @@ namespace {
     X(max_size_restriction_exceeded, logic_error, "Size of memory object exceeds the maximum size restriction that was set.")
 // clang-format on
 
-char const* message_of(error_code code) noexcept {
-    switch (code) {
-    case error_code::success:
-        return "Success.";
-#define MESSAGE(name, base, text)                                                                                      \
-    case error_code::name:                                                                                             \
-        return text;
-        EACH_ERROR(MESSAGE)
-#undef MESSAGE
-    }
-    return "Unknown error.";
+template <class Error>
+void construct(void* place) {
+    ::new (place) Error;
+}
+
+struct status {
+    std::string_view message;
+    void (*construct)(void* place);
+};
+
+// By the number of the status, negated; without a message where there is no status.
+constexpr auto statuses = [] {
+    std::array<status, 1 - static_cast<int>(error_code::max_size_restriction_exceeded)> made{};
+    made[0].message = "Success.";
+#define STATUS(name, base, text) made[-static_cast<int>(error_code::name)] = {text, construct<name>};
+    EACH_ERROR(STATUS)
+#undef STATUS
+    return made;
+}();
+
+status const* find_status(error_code code) noexcept {
+    std::size_t const index = 0U - static_cast<unsigned>(code);
+    return index < statuses.size() && !statuses[index].message.empty() ? &statuses[index] : nullptr;
+}
+
+std::string_view message_of(error_code code) noexcept {
+    status const* const found = find_status(code);
+    return found != nullptr ? found->message : "Unknown error.";
 }
 
 } // namespace
 
-std::string get_error_string(error_code code) { return message_of(code); }
+std::string get_error_string(error_code code) { return std::string(message_of(code)); }
 
 error::error(std::string const& message) : message_(message) {}
+error::error(error_code code) : message_(message_of(code)) {}
 error::error(error const&) = default;
 error& error::operator=(error const&) = default;
 error::~error() = default;
 char const* error::what() const noexcept { return message_.c_str(); }
 
 opencl_error::opencl_error(std::string const& message, error_code code) : error(message), code_(code) {}
+opencl_error::opencl_error(error_code code) : error(code), code_(code) {}
 logic_error::logic_error(std::string const& message, error_code code) : opencl_error(message, code) {}
+logic_error::logic_error(error_code code) : opencl_error(code) {}
 runtime_error::runtime_error(std::string const& message, error_code code) : opencl_error(message, code) {}
+runtime_error::runtime_error(error_code code) : opencl_error(code) {}
 
 unknown_opencl_error::unknown_opencl_error(int value)
     : error("Unknown OpenCL Error Code: " + std::to_string(value)), value_(value) {}
@@ -105,26 +132,48 @@ unknown_opencl_error::unknown_opencl_error(int value)
 bad_implementation::bad_implementation(std::string const& message) : error(message) {}
 
 #define CONSTRUCTOR(name, base, text)                                                                                  \
-    name::name() : base(get_error_string(error_code::name), error_code::name) {}
+    name::name() : base(error_code::name) {}
 EACH_ERROR(CONSTRUCTOR)
 #undef CONSTRUCTOR
 
 } // namespace vorn::mero::common
 
 namespace vorn::mero::internal {
+namespace {
+
+// Memory of an exception that is not constructed yet.
+struct exception_memory {
+    explicit exception_memory(std::size_t size) : place(abi::__cxa_allocate_exception(size)) {}
+    exception_memory(exception_memory const&) = delete;
+    exception_memory& operator=(exception_memory const&) = delete;
+    ~exception_memory() {
+        if (place != nullptr) {
+            abi::__cxa_free_exception(place);
+        }
+    }
+
+    void* place;
+};
+
+} // namespace
+
+common::error* make_exception(int status) {
+    static_assert(sizeof(common::invalid_value) == sizeof(common::opencl_error) &&
+                  sizeof(common::unknown_opencl_error) <= sizeof(common::opencl_error));
+    exception_memory memory(sizeof(common::opencl_error));
+    if (auto const* const known = common::find_status(static_cast<common::error_code>(status))) {
+        known->construct(memory.place);
+    } else {
+        ::new (memory.place) common::unknown_opencl_error(status);
+    }
+    return static_cast<common::error*>(std::exchange(memory.place, nullptr));
+}
+
+void destroy_exception(void* exception) { static_cast<common::error*>(exception)->~error(); }
 
 void check_error(int status) {
-    if (status == 0) {
-        return;
-    }
-    switch (static_cast<common::error_code>(status)) {
-#define THROW(name, base, text)                                                                                        \
-    case common::error_code::name:                                                                                     \
-        throw common::name();
-        EACH_ERROR(THROW)
-#undef THROW
-    default:
-        throw common::unknown_opencl_error(status);
+    if (status != 0) {
+        throw_status(status);
     }
 }
 

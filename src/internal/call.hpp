@@ -5,7 +5,8 @@
 
 #include <nq/call_handle.hpp>
 #include <nq/nq.hpp>
-#include <vorn/mero/internal/check_error.hpp>
+
+#include "internal/throw_status.hpp"
 
 #include <cstdint>
 
@@ -39,7 +40,7 @@ template <class Block>
 void call_checked(nq_call_handle* handle, std::uint32_t command_id, Block& block) {
     call(handle, command_id, &block);
     if (status_of(block) != 0) [[unlikely]] {
-        check_error(status_of(block));
+        throw_status(status_of(block));
     }
 }
 

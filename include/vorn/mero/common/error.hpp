@@ -32,6 +32,9 @@ public:
     [[nodiscard]] char const* what() const noexcept final;
 
 private:
+    friend class opencl_error;
+    VORN_MERO_HIDDEN explicit error(error_code code); // makes the message in place
+
     std::string message_;
 };
 
@@ -45,6 +48,10 @@ public:
     [[nodiscard]] error_code const& code() const noexcept { return code_; }
 
 private:
+    friend class logic_error;
+    friend class runtime_error;
+    VORN_MERO_HIDDEN explicit opencl_error(error_code code);
+
     error_code code_;
 };
 
@@ -54,6 +61,9 @@ class VORN_MERO_EXPORT logic_error : public opencl_error {
 public:
     /// Copies the message.
     logic_error(std::string const& message, error_code code);
+
+protected:
+    VORN_MERO_HIDDEN explicit logic_error(error_code code); // for the classes below
 };
 
 /// A condition of the device, its resources or the program being built.
@@ -61,6 +71,9 @@ class VORN_MERO_EXPORT runtime_error : public opencl_error {
 public:
     /// Copies the message.
     runtime_error(std::string const& message, error_code code);
+
+protected:
+    VORN_MERO_HIDDEN explicit runtime_error(error_code code); // for the classes below
 };
 
 /// A status that no OpenCL version defines, such as that of an extension. Not an `opencl_error`.
