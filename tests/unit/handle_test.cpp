@@ -89,7 +89,7 @@ void compare(members& test) {
             EXPECT_EQ(objects[i] == objects[j], i == j);
             EXPECT_EQ(objects[i] < objects[j], i < j);
         }
-        EXPECT_EQ(objects[i].hash(), word_of(raw_of(objects[i])) ^ word_of(handle_of(objects[i])));
+        EXPECT_EQ(std::hash<Object>{}(objects[i]), word_of(raw_of(objects[i])) ^ word_of(handle_of(objects[i])));
     }
     EXPECT_EQ(test.libnq.names(), names{}); // nor does a growing vector make one
 }
