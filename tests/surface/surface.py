@@ -64,6 +64,8 @@ class Headers:
                     name = self.row(node, root).removeprefix("extern template class ")
                     self.symbols(node["inner"])
                     self.inline.update((f"typeinfo for {name}", f"typeinfo name for {name}"))
+            for found in re.finditer(r"template <[^;{}]*>\s+struct std::hash<vorn::mero::[^{]*", self.text):
+                self.row({"kind": TYPES[0], "range": {"begin": {"offset": found.start()}, "end": {"offset": found.end(), "tokLen": 0}}}, "std")
 
     def scope(self, node, name, template=False):
         """Reads what stands in a namespace, class or enumeration."""
