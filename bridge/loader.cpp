@@ -29,9 +29,9 @@ bool exports_opencl(void* library) noexcept {
     return std::ranges::all_of(needed, [library](char const* name) { return dlsym(library, name) != nullptr; });
 }
 
-// Tools that watch OpenCL are preloaded: their functions have OpenCL's names in the global scope. A second library
-// would be bound to them in part, and crash. Functions of the program itself do not count, nor do those that are local
-// to the plugin that brought this library.
+// A tool that watches OpenCL is preloaded: its functions have OpenCL's names in the global scope. Part of a second
+// library's own calls would be bound to them, and crash. Functions of the program itself do not count, nor do those of
+// a plugin's private libraries.
 void* find_in_global_scope() noexcept {
     void* const scope = dlopen(nullptr, RTLD_LAZY);
     bool const has_opencl =
@@ -69,7 +69,7 @@ void take_dispatch_table(list_function list) {
 }
 
 std::string load_named(char const* name) {
-    // With a loader's symbols in the global scope Oclgrind binds its own entry points to them and loops for ever.
+    // If a loader's symbols are in the global scope, Oclgrind binds its own entry points to them and loops forever.
     void* const library = dlopen(name, RTLD_NOW | RTLD_LOCAL);
     if (library == nullptr) {
         return dlerror();

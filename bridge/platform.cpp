@@ -8,8 +8,8 @@
 namespace nq::bridge {
 namespace {
 
-// Only an implementation with cl_khr_icd begins its objects with the address of a dispatch table. Loaders ask for one
-// of the two signs of it, not all for the same.
+// Only an implementation with cl_khr_icd starts its objects with the address of its dispatch table. ocl-icd demands
+// that the platform lists the extension, the Khronos loader that it answers for the suffix.
 bool has_dispatch_table(std::string const& extensions, std::string const& icd_suffix) {
     return (" " + extensions + " ").find(" cl_khr_icd ") != std::string::npos || !icd_suffix.empty();
 }
@@ -41,7 +41,7 @@ bool reaches(platform const& where, entry_point const& entry) noexcept {
         return false;
     }
     void* const target = slot(*where.table, entry.slot);
-    // A slot that points back at the loader would call itself for ever.
+    // A slot that points back at the loader would call itself forever.
     return target != nullptr && !(where.behind_loader && target == function);
 }
 

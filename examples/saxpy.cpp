@@ -13,8 +13,8 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
-#include <limits>
 #include <exception>
+#include <limits>
 #include <stdexcept>
 #include <string>
 #include <vector>

@@ -1,7 +1,8 @@
 // An OpenCL implementation with one device that is no plug-in of an ICD loader: it exports its functions, has few of
 // them, and its objects do not begin with a dispatch table.
 
-#define CL_TARGET_OPENCL_VERSION 200
+#define CL_TARGET_OPENCL_VERSION 220
+#define CL_USE_DEPRECATED_OPENCL_1_0_APIS
 #include <CL/cl.h>
 
 #include <algorithm>
@@ -49,7 +50,7 @@ cl_int clGetPlatformInfo(cl_platform_id, cl_platform_info name, std::size_t size
                          std::size_t* param_value_size_ret) {
     using namespace std::string_view_literals;
     auto const text = [&](std::string_view bytes) { return answer(bytes, size, value, param_value_size_ret); };
-    return name == CL_PLATFORM_VERSION      ? text("OpenCL 2.0 plain\0"sv)
+    return name == CL_PLATFORM_VERSION      ? text("OpenCL 2.2 plain\0"sv)
            : name == CL_PLATFORM_NAME       ? text("Plain\0"sv)
            : name == CL_PLATFORM_EXTENSIONS ? text("cl_khr_icd_like cl_khr_fp64\0"sv)
                                             : CL_INVALID_VALUE;
@@ -61,6 +62,18 @@ cl_int clGetDeviceInfo(cl_device_id, cl_device_info name, std::size_t size, void
     return name == CL_DEVICE_PLATFORM
                ? answer({reinterpret_cast<char const*>(&platform), sizeof platform}, size, value, param_value_size_ret)
                : clGetPlatformInfo(nullptr, CL_PLATFORM_VERSION, size, value, param_value_size_ret);
+}
+
+// No other implementation shows what it is given here.
+cl_int clSetCommandQueueProperty(cl_command_queue, cl_command_queue_properties properties, cl_bool enable,
+                                 cl_command_queue_properties* old_properties) {
+    *old_properties = 10 * properties + enable;
+    return CL_SUCCESS;
+}
+cl_int clSetProgramReleaseCallback(cl_program program, void(CL_CALLBACK* pfn_notify)(cl_program, void*),
+                                   void* user_data) {
+    pfn_notify(program, user_data);
+    return CL_SUCCESS;
 }
 
 cl_int clRetainDevice(cl_device_id) { return CL_SUCCESS; }
