@@ -57,7 +57,7 @@ list_function find_list_function(void* library) noexcept {
 // The other functions are in the dispatch table of its first platform.
 void take_dispatch_table(list_function list) {
     cl_platform_id first = nullptr;
-    if (list(1, &first, nullptr) != CL_SUCCESS || first == nullptr) {
+    if (list(1, &first, nullptr) != CL_SUCCESS || first == nullptr || dispatch_table(first) == nullptr) {
         return; // there may be a platform next time
     }
     functions const& table = *dispatch_table(first);

@@ -52,7 +52,8 @@ platform describe(cl_platform_id id) {
     if (has_dispatch_table(text(CL_PLATFORM_EXTENSIONS), text(CL_PLATFORM_ICD_SUFFIX_KHR))) {
         made.table = dispatch_table(id);
         // An implementation's table leads to its own functions, a loader's functions to another library's.
-        made.behind_loader = !is_in_library(reinterpret_cast<void*>(made.table->clGetPlatformInfo));
+        made.behind_loader =
+            made.table != nullptr && !is_in_library(reinterpret_cast<void*>(made.table->clGetPlatformInfo));
     }
     for (entry_point const& entry : entry_points()) {
         if (!reaches(made, entry)) {

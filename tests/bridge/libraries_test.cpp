@@ -273,6 +273,7 @@ TEST(libraries, set_uid_programs_ignore_the_environment) {
     constexpr uid_t nobody = 65534;
     if (chown(copy.c_str(), nobody, nobody) != 0 || chmod(copy.c_str(), 04755) != 0 ||
         std::system(("'" + copy.string() + "' secure").c_str()) != 0) {
+        fs::remove(copy);
         GTEST_SKIP() << "no set-uid program can be made here";
     }
     auto const told = [](std::string const& program) {
@@ -284,6 +285,7 @@ TEST(libraries, set_uid_programs_ignore_the_environment) {
         EXPECT_NE(told(self).find(word), std::string::npos) << word;
         EXPECT_EQ(told(copy).find(word), std::string::npos) << word;
     }
+    fs::remove(copy);
 }
 
 } // namespace
