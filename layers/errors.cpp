@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <array>
+#include <bit>
 #include <cerrno>
 #include <mutex>
 #include <optional>
@@ -308,13 +309,12 @@ private:
     }
     bool has(char const* name) const { return find(name) != nullptr; }
     std::size_t value(char const* name) const { return static_cast<std::size_t>(read_field(made_.block, *find(name))); }
-    _nq_cl_mem* memory(char const* name) const { return reinterpret_cast<_nq_cl_mem*>(value(name)); }
+    _nq_cl_mem* memory(char const* name) const { return std::bit_cast<_nq_cl_mem*>(value(name)); }
 
     // Zeros if it cannot be read.
     sizes three(char const* name) const {
         sizes numbers{};
-        return read_safely(numbers.data(), reinterpret_cast<void const*>(value(name)), sizeof numbers) ? numbers
-                                                                                                       : sizes{};
+        return read_safely(numbers.data(), std::bit_cast<void const*>(value(name)), sizeof numbers) ? numbers : sizes{};
     }
 
     std::string span(char const* object, std::size_t offset, std::size_t size) const {

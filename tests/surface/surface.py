@@ -127,9 +127,15 @@ class Headers:
     def body(function):
         return next((part["range"]["begin"]["offset"] for part in function.get("inner", ()) if part["kind"] == "CompoundStmt"), None)
 
+    def hidden(self, node):
+        """Whether a declaration is the library's own, whatever its class is."""
+        place = node["range"]
+        return "offset" in place["begin"] and "offset" in place["end"] and \
+            'visibility("hidden")' in self.text[place["begin"]["offset"]:place["end"]["offset"]]
+
     def symbols(self, nodes):
         for node in nodes:
-            if "mangledName" in node:
+            if "mangledName" in node and not self.hidden(node):
                 inline = {"inline", "constexpr", "pure", "explicitlyDefaulted", "explicitlyDeleted"} & set(node)
                 outside = node["kind"] in FUNCTIONS and not inline and not self.body(node)
                 (self.ours if outside else self.inline).add(node["mangledName"])

@@ -294,18 +294,21 @@ constexpr bool tiles() {
     return (at + alignof(Block) - 1) / alignof(Block) * alignof(Block) == sizeof(Block);
 }
 
+constexpr bool has_rule(field const& each) {
+    bool const followed = each.element_size != 0;
+    bool const named =
+        each.kind == field_kind::enumeration || each.kind == field_kind::bits || each.kind == field_kind::status;
+    return each.kind != field_kind::unknown && followed == (each.length.rule != length_rule::none) &&
+           (named == (each.values.count != 0) || each.kind == field_kind::property);
+}
+
 template <class Block>
 constexpr bool has_rules() {
+    bool all = true;
     for (field const& each : described<Block>::fields) {
-        bool const followed = each.element_size != 0;
-        bool const named =
-            each.kind == field_kind::enumeration || each.kind == field_kind::bits || each.kind == field_kind::status;
-        if (each.kind == field_kind::unknown || followed != (each.length.rule != length_rule::none) ||
-            (named != (each.values.count != 0) && each.kind != field_kind::property)) {
-            return false;
-        }
+        all = all && has_rule(each);
     }
-    return true;
+    return all;
 }
 
 constexpr bool is_named(field const& each, char const* name) {

@@ -53,7 +53,7 @@ struct formatter {
         std::string results;
         for (field const& each : call) {
             if (each.offset == call.status) {
-                results = " = " + number(each, read_field(block, each)) + results;
+                results.insert(0, " = " + number(each, read_field(block, each)));
             } else if (each.offset == call.result && (call.status == absent || read_field(block, each) != 0)) {
                 results += (call.status == absent ? " = " : ", ") + value(each);
             } else if (each.offset != call.result) {
