@@ -96,16 +96,15 @@ TEST_F(contexts, creates_images) {
 }
 
 TEST_F(contexts, lists_image_formats_in_two_calls) {
-    auto& asked = c;
-    auto const use = any;
-    auto const lists = [&](std::uint32_t type, auto list) {
+    auto& test = *this;
+    auto const lists = [&test](std::uint32_t type, auto list) {
         for (std::uint32_t const count : {0U, 2U}) {
+            auto const ask = [&test, list] { return (test.c.*list)(any); };
             std::vector<image_format> const formats(count, {0x10B0, 0x10DE});
-            libnq.reply<clGetSupportedImageFormats>(type, reply_of(formats));
-            clGetSupportedImageFormats const counting{flags, raw, nullptr, somewhere, 0, type, 0};
-            this->members::lists(c, counting, {flags, raw, somewhere, nullptr, 0, type, count}, count,
-                                 [&asked, use, list] { return (asked.*list)(use); });
-            EXPECT_EQ((c.*list)(any), formats);
+            test.libnq.reply<clGetSupportedImageFormats>(type, reply_of(formats));
+            clGetSupportedImageFormats const counting{flags, test.raw, nullptr, somewhere, 0, type, 0};
+            test.members::lists(test.c, counting, {flags, test.raw, somewhere, nullptr, 0, type, count}, count, ask);
+            EXPECT_EQ(ask(), formats);
         }
     };
     lists(0x10F1, &context::image_2d_supported_formats);
