@@ -95,25 +95,27 @@ TEST_F(contexts, creates_images) {
 #endif
 }
 
+template <class Fixture, class List>
+void expect_formats(Fixture& test, std::uint32_t type, List list) {
+    context& asked = test.c;
+    for (std::uint32_t const count : {0U, 2U}) {
+        std::vector<image_format> const formats(count, {0x10B0, 0x10DE});
+        test.libnq.template reply<clGetSupportedImageFormats>(type, reply_of(formats));
+        clGetSupportedImageFormats const counting{flags, test.raw, nullptr, somewhere, 0, type, 0};
+        clGetSupportedImageFormats const listing{flags, test.raw, somewhere, nullptr, 0, type, count};
+        test.members::lists(asked, counting, listing, count, [&asked, list] { return (asked.*list)(any); });
+        EXPECT_EQ((asked.*list)(any), formats);
+    }
+}
+
 TEST_F(contexts, lists_image_formats_in_two_calls) {
-    auto& test = *this;
-    auto const lists = [&test](std::uint32_t type, auto list) {
-        for (std::uint32_t const count : {0U, 2U}) {
-            auto const ask = [&test, list] { return (test.c.*list)(any); };
-            std::vector<image_format> const formats(count, {0x10B0, 0x10DE});
-            test.libnq.reply<clGetSupportedImageFormats>(type, reply_of(formats));
-            clGetSupportedImageFormats const counting{flags, test.raw, nullptr, somewhere, 0, type, 0};
-            test.members::lists(test.c, counting, {flags, test.raw, somewhere, nullptr, 0, type, count}, count, ask);
-            EXPECT_EQ(ask(), formats);
-        }
-    };
-    lists(0x10F1, &context::image_2d_supported_formats);
-    lists(0x10F2, &context::image_3d_supported_formats);
+    expect_formats(*this, 0x10F1, &context::image_2d_supported_formats);
+    expect_formats(*this, 0x10F2, &context::image_3d_supported_formats);
 #if UNIT_OPENCL >= 120
-    lists(0x10F4, &context::image_1d_supported_formats);
-    lists(0x10F6, &context::image_1d_buffer_supported_formats);
-    lists(0x10F5, &context::image_1d_array_supported_formats);
-    lists(0x10F3, &context::image_2d_array_supported_formats);
+    expect_formats(*this, 0x10F4, &context::image_1d_supported_formats);
+    expect_formats(*this, 0x10F6, &context::image_1d_buffer_supported_formats);
+    expect_formats(*this, 0x10F5, &context::image_1d_array_supported_formats);
+    expect_formats(*this, 0x10F3, &context::image_2d_array_supported_formats);
 #endif
     // what the second call leaves unwritten stays zero, and the vector is not shrunk
     libnq.on<clGetSupportedImageFormats>([](clGetSupportedImageFormats& block) {
