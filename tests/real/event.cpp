@@ -37,7 +37,7 @@ SCENARIO(completes_and_calls_back, "user events and callbacks", 110) {
     EXPECT_EQ(gate.get_context(), b.context);
     EXPECT_EQ(gate.execution_status(), status::submitted);
     EXPECT_GT(event.execution_status(), status::complete);
-    std::array<report, 3> reports; // in the order of the states' numbers
+    auto& reports = lasting<std::array<report, 3>>(); // in the order of the states' numbers
     for (type const each : {type::complete, type::running, type::submitted}) {
         event.set_callback(each, report::note, &reports[static_cast<std::size_t>(each)]);
     }

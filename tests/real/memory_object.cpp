@@ -28,7 +28,7 @@ SCENARIO(makes_sub_buffers, "sub-buffers", 110) {
     std::size_t const size = b.device.mem_base_addr_align() / 8;
     auto const count = size / sizeof(std::int32_t);
     auto parent = b.store(counting(3 * count));
-    std::atomic<int> destroyed = 0;
+    auto& destroyed = lasting<std::atomic<int>>();
     {
         auto part = b.context.create_sub_buffer(parent, Api::mem_flags::read_only, size, size);
         EXPECT_EQ(part.offset(), size);

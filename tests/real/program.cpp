@@ -25,7 +25,7 @@ SCENARIO(builds_source, "programs from source", 100) {
     auto program = b.context.create_program_from_source(two_kernels);
     expect_counted(program);
     EXPECT_EQ(program.source_code(), two_kernels);
-    std::atomic<int> calls = 0;
+    auto& calls = lasting<std::atomic<int>>();
     program.build({b.device}, "-DSIGN=-1", count_call, &calls);
     EXPECT_TRUE(comes_true([&calls] { return calls == 1; }));
     EXPECT_EQ(static_cast<int>(program.build_status(b.device)), 0) << program.build_log(b.device);
@@ -84,7 +84,7 @@ SCENARIO(loads_binaries, "programs from binaries", 100) {
 template <class Api>
 typename Api::program compile(bench<Api>& b, char const* source, wire::clCompileProgram with = {}) {
     auto program = b.context.create_program_from_source(source);
-    std::atomic<int> calls = 0;
+    auto& calls = lasting<std::atomic<int>>();
     with.program = raw_of(program);
     with.options = "";
     with.pfn_notify = count_call;
@@ -101,7 +101,7 @@ SCENARIO(compiles_and_links, "programs compiled and linked", 120) {
     char const* const name = "body.h";
     auto const object = compile(b, "#include \"body.h\"\n__kernel void f(__global int* v) { BODY; }",
                                 {.input_headers = &headers, .header_include_names = &name, .num_input_headers = 1});
-    std::atomic<int> calls = 0;
+    auto& calls = lasting<std::atomic<int>>();
     auto program = b.context.link_programs({b.device}, {object}, "", count_call, &calls);
     EXPECT_TRUE(comes_true([&calls] { return calls == 1; }));
     EXPECT_EQ(program.binary_type(b.device), Api::program_binary_type::executable);
@@ -155,7 +155,7 @@ SCENARIO(answers_queries_of_program_scope, "program scope", 220) {
 }
 
 SCENARIO(calls_back_on_release, "program release callbacks", 220) {
-    std::atomic<int> calls = 0;
+    auto& calls = lasting<std::atomic<int>>();
     b.context.create_program_from_source(two_kernels).set_release_callback(count_call, &calls);
     EXPECT_EQ(calls, 1);
 }

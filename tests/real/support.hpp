@@ -15,6 +15,7 @@
 #include <algorithm>
 #include <array>
 #include <cstdint>
+#include <deque>
 #include <functional>
 #include <list>
 #include <numeric>
@@ -98,6 +99,14 @@ bytes intermediate_language();
 
 /// Waits a little for what OpenCL does on a thread of its own.
 bool comes_true(std::function<bool()> const& condition);
+
+/// An object that lives as long as the process, for callbacks: with nulled pointers an object that would call may stay
+/// behind, and call after its scenario has ended.
+template <class T>
+T& lasting() {
+    static std::deque<T> all;
+    return all.emplace_back();
+}
 
 /// Has OpenCL tell when it deletes the context, where the implementation can.
 void watch(std::string const& implementation, _nq_cl_context* context);
