@@ -91,15 +91,6 @@ capability version_of(nq_call_handle* handle) {
     return last.version;
 }
 
-// A layer that is out of memory still passes calls on.
-template <class Function>
-void attempt(Function function) noexcept {
-    try {
-        function();
-    } catch (...) { // NOLINT(bugprone-empty-catch)
-    }
-}
-
 } // namespace
 
 int forward(call const& made) noexcept {

@@ -35,6 +35,15 @@ bool read_safely(void* to, void const* from, std::size_t size) noexcept;
 /// Writes one line to standard error in one piece, after the name of the layer. Keeps `errno`.
 void print(char const* layer, std::string const& line) noexcept;
 
+/// Runs a function of the layer's own. What it throws is dropped: a layer that is out of memory still passes calls on.
+template <class Function>
+void attempt(Function function) noexcept {
+    try {
+        function();
+    } catch (...) { // NOLINT(bugprone-empty-catch)
+    }
+}
+
 /// Performs a command with a block of the layer's own through the next libnq. False if there is no such command, the
 /// call failed, or OpenCL refused it.
 template <class Block>

@@ -28,15 +28,18 @@ def breaches(program, folder, line):
     layers = [folder / f"libnq-{layer}.so" for layer in layers.split()]
     status, output, printed = run(program, mistake, layers, settings)
     seen = [output.strip().replace("\n", " ")] if settings else []
-    if not settings and (status, output) != run(program, mistake)[:2]:
-        yield f"the program sees something else: {output}"
+    if not settings:
+        plain, unwatched = run(program, mistake)[:2]
+        found = any(printed) and "leaks" in line.split(" |")[0]
+        if (status, output) != (1 if found else plain, unwatched):
+            yield f"exit status {status}, and the program sees: {output}"
     printed = seen + printed
     if len(printed) != len(patterns):
         yield f"{len(printed)} lines in place of {len(patterns)}"
     for text, pattern in zip(printed, patterns):
         if not re.search(pattern, text):
             yield f"no {pattern}"
-    if status not in (0, 2):
+    if status not in (0, 1, 2):
         yield f"exit status {status}"
 
 

@@ -88,6 +88,15 @@ std::map<std::string, std::function<void(session&)>> const mistakes{
          here.launch(kernel, 64, 4);
      }},
     {"empty", [](session& here) { (void)here.context.create_buffer(cl::mem_flags::read_write, 0, nullptr); }},
+    {"leak",
+     [](session& here) {
+         auto* const kept = new std::vector<cl::buffer>(2, here.buffer); // both are copies
+         kept->push_back(here.context.create_buffer(cl::mem_flags::read_write, 64, nullptr));
+         new auto(here.context.create_sub_buffer(here.buffer, cl::mem_flags::read_write, 0, 64));
+         for (int i = 0; i < 2; ++i) {
+             new cl::event(here.queue.enqueue_marker(0, nullptr));
+         }
+     }},
     {"moved",
      [](session& here) {
          cl::command_queue const taken = std::move(here.queue);

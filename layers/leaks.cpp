@@ -1,0 +1,225 @@
+// Writes at exit which OpenCL objects and which shared memory the program has not released, and where it made them.
+
+#include "layer.hpp"
+#include "source.hpp"
+
+#include <algorithm>
+#include <charconv>
+#include <cstdio>
+#include <cstdlib>
+#include <limits>
+#include <map>
+#include <mutex>
+#include <string_view>
+#include <tuple>
+#include <unistd.h>
+#include <unordered_map>
+#include <utility>
+#include <vector>
+
+namespace nq::layer {
+namespace {
+
+constexpr char const* name = "nq-leaks";
+
+struct object {
+    char const* entry; // that made it, or retained it first
+    std::int64_t references;
+    std::uint64_t number; // in the order of making
+    call_site site;
+};
+
+// Never freed: a program may make calls until its very end.
+struct account {
+    std::mutex mutex;
+    std::unordered_map<void*, object> living;
+    std::uint64_t made = 0;
+    pid_t const process = getpid(); // a forked child answers only for its own
+};
+
+account& all() {
+    static account& made = *new account;
+    return made;
+}
+
+bool is_own() { return all().process == getpid(); }
+
+void add(void* address, char const* entry, call_site const& site) {
+    if (address != nullptr) {
+        std::scoped_lock const lock{all().mutex};
+        all().living[address] = {entry, 1, ++all().made, site};
+    }
+}
+
+void retain(void* address, char const* entry, bool is_device) {
+    std::unique_lock lock{all().mutex};
+    if (auto const found = all().living.find(address); found != all().living.end()) {
+        ++found->second.references;
+    } else if (!is_device) { // devices that are not parts of others have no count
+        lock.unlock();
+        add(address, entry, call_site::here()); // what another library made
+    }
+}
+
+// What calls that failed have not taken.
+using taken = std::vector<std::pair<void*, object>>;
+
+void release(void* address, std::int64_t references, taken& before) {
+    std::scoped_lock const lock{all().mutex};
+    if (auto const found = all().living.find(address); found != all().living.end()) {
+        before.emplace_back(*found);
+        if ((found->second.references -= references) <= 0) {
+            all().living.erase(found);
+        }
+    }
+}
+
+void give_back(taken const& before) {
+    std::scoped_lock const lock{all().mutex};
+    for (auto const& [address, each] : before) {
+        all().living[address] = each;
+    }
+}
+
+// The objects behind a field that a call has written: `result`, an event, a list with the number of objects after it.
+void add_written(call const& made, description const& about, field const& each, call_site const& site) {
+    void const* const value = read_pointer(made.block, each.offset);
+    if (each.offset == about.result) {
+        add(const_cast<void*>(value), about.name, site);
+        return;
+    }
+    std::uint64_t count = 1;
+    if (each.length.rule == length_rule::counted) {
+        auto const* const written = std::find_if(about.begin(), about.end(), [](field const& other) {
+            return other.kind == field_kind::count && other.direction == direction::out;
+        });
+        std::uint64_t const offered = read_field(made.block, each.length.operands[0], sizeof(std::uint32_t));
+        void const* const told = written != about.end() ? read_pointer(made.block, written->offset) : nullptr;
+        count = told != nullptr ? std::min<std::uint64_t>(offered, *static_cast<std::uint32_t const*>(told)) : offered;
+    }
+    for (std::uint64_t i = 0; value != nullptr && i < count; ++i) {
+        add(static_cast<void* const*>(value)[i], about.name, site);
+    }
+}
+
+bool makes_objects(std::string_view entry) {
+    return entry.starts_with("clCreate") || entry.starts_with("clEnqueue") || entry == "clCloneKernel" ||
+           entry == "clLinkProgram";
+}
+
+void note_made(call const& made, description const& about) {
+    call_site site;
+    for (field const& each : about) {
+        bool const is_written = each.direction == direction::out && each.kind == field_kind::handle;
+        if (is_written && read_pointer(made.block, each.offset) != nullptr) {
+            site = site == call_site{} ? call_site::here() : site;
+            add_written(made, about, each, site);
+        }
+    }
+}
+
+void* first_field(call const& made, description const& about) {
+    return const_cast<void*>(read_pointer(made.block, about.begin()->offset));
+}
+
+// Before the call: another thread may get the address of what it frees at once.
+taken note_released(call const& made, description const& about) {
+    constexpr auto every = std::numeric_limits<std::int64_t>::max();
+    taken before;
+    if (std::string_view(about.name).starts_with("clRelease")) {
+        release(first_field(made, about), 1, before);
+    } else if (&about == &description_of<block::clSVMFree>) {
+        release(static_cast<block::clSVMFree*>(made.block)->svm_pointer, every, before);
+    } else if (&about == &description_of<block::clEnqueueSVMFree>) {
+        auto const& freed = *static_cast<block::clEnqueueSVMFree*>(made.block);
+        for (std::uint32_t i = 0; freed.svm_pointers != nullptr && i < freed.num_svm_pointers; ++i) {
+            release(freed.svm_pointers[i], every, before);
+        }
+    }
+    return before;
+}
+
+void note_success(call const& made, description const& about) {
+    std::string_view const entry = about.name;
+    if (entry.starts_with("clRetain")) {
+        retain(first_field(made, about), about.name, about.begin()->object == object_kind::device_id);
+    } else if (&about == &description_of<block::clSVMAlloc>) {
+        add(static_cast<block::clSVMAlloc*>(made.block)->result, about.name, call_site::here());
+    } else if (makes_objects(entry)) {
+        note_made(made, about);
+    }
+}
+
+std::string plural(std::uint64_t count, char const* what) {
+    return std::to_string(count) + ' ' + what + (count == 1 ? "" : "s");
+}
+
+// From NQ_LEAKS, `exit-status=N`.
+int exit_status() {
+    char const* const text = std::getenv("NQ_LEAKS");
+    std::string_view const wanted = text != nullptr ? text : "";
+    constexpr std::string_view key = "exit-status=";
+    int status = 1;
+    if (wanted.empty()) {
+        return status;
+    }
+    std::string_view const number = wanted.starts_with(key) ? wanted.substr(key.size()) : "";
+    auto const [end, error] = std::from_chars(number.data(), number.data() + number.size(), status);
+    if (error != std::errc{} || end != number.data() + number.size() || status < 0 || status > 255) {
+        print(name, "NQ_LEAKS: use exit-status=N with N from 0 to 255, not '" + std::string(wanted) + "'");
+        return 1;
+    }
+    return status;
+}
+
+// One line for the objects that one place has made.
+void print_all() {
+    using place = std::tuple<std::string, std::string, std::int64_t>; // entry point, line, references
+    std::map<place, std::pair<std::uint64_t, std::uint64_t>> lines;   // to the first number and the count
+    for (auto const& [address, each] : all().living) {
+        auto& [first, count] = lines[{each.entry, each.site.text(), each.references}];
+        first = count++ == 0 ? each.number : std::min(first, each.number);
+    }
+    std::map<std::uint64_t, std::string> in_order;
+    for (auto const& [where, line] : lines) {
+        auto const& [entry, source, references] = where;
+        in_order[line.first] = (line.second > 1 ? std::to_string(line.second) + " times " : "") + entry +
+                               (source.empty() ? "" : " at " + source) + ": " +
+                               plural(static_cast<std::uint64_t>(references), "reference");
+    }
+    print(name, plural(all().living.size(), "object") + " not released");
+    for (auto const& [number, text] : in_order) {
+        print(name, text);
+    }
+}
+
+[[gnu::destructor]] void report() {
+    std::unique_lock lock{all().mutex};
+    if (!is_own() || all().living.empty()) {
+        return;
+    }
+    print_all();
+    if (int const status = exit_status(); status != 0) {
+        std::fflush(nullptr);
+        _exit(status);
+    }
+}
+
+} // namespace
+
+int perform(call const& made) noexcept {
+    description const* const about = made.about();
+    if (about == nullptr || !is_own()) {
+        return forward(made);
+    }
+    taken before;
+    attempt([&] { before = note_released(made, *about); });
+    int const result = forward(made);
+    bool const succeeded =
+        result == result::success &&
+        (about->status == absent || read_field(made.block, about->status, sizeof(std::int32_t)) == 0);
+    attempt([&] { succeeded ? note_success(made, *about) : give_back(before); });
+    return result;
+}
+
+} // namespace nq::layer
