@@ -3,20 +3,23 @@
 #include "internal/log_failure.hpp"
 
 #include <atomic>
+#include <cerrno>
 #include <cstdlib>
+#include <fcntl.h>
 #include <spdlog/sinks/basic_file_sink.h>
 #include <spdlog/sinks/null_sink.h>
 #include <spdlog/sinks/stdout_sinks.h>
 #include <spdlog/spdlog.h>
 #include <string_view>
+#include <unistd.h>
 
 namespace vorn::mero::internal {
 namespace {
 
 constexpr char const* logger_name = "mero";
+constexpr char const* file_name = "mero.log";
 
-// Has no destructor, so that destructors can read it until the very end of the process.
-std::atomic<bool> logger_is_gone{false};
+std::atomic<bool> logging_has_ended{false};
 
 // Constructs spdlog's registry when the library is loaded. The registry then outlives all objects of the program, whose
 // destructors may be the first to log.
@@ -27,9 +30,19 @@ std::string_view environment(char const* name, std::string_view otherwise) {
     return value != nullptr ? value : otherwise;
 }
 
+// spdlog tries five times, 10 ms apart, before it says that it cannot open a file.
+void require_file() {
+    int const file = ::open(file_name, O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC, 0666);
+    if (file < 0) {
+        throw spdlog::spdlog_ex(std::string("Failed opening file ") + file_name + " for writing", errno);
+    }
+    ::close(file);
+}
+
 std::shared_ptr<spdlog::logger> make_logger(std::string_view target) {
     if (target == "file") {
-        return spdlog::basic_logger_mt(logger_name, "mero.log");
+        require_file();
+        return spdlog::basic_logger_mt(logger_name, file_name);
     }
     if (target == "console") {
         return spdlog::stderr_logger_mt(logger_name);
@@ -54,8 +67,16 @@ spdlog::level::level_enum level_of(std::string_view word) {
     return level_enum::off;
 }
 
-struct process_wide_singleton : log_singleton {
-    ~process_wide_singleton() { logger_is_gone = true; }
+struct end_of_logging {
+    spdlog::logger& logger;
+
+    ~end_of_logging() {
+        logging_has_ended = true;
+        try {
+            logger.flush();
+        } catch (...) { // of a program's own sink; process exit has nowhere to report this
+        }
+    }
 };
 
 } // namespace
@@ -70,14 +91,16 @@ log_singleton::log_singleton() {
 log_singleton::~log_singleton() = default;
 
 log_singleton& get_log_singleton() {
-    static process_wide_singleton singleton;
+    // Never destroyed: a detached thread may be about to log when the process exits.
+    static auto& singleton = *new log_singleton;
+    static end_of_logging const end{*singleton.get_logger()};
     return singleton;
 }
 
 spdlog::logger* get_mero_logger() { return get_log_singleton().get_logger(); }
 
 void log_failure(char const* message) noexcept {
-    if (logger_is_gone) {
+    if (logging_has_ended) {
         return;
     }
     try {

@@ -6,12 +6,17 @@
 #include <vorn/mero/internal/logger.hpp>
 #include <vorn/mero/opencl_1_2.hpp>
 
+#include <atomic>
 #include <cstdio>
 #include <cstdlib>
+#include <ctime>
 #include <map>
+#include <spdlog/details/null_mutex.h>
+#include <spdlog/sinks/base_sink.h>
 #include <spdlog/sinks/stdout_sinks.h>
 #include <spdlog/spdlog.h>
 #include <sys/stat.h>
+#include <thread>
 #include <unistd.h>
 
 namespace {
@@ -35,6 +40,34 @@ context& doomed_at_exit() {
     scripted::libnq::instance().fail<nq::block::clReleaseContext>(scripted::status(-5));
     return doomed;
 }
+
+// A thread in the midst of logging, and what process exit meanwhile does to the logger.
+std::atomic<bool> is_logging{false};
+std::atomic<bool> may_end{false};
+std::atomic<bool> has_logged{false};
+std::atomic<bool> sink_is_gone{false};
+
+void set(std::atomic<bool>& flag) {
+    flag = true;
+    flag.notify_all();
+}
+
+struct slow_sink : spdlog::sinks::base_sink<spdlog::details::null_mutex> {
+    ~slow_sink() override { sink_is_gone = true; }
+    void sink_it_(spdlog::details::log_msg const&) override {
+        set(is_logging);
+        may_end.wait(false);
+        std::printf("%s", sink_is_gone ? "destroyed" : "logged");
+    }
+    void flush_() override { std::printf("flushed "); }
+};
+
+struct end_of_exit {
+    ~end_of_exit() {
+        set(may_end);
+        has_logged.wait(false);
+    }
+};
 
 std::map<std::string, void (*)()> const scenes = {
     {"release", [] { context const object = make_context(); }},
@@ -78,11 +111,28 @@ std::map<std::string, void (*)()> const scenes = {
          get_mero_logger();
          doomed_at_exit();
      }},
+    {"exit_while_a_thread_logs",
+     [] {
+         scripted::libnq::instance();
+         static end_of_exit const after_the_logger;
+         get_mero_logger()->sinks() = {std::make_shared<slow_sink>()};
+         std::thread([] {
+             release_and_fail();
+             set(has_logged);
+         }).detach();
+         is_logging.wait(false);
+     }},
     {"log_first_at_exit", [] {
          doomed_at_exit();
          spdlog::get("a logger of the program"); // its use of spdlog begins late and ends early
      }}};
 
 } // namespace
+
+// In place of the system's: nothing of the library may wait.
+extern "C" [[gnu::visibility("default")]] int nanosleep(timespec const*, timespec*) {
+    std::printf("slept");
+    return 0;
+}
 
 int main(int, char** arguments) { scenes.at(arguments[1])(); }

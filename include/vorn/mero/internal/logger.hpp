@@ -39,9 +39,10 @@ private:
     std::shared_ptr<spdlog::logger> logger_;
 };
 
-/// The library's own logger. The first call, or the first failing destructor, constructs it; process exit destroys it.
-/// Later changes to the variables have no effect. Throws what the construction throws; the next call then tries again.
-/// Thread-safe.
+/// The library's own logger. The first call, or the first failing destructor, constructs it; process exit flushes it,
+/// and the library logs nothing after that. Later changes to the variables have no effect. Throws what the construction
+/// throws; the next call then tries again. Thread-safe; a detached thread may use the logger until the process has
+/// ended.
 VORN_MERO_EXPORT log_singleton& get_log_singleton();
 
 /// The logger of `get_log_singleton`, for logging and configuration; never null. The logger is thread-safe. Throws as
