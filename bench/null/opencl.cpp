@@ -158,8 +158,19 @@ INFO(clGetCommandQueueInfo, cl_command_queue) {
 }
 
 INFO(clGetProgramInfo, cl_program) { return reply(size, value, size_ret, cl_uint{param}); }
-cl_int clGetProgramBuildInfo(cl_program, cl_device_id, cl_uint, std::size_t size, void* value, std::size_t* size_ret) {
-    return reply(size, value, size_ret, std::string_view(""));
+cl_int clGetProgramBuildInfo(cl_program, cl_device_id, cl_uint param, std::size_t size, void* value,
+                             std::size_t* size_ret) {
+    return param == CL_PROGRAM_BUILD_STATUS ? reply(size, value, size_ret, cl_build_status{CL_BUILD_SUCCESS})
+                                            : reply(size, value, size_ret, std::string_view(""));
+}
+INFO(clGetKernelInfo, cl_kernel) {
+    return param == CL_KERNEL_NUM_ARGS ? reply(size, value, size_ret, cl_uint{3})
+                                       : reply(size, value, size_ret, std::string_view("add"));
+}
+cl_int clGetKernelArgInfo(cl_kernel, cl_uint, cl_uint param, std::size_t size, void* value, std::size_t* size_ret) {
+    return param == CL_KERNEL_ARG_ADDRESS_QUALIFIER
+               ? reply(size, value, size_ret, cl_uint{CL_KERNEL_ARG_ADDRESS_GLOBAL})
+               : reply(size, value, size_ret, std::string_view(param == CL_KERNEL_ARG_TYPE_NAME ? "float*" : "a"));
 }
 
 CREATE(cl_context, clCreateContext, cl_context_properties const*, cl_uint, cl_device_id const*,
@@ -171,6 +182,7 @@ CREATE(cl_mem, clCreateImage, cl_context, cl_mem_flags, cl_image_format const*, 
 CREATE(cl_event, clCreateUserEvent, cl_context)
 CREATE(cl_program, clCreateProgramWithSource, cl_context, cl_uint, char const**, sizes)
 CREATE(cl_kernel, clCreateKernel, cl_program, char const*)
+CREATE(cl_kernel, clCloneKernel, cl_kernel)
 STATUS(clBuildProgram, cl_program, cl_uint, cl_device_id const*, char const*, void (*)(cl_program, void*), void*)
 
 void* clSVMAlloc(cl_context, cl_svm_mem_flags, std::size_t, cl_uint) {
