@@ -85,25 +85,6 @@ void list(std::integer_sequence<int, Versions...>) {
     (list_version(api<Versions>{}), ...);
 }
 
-/// What only the plain implementation takes.
-void pass_on() {
-    int object = 0;
-    for (auto const& device : opencl_1_0::get_all_devices()) {
-        std::uint64_t old = 0;
-        nq::block::clSetCommandQueueProperty block{reinterpret_cast<_nq_cl_command_queue*>(&object), 2, &old, 0, 1};
-        EXPECT_EQ(perform(handle_of(device), nq::command_id<nq::capability::opencl_1_0, decltype(block)>, block).status,
-                  0);
-        EXPECT_EQ(old, 21U);
-    }
-    for (auto const& device : opencl_2_2::get_all_devices()) {
-        bool called = false;
-        auto const call = [](_nq_cl_program*, void* data) { *static_cast<bool*>(data) = true; };
-        nq::block::clSetProgramReleaseCallback block{reinterpret_cast<_nq_cl_program*>(&object), call, &called};
-        perform(handle_of(device), nq::command_id<nq::capability::opencl_2_2, decltype(block)>, block);
-        EXPECT_TRUE(called);
-    }
-}
-
 template <int... Versions>
 void use(std::integer_sequence<int, Versions...>) {
     auto const use_version = []<class Api>(Api) {
@@ -147,8 +128,6 @@ int perform_mode(std::string const& mode, char const* argument) {
     }
     if (mode == "use") {
         use(versions{});
-    } else if (mode == "pass_on") {
-        pass_on();
     } else if (mode == "overrun") {
         overrun();
     } else if (mode == "look_up") {
@@ -214,7 +193,6 @@ TEST(libraries, an_implementation_works_without_a_loader) {
 
 TEST(libraries, an_implementation_without_a_dispatch_table_is_not_looked_into) {
     EXPECT_EQ(lines_of(run("NQ_BRIDGE_OPENCL=" PLAIN, "list")), names{"Plain"});
-    run("NQ_BRIDGE_OPENCL=" PLAIN, "pass_on");
     EXPECT_EQ(run("NQ_BRIDGE_OPENCL=" EMPTY, "list"), "");
 }
 

@@ -2,7 +2,6 @@
 // them, and its objects do not begin with a dispatch table.
 
 #define CL_TARGET_OPENCL_VERSION 220
-#define CL_USE_DEPRECATED_OPENCL_1_0_APIS
 #include <CL/cl.h>
 
 #include <algorithm>
@@ -62,18 +61,6 @@ cl_int clGetDeviceInfo(cl_device_id, cl_device_info name, std::size_t size, void
     return name == CL_DEVICE_PLATFORM
                ? answer({reinterpret_cast<char const*>(&platform), sizeof platform}, size, value, param_value_size_ret)
                : clGetPlatformInfo(nullptr, CL_PLATFORM_VERSION, size, value, param_value_size_ret);
-}
-
-// No other implementation shows what it is given here.
-cl_int clSetCommandQueueProperty(cl_command_queue, cl_command_queue_properties properties, cl_bool enable,
-                                 cl_command_queue_properties* old_properties) {
-    *old_properties = 10 * properties + enable;
-    return CL_SUCCESS;
-}
-cl_int clSetProgramReleaseCallback(cl_program program, void(CL_CALLBACK* pfn_notify)(cl_program, void*),
-                                   void* user_data) {
-    pfn_notify(program, user_data);
-    return CL_SUCCESS;
 }
 
 cl_int clRetainDevice(cl_device_id) { return CL_SUCCESS; }
