@@ -35,22 +35,8 @@ void work_on(device const& target) {
     EXPECT_EQ(b.load(values), counting(8, 2));
 }
 
-/// Each command of a version with a block of zeros.
-template <class Api>
-void send_zeros(std::string const& implementation) {
-    for (auto const& each : Api::get_all_devices()) {
-        bool const meant = implementation_of(each.get_platform().name()) == implementation;
-        for (std::uint32_t id = 1; meant && id <= nq::commands<Api::capability>::size; ++id) {
-            std::cout << Api::number << " command " << id << " with zeros" << std::endl;
-            alignas(8) std::array<unsigned char, 256> block{};
-            nq_call_capability(handle_of(each), id, block.data(), nullptr);
-        }
-    }
-}
-
 /// Every scenario of an implementation also with nulled pointers.
 int run_nulled(std::string const& implementation) {
-    for_each_version([&]<class Api>(Api) { send_zeros<Api>(implementation); });
     start_nulling();
     GTEST_FLAG_SET(filter, implementation + ".*-*.comes_back*:*.forks*:*.refuses*:*.tells_of_a*");
     auto& listeners = testing::UnitTest::GetInstance()->listeners();
