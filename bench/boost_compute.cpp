@@ -12,6 +12,7 @@ namespace compute = boost::compute;
 struct objects {
     explicit objects(cl_device_id on) : device(on) {
         kernel.set_arg(0, a);
+        add.set_args(a, b, sum);
         for (compute::event& event : events) {
             event = queue.enqueue_marker();
         }
@@ -24,8 +25,10 @@ struct objects {
     compute::command_queue queue{context, device};
     compute::buffer a = make_buffer();
     compute::buffer b = make_buffer();
+    compute::buffer sum = make_buffer();
     compute::program program = compute::program::build_with_source(program_text, context);
     compute::kernel kernel{program, "nothing"};
+    compute::kernel add{program, "add"};
     std::array<compute::event, 4> events;
 };
 
@@ -59,6 +62,16 @@ void add_basics(rows<objects> add) {
     });
 }
 
+void add_usual_work(rows<objects> add) {
+    add("set 3 arguments", [](objects& on) { on.add.set_args(on.a, on.b, on.sum); });
+    add("set 3 arguments, launch, event", [](objects& on) {
+        on.add.set_args(on.a, on.b, on.sum);
+        keep(on.queue.enqueue_1d_range_kernel(on.add, 0, work_items, group_size));
+    });
+    add("write_buffer, blocking", [](objects& on) { on.queue.enqueue_write_buffer(on.a, 0, bytes, host.data()); });
+    add("read_buffer, blocking", [](objects& on) { on.queue.enqueue_read_buffer(on.a, 0, bytes, host.data()); });
+}
+
 void add_commands(rows<objects> add) {
     add("launch, event", [](objects& on) { // there is no launch without one
         keep(on.queue.enqueue_1d_range_kernel(on.kernel, 0, work_items, group_size));
@@ -80,6 +93,7 @@ contender boost_compute(cl_device_id device) {
     auto const on = std::make_shared<objects>(device);
     contender made{"Boost.Compute", {}, {}, [on] { on->queue.finish(); }};
     add_basics({made, on});
+    add_usual_work({made, on});
     add_commands({made, on});
     return made;
 }

@@ -8,6 +8,7 @@ struct objects {
         program = clCreateProgramWithSource(context, 1, &text, nullptr, nullptr);
         clBuildProgram(program, 0, nullptr, "", nullptr, nullptr);
         kernel = clCreateKernel(program, "nothing", nullptr);
+        add = clCreateKernel(program, "add", nullptr);
         clSetKernelArg(kernel, 0, sizeof a, &a);
         for (cl_event& event : events) {
             clEnqueueMarkerWithWaitList(queue, 0, nullptr, &event);
@@ -30,11 +31,13 @@ struct objects {
     cl_command_queue queue = clCreateCommandQueue(context, device, 0, nullptr);
     cl_mem a = make_buffer();
     cl_mem b = make_buffer();
+    cl_mem sum = make_buffer();
     cl_mem image = make_image();
     cl_mem second_image = make_image();
     void* memory = clSVMAlloc(context, CL_MEM_READ_WRITE, 2 * bytes, 0);
     cl_program program;
     cl_kernel kernel;
+    cl_kernel add;
     std::array<cl_event, 4> events{};
     std::vector<cl_mem> many;
 };
@@ -94,6 +97,28 @@ void add_basics(rows<objects> add) {
         keep(on.a);
     });
     add("throw and catch", [](objects& on) { keep(clSetKernelArg(on.kernel, invalid_index, sizeof on.a, &on.a)); });
+}
+
+void set_arguments(objects& on) {
+    clSetKernelArg(on.add, 0, sizeof on.a, &on.a);
+    clSetKernelArg(on.add, 1, sizeof on.b, &on.b);
+    clSetKernelArg(on.add, 2, sizeof on.sum, &on.sum);
+}
+
+void add_usual_work(rows<objects> add) {
+    add("set 3 arguments", [](objects& on) { set_arguments(on); });
+    add("set 3 arguments, launch, event", [](objects& on) {
+        set_arguments(on);
+        std::size_t const global[] = {work_items};
+        std::size_t const local[] = {group_size};
+        cl_event event = nullptr;
+        clEnqueueNDRangeKernel(on.queue, on.add, 1, nullptr, global, local, 0, nullptr, &event);
+        clReleaseEvent(event);
+    });
+    add("write_buffer, blocking",
+        [](objects& on) { clEnqueueWriteBuffer(on.queue, on.a, CL_TRUE, 0, bytes, host.data(), 0, nullptr, nullptr); });
+    add("read_buffer, blocking",
+        [](objects& on) { clEnqueueReadBuffer(on.queue, on.a, CL_TRUE, 0, bytes, host.data(), 0, nullptr, nullptr); });
 }
 
 void add_kernel_commands(rows<objects> add) {
@@ -223,6 +248,7 @@ contender c_api(cl_device_id device) {
     contender made{"C API", {}, {}, [on] { clFinish(on->queue); }};
     rows<objects> const add(made, on);
     add_basics(add);
+    add_usual_work(add);
     add_kernel_commands(add);
     add_buffer_commands(add);
     add_image_commands(add);

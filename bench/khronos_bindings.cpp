@@ -14,10 +14,18 @@ struct objects {
     explicit objects(cl_device_id on) : device(on, true) {
         program.build("");
         kernel = cl::Kernel(program, "nothing");
+        add = cl::Kernel(program, "add");
+        set_arguments();
         kernel.setArg(0, a);
         for (cl::Event& event : events) {
             queue.enqueueMarkerWithWaitList(nullptr, &event);
         }
+    }
+
+    void set_arguments() {
+        add.setArg(0, a);
+        add.setArg(1, b);
+        add.setArg(2, sum);
     }
 
     cl::Buffer make_buffer() const { return {context, CL_MEM_READ_WRITE, buffer_size}; }
@@ -27,8 +35,10 @@ struct objects {
     cl::CommandQueue queue{context, device};
     cl::Buffer a = make_buffer();
     cl::Buffer b = make_buffer();
+    cl::Buffer sum = make_buffer();
     cl::Program program{context, program_text};
     cl::Kernel kernel;
+    cl::Kernel add;
     std::array<cl::Event, 4> events;
 };
 
@@ -60,6 +70,19 @@ void add_basics(rows<objects> add) {
             keep(failed);
         }
     });
+}
+
+void add_usual_work(rows<objects> add) {
+    add("set 3 arguments", [](objects& on) { on.set_arguments(); });
+    add("set 3 arguments, launch, event", [](objects& on) {
+        on.set_arguments();
+        cl::Event event;
+        on.queue.enqueueNDRangeKernel(on.add, cl::NullRange, work_items, group_size, nullptr, &event);
+        keep(event);
+    });
+    add("write_buffer, blocking",
+        [](objects& on) { on.queue.enqueueWriteBuffer(on.a, CL_TRUE, 0, bytes, host.data()); });
+    add("read_buffer, blocking", [](objects& on) { on.queue.enqueueReadBuffer(on.a, CL_TRUE, 0, bytes, host.data()); });
 }
 
 void add_commands(rows<objects> add) {
@@ -101,6 +124,7 @@ contender khronos_bindings(cl_device_id device) {
     auto const on = std::make_shared<objects>(device);
     contender made{"Khronos C++ bindings", {}, {}, [on] { on->queue.finish(); }};
     add_basics({made, on});
+    add_usual_work({made, on});
     add_commands({made, on});
     return made;
 }

@@ -22,10 +22,18 @@ struct objects {
     explicit objects(cl_device_id on) : device(same_device(on)) {
         program.build({}, "", nullptr, nullptr);
         kernel.emplace(program.create_kernel("nothing"));
+        add.emplace(program.create_kernel("add"));
+        set_arguments();
         kernel->set_argument(0, a);
         for (int i = 0; i != 4; ++i) {
             events.push_back(queue.enqueue_marker(0, nullptr));
         }
+    }
+
+    void set_arguments() {
+        add->set_argument(0, a);
+        add->set_argument(1, b);
+        add->set_argument(2, sum);
     }
 
     mero::buffer make_buffer() { return context.create_buffer(mero::mem_flags::read_write, buffer_size, nullptr); }
@@ -40,11 +48,13 @@ struct objects {
     mero::host_command_queue queue = context.create_host_command_queue(device, false, false);
     mero::buffer a = make_buffer();
     mero::buffer b = make_buffer();
+    mero::buffer sum = make_buffer();
     mero::image_2d image = make_image();
     mero::image_2d second_image = make_image();
     void* memory = context.svm_allocate(mero::svm_mem_flags::read_write, 2 * bytes, 0);
     mero::program program = context.create_program_from_source(program_text);
     std::optional<mero::kernel> kernel;
+    std::optional<mero::kernel> add;
     std::vector<mero::event> events;
     std::vector<mero::buffer> many;
 };
@@ -88,6 +98,21 @@ void add_basics(rows<objects> add) {
     add("throw and catch", [](objects& on) { fail(on, invalid_index); });
     add("throw and catch -1", [](objects& on) { fail(on, 1001); });
     add("throw and catch -72", [](objects& on) { fail(on, 1072); });
+}
+
+void add_usual_work(rows<objects> add) {
+    add("set 3 arguments", [](objects& on) { on.set_arguments(); });
+    add("set 3 arguments, launch, event", [](objects& on) {
+        on.set_arguments();
+        keep(on.queue.enqueue_command(
+            mero::nd_range_kernel(*on.add, 1, {0, 0, 0}, {work_items, 1, 1}, {group_size, 1, 1})));
+    });
+    add("write_buffer, blocking", [](objects& on) {
+        on.queue.enqueue_command_without_event(mero::write_buffer(on.a, true, 0, bytes, host.data()));
+    });
+    add("read_buffer, blocking", [](objects& on) {
+        on.queue.enqueue_command_without_event(mero::read_buffer(on.a, true, 0, bytes, host.data()));
+    });
 }
 
 void add_kernel_commands(rows<objects> add) {
@@ -208,6 +233,7 @@ contender library(cl_device_id device) {
     contender made{"library", {}, {}, [on] { on->queue.finish(); }};
     rows<objects> const add(made, on);
     add_basics(add);
+    add_usual_work(add);
     add_kernel_commands(add);
     add_buffer_commands(add);
     add_image_commands(add);

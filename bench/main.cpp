@@ -73,7 +73,7 @@ int main(int count, char** arguments) {
         bench::threads();
         return EXIT_SUCCESS;
     }
-    std::vector<bench::contender> const contenders{bench::c_api(device), bench::library(device),
+    std::vector<bench::contender> const contenders{bench::c_api(device), bench::library(device), bench::easy(device),
                                                    bench::khronos_bindings(device), bench::boost_compute(device)};
     for (bench::contender const& each : contenders) {
         if (!each.missing.empty()) {

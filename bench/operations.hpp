@@ -33,6 +33,7 @@ struct contender {
 // The first has every operation, the others those that they support.
 contender c_api(cl_device_id device);
 contender library(cl_device_id device);
+contender easy(cl_device_id device); // the library's convenient layer
 contender khronos_bindings(cl_device_id device);
 contender boost_compute(cl_device_id device);
 
@@ -44,7 +45,10 @@ inline constexpr std::size_t buffer_size = 4096;
 inline constexpr std::size_t bytes = 64;
 inline constexpr std::size_t image_side = 16;
 inline constexpr cl_uint pattern = 7;
-inline constexpr char const* program_text = "kernel void nothing(global uchar* memory) {}";
+inline constexpr char const* program_text =
+    "kernel void nothing(global uchar* memory) {}"
+    "kernel void add(global float const* a, global float const* b, global float* sum)"
+    "{ size_t i = get_global_id(0); sum[i] = a[i] + b[i]; }";
 
 /// No argument of a kernel has this index. The OpenCL that does nothing returns 1000 minus the index as status.
 inline constexpr cl_uint invalid_index = 1049;

@@ -10,6 +10,7 @@
 #include <optional>
 #include <string>
 #include <type_traits>
+#include <utility>
 #include <vector>
 
 namespace vorn::mero::easy {
@@ -84,11 +85,17 @@ enum class address_space { unknown, global, constant, local, private_ };
 
 /// What the implementation tells of an argument; of `unknown` address space where it tells nothing.
 struct parameter {
+    parameter() = default;
+    parameter(std::string its_name, std::string its_type, address_space its_space)
+        : name(std::move(its_name)), type(std::move(its_type)), space(its_space),
+          takes_pointer(!type.empty() && type.back() == '*'),
+          wanted(shape_named(takes_pointer ? type.substr(0, type.size() - 1) : type)) {}
+
     std::string name;
     std::string type;
     address_space space = address_space::unknown;
-
-    bool takes_pointer() const { return !type.empty() && type.back() == '*'; }
+    bool takes_pointer = false;
+    std::optional<value_shape> wanted; ///< Of the value, or of the elements that a pointer names; if it is a number's.
 };
 
 /// The parameters of a kernel, without descriptions where the implementation keeps none.
@@ -102,9 +109,8 @@ std::vector<parameter> parameters_of(typename api<Version>::kernel const& kernel
         try {
             for (unsigned i = 0; i != parameters.size(); ++i) {
                 auto const space = static_cast<unsigned>(kernel.argument_address_qualifier(i)) - first_space;
-                parameter told{kernel.argument_name(i), kernel.argument_type_name(i),
-                               space < spaces.size() ? spaces[space] : address_space::unknown};
-                parameters[i] = std::move(told);
+                parameters[i] = parameter(kernel.argument_name(i), kernel.argument_type_name(i),
+                                          space < spaces.size() ? spaces[space] : address_space::unknown);
             }
         } catch (common::opencl_error const&) { // a program from a binary, for one: the rest stays unknown
         }
@@ -112,12 +118,19 @@ std::vector<parameter> parameters_of(typename api<Version>::kernel const& kernel
     return parameters;
 }
 
-/// "kernel 'vadd', argument 3 'n' (uint)".
-inline std::string place(std::string const& kernel, unsigned index, parameter const& declared) {
-    return "kernel '" + kernel + "', argument " + std::to_string(index) +
-           (declared.name.empty() ? "" : " '" + declared.name + "'") +
-           (declared.type.empty() ? "" : " (" + declared.type + ")");
-}
+/// Where an error is. The text is made when there is one, since every launch checks its arguments.
+struct place {
+    /// "kernel 'vadd', argument 3 'n' (uint)".
+    std::string text() const {
+        return "kernel '" + kernel + "', argument " + std::to_string(index) +
+               (declared.name.empty() ? "" : " '" + declared.name + "'") +
+               (declared.type.empty() ? "" : " (" + declared.type + ")");
+    }
+
+    std::string const& kernel;
+    unsigned index;
+    parameter const& declared;
+};
 
 inline char const* name_of(scalar_kind kind) noexcept {
     return kind == scalar_kind::floating  ? "a floating-point number"
@@ -125,43 +138,62 @@ inline char const* name_of(scalar_kind kind) noexcept {
                                           : "a value";
 }
 
-/// Throws `argument_error` where a value cannot be meant for what is declared.
-inline void check_value(std::string const& where, parameter const& declared, value_shape const& given) {
-    if (declared.takes_pointer()) {
-        throw argument_error(where + " takes a pointer, but was given " + name_of(given.kind) + ": pass an array");
+/// Whether both are known, and not the same.
+constexpr bool differ(scalar_kind one, scalar_kind other) noexcept {
+    return one != other && one != scalar_kind::unknown && other != scalar_kind::unknown;
+}
+
+constexpr bool fits_value(parameter const& declared, value_shape const& given) noexcept {
+    auto const& wanted = declared.wanted;
+    return !declared.takes_pointer && (!wanted || (!differ(wanted->kind, given.kind) && wanted->size == given.size));
+}
+
+constexpr bool fits_pointer(parameter const& declared, value_shape const& element, bool local) noexcept {
+    auto const& wanted = declared.wanted;
+    return declared.takes_pointer && local == (declared.space == address_space::local) &&
+           (!wanted || element.kind == scalar_kind::unknown || wanted->kind == scalar_kind::unknown ||
+            (wanted->kind == element.kind && wanted->scalar_size == element.scalar_size));
+}
+
+[[noreturn, gnu::cold, gnu::noinline]] inline void refuse_value(place const& at, value_shape const& given) {
+    if (at.declared.takes_pointer) {
+        throw argument_error(at.text() + " takes a pointer, but was given " + name_of(given.kind) + ": pass an array");
     }
-    auto const wanted = shape_named(declared.type);
-    if (!wanted) {
-        return;
-    }
-    bool const other_kind =
-        given.kind != scalar_kind::unknown && wanted->kind != scalar_kind::unknown && given.kind != wanted->kind;
-    if (other_kind) {
-        throw argument_error(where + " takes " + name_of(wanted->kind) + ", but was given " + name_of(given.kind) +
+    value_shape const& wanted = *at.declared.wanted;
+    if (differ(wanted.kind, given.kind)) {
+        throw argument_error(at.text() + " takes " + name_of(wanted.kind) + ", but was given " + name_of(given.kind) +
                              ": convert the value first");
     }
-    if (given.size != wanted->size) {
-        throw argument_error(where + " takes " + std::to_string(wanted->size) + " bytes, but was given " +
-                             std::to_string(given.size) + ": pass a value of the right type");
+    throw argument_error(at.text() + " takes " + std::to_string(wanted.size) + " bytes, but was given " +
+                         std::to_string(given.size) + ": pass a value of the right type");
+}
+
+[[noreturn, gnu::cold, gnu::noinline]] inline void refuse_pointer(place const& at, value_shape const& element,
+                                                                  bool local) {
+    bool const takes_local = at.declared.space == address_space::local;
+    if (!at.declared.takes_pointer || local != takes_local) {
+        throw argument_error(at.text() + " takes " +
+                             (!at.declared.takes_pointer ? "no pointer"
+                              : takes_local              ? "local memory: pass ez::local"
+                                                         : "memory of an array: pass one"));
+    }
+    value_shape const& wanted = *at.declared.wanted;
+    throw argument_error(at.text() + " takes elements of " + std::to_string(wanted.scalar_size) + " bytes, each " +
+                         name_of(wanted.kind) + ", but was given elements of " + std::to_string(element.scalar_size) +
+                         ", each " + name_of(element.kind) + ": pass an array of the right type");
+}
+
+/// Throws `argument_error` where a value cannot be meant for what is declared.
+inline void check_value(place const& at, value_shape const& given) {
+    if (!fits_value(at.declared, given)) {
+        refuse_value(at, given);
     }
 }
 
 /// The same for an array with elements of a shape, or for local memory.
-inline void check_pointer(std::string const& where, parameter const& declared, value_shape const& element, bool local) {
-    bool const takes_local = declared.space == address_space::local;
-    if (!declared.takes_pointer() || local != takes_local) {
-        throw argument_error(where + " takes " +
-                             (!declared.takes_pointer() ? "no pointer"
-                              : takes_local             ? "local memory: pass ez::local"
-                                                        : "memory of an array: pass one"));
-    }
-    auto const wanted = shape_named(declared.type.substr(0, declared.type.size() - 1));
-    if (wanted && element.kind != scalar_kind::unknown && wanted->kind != scalar_kind::unknown &&
-        (element.kind != wanted->kind || element.scalar_size != wanted->scalar_size)) {
-        throw argument_error(where + " takes elements of " + std::to_string(wanted->scalar_size) + " bytes, each " +
-                             name_of(wanted->kind) + ", but was given elements of " +
-                             std::to_string(element.scalar_size) + ", each " + name_of(element.kind) +
-                             ": pass an array of the right type");
+inline void check_pointer(place const& at, value_shape const& element, bool local) {
+    if (!fits_pointer(at.declared, element, local)) {
+        refuse_pointer(at, element, local);
     }
 }
 

@@ -89,7 +89,9 @@ public:
     /// Sets the arguments without a launch.
     template <class... Arguments>
     void set_arguments(Arguments const&... arguments) {
-        check_count(sizeof...(Arguments));
+        if (sizeof...(Arguments) != parameters_.size()) {
+            refuse_count(sizeof...(Arguments));
+        }
         unsigned index = 0;
         (set(index++, arguments), ...);
     }
@@ -104,43 +106,40 @@ private:
         return event_type(session_->queue.enqueue_command(detail::launch<Version>(exact_, over), count, list));
     }
 
-    void check_count(std::size_t given) const {
-        if (given != parameters_.size()) {
-            std::string wanted;
-            for (auto const& each : parameters_) {
-                wanted += (wanted.empty() ? "" : ", ") + (each.type.empty() ? "?" : each.type + " " + each.name);
-            }
-            throw argument_error("kernel '" + name_ + "' takes " + std::to_string(parameters_.size()) + " arguments (" +
-                                 wanted + "), but was given " + std::to_string(given));
+    [[noreturn, gnu::cold, gnu::noinline]] void refuse_count(std::size_t given) const {
+        std::string wanted;
+        for (auto const& each : parameters_) {
+            wanted += (wanted.empty() ? "" : ", ") + (each.type.empty() ? "?" : each.type + " " + each.name);
         }
+        throw argument_error("kernel '" + name_ + "' takes " + std::to_string(parameters_.size()) + " arguments (" +
+                             wanted + "), but was given " + std::to_string(given));
     }
 
     template <class Argument>
     void set(unsigned index, Argument const& argument) {
-        auto const& declared = parameters_[index];
-        std::string const where = detail::place(name_, index, declared);
-        if (declared.space != detail::address_space::unknown) {
-            check(where, declared, argument);
+        detail::place const at{name_, index, parameters_[index]};
+        if (at.declared.space != detail::address_space::unknown) {
+            check(at, argument);
         }
         try {
             hand_over(index, argument);
         } catch (common::opencl_error const& refused) {
-            std::throw_with_nested(argument_error(where + ": " + refused.what()));
+            std::throw_with_nested(argument_error(at.text() + ": " + refused.what()));
         }
     }
 
     template <class T>
-    static void check(std::string const& where, detail::parameter const& declared, basic_array<T, Version> const&) {
-        detail::check_pointer(where, declared, detail::shape<T>::value, false);
+    static void check(detail::place const& at, basic_array<T, Version> const&) {
+        detail::check_pointer(at, detail::shape<T>::value, false);
     }
     template <class T>
-    static void check(std::string const& where, detail::parameter const& declared, local<T> const&) {
-        detail::check_pointer(where, declared, detail::shape<T>::value, true);
+    static void check(detail::place const& at, local<T> const&) {
+        detail::check_pointer(at, detail::shape<T>::value, true);
     }
     template <class T>
-    static void check(std::string const& where, detail::parameter const& declared, T const&) {
+    static void check(detail::place const& at, T const&) {
         if constexpr (!is_object<T>) {
-            detail::check_value(where, declared, detail::shape<T>::value);
+            detail::check_value(at, detail::shape<T>::value);
         }
     }
 
