@@ -1,79 +1,70 @@
 #include <vorn/mero/internal/logger.hpp>
 
 #include "internal/log_failure.hpp"
+#include "internal/logger_library.hpp"
 
 #include <atomic>
-#include <cerrno>
 #include <cstdlib>
-#include <fcntl.h>
-#include <spdlog/sinks/basic_file_sink.h>
-#include <spdlog/sinks/null_sink.h>
-#include <spdlog/sinks/stdout_sinks.h>
-#include <spdlog/spdlog.h>
+#include <dlfcn.h>
+#include <stdexcept>
+#include <string>
 #include <string_view>
-#include <unistd.h>
+
+namespace spdlog {
+[[gnu::weak]] std::shared_ptr<logger> get(std::string const& name); // null unless the program itself uses spdlog
+}
 
 namespace vorn::mero::internal {
 namespace {
 
-constexpr char const* logger_name = "mero";
-constexpr char const* file_name = "mero.log";
-
 std::atomic<bool> logging_has_ended{false};
 
-// Constructs spdlog's registry when the library is loaded. The registry then outlives all objects of the program, whose
-// destructors may be the first to log.
-[[maybe_unused]] auto const registry_is_alive = spdlog::get(logger_name) != nullptr;
+// Constructs spdlog's registry, if the program uses spdlog, when the library is loaded. The registry then outlives all
+// objects of the program, whose destructors may be the first to log.
+[[maybe_unused]] auto const registry_is_alive = &spdlog::get != nullptr && spdlog::get("") != nullptr;
 
 std::string_view environment(char const* name, std::string_view otherwise) {
     char const* const value = secure_getenv(name); // a set-uid program must not be told by its user where to write
     return value != nullptr ? value : otherwise;
 }
 
-// spdlog tries five times, 10 ms apart, before it says that it cannot open a file.
-void require_file() {
-    int const file = ::open(file_name, O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC, 0666);
-    if (file < 0) {
-        throw spdlog::spdlog_ex(std::string("Failed opening file ") + file_name + " for writing", errno);
+/// The folder of the library with a slash, or nothing.
+std::string own_folder() {
+    Dl_info here{};
+    if (::dladdr(&logging_has_ended, &here) == 0 || here.dli_fname == nullptr || here.dli_fname[0] != '/') {
+        return {};
     }
-    ::close(file);
+    std::string const path = here.dli_fname;
+    return path.substr(0, path.rfind('/') + 1);
 }
 
-std::shared_ptr<spdlog::logger> make_logger(std::string_view target) {
-    if (target == "file") {
-        require_file();
-        return spdlog::basic_logger_mt(logger_name, file_name);
+/// Throws `std::runtime_error`.
+logger_library const& load_library() {
+    // beside the library first: a tool that intercepts dlopen hides who calls it, and with that the run path
+    std::string const name = VORN_MERO_LOGGER_LIBRARY;
+    int const flags = RTLD_NOW | RTLD_LOCAL | RTLD_NODELETE;
+    void* const beside = ::dlopen((own_folder() + name).c_str(), flags);
+    void* const library = beside != nullptr ? beside : ::dlopen(name.c_str(), flags);
+    void* const found = library != nullptr ? ::dlsym(library, "vorn_mero_logger_library") : nullptr;
+    if (found == nullptr) {
+        throw std::runtime_error(::dlerror());
     }
-    if (target == "console") {
-        return spdlog::stderr_logger_mt(logger_name);
-    }
-    return std::make_shared<spdlog::logger>(logger_name, std::make_shared<spdlog::sinks::null_sink_mt>());
+    return *static_cast<logger_library const*>(found);
 }
 
-spdlog::level::level_enum level_of(std::string_view word) {
-    using spdlog::level::level_enum;
-    struct named_level {
-        std::string_view name;
-        level_enum level;
-    };
-    constexpr named_level levels[] = {{"trace", level_enum::trace}, {"debug", level_enum::debug},
-                                      {"info", level_enum::info},   {"warn", level_enum::warn},
-                                      {"error", level_enum::err},   {"critical", level_enum::critical}};
-    for (named_level const& candidate : levels) {
-        if (candidate.name == word) {
-            return candidate.level;
-        }
-    }
-    return level_enum::off;
+logger_library const& library() {
+    static logger_library const& loaded = load_library();
+    return loaded;
 }
 
+// Flushes at process exit.
 struct end_of_logging {
     spdlog::logger& logger;
 
     ~end_of_logging() {
         logging_has_ended = true;
         try {
-            logger.flush();
+            library().flush(logger);
         } catch (...) { // of a program's own sink; process exit has nowhere to report this
         }
     }
@@ -81,12 +72,8 @@ struct end_of_logging {
 
 } // namespace
 
-log_singleton::log_singleton() {
-    auto const level = environment("MERO_LOG_LEVEL", "off");
-    auto const target = environment("MERO_LOG_TARGET", "none");
-    logger_ = make_logger(target);
-    logger_->set_level(level_of(level));
-}
+log_singleton::log_singleton()
+    : logger_(library().make(environment("MERO_LOG_LEVEL", "off"), environment("MERO_LOG_TARGET", "none"))) {}
 
 log_singleton::~log_singleton() = default;
 
@@ -104,7 +91,7 @@ void log_failure(char const* message) noexcept {
         return;
     }
     try {
-        get_mero_logger()->error(message);
+        library().log_error(*get_mero_logger(), message);
     } catch (...) { // a destructor has nowhere to report this
     }
 }

@@ -14,6 +14,7 @@
 #include <fstream>
 #include <iostream>
 #include <set>
+#include <spdlog/spdlog.h>
 #include <string>
 #include <sys/auxv.h>
 #include <sys/stat.h>
@@ -113,11 +114,13 @@ void look_up(char const* name) {
     }
 }
 
-/// Discovers devices and logs; says whether the default loader was taken.
+/// Discovers devices and logs; says whether the program's spdlog knows the logger and the default loader was taken.
 void log() {
     std::uint64_t count = 0;
     EXPECT_EQ(nq_get_root_devices(0, nullptr, &count, nullptr), 0);
-    vorn::mero::internal::get_mero_logger()->error("logged");
+    auto* const logger = vorn::mero::internal::get_mero_logger();
+    logger->error("logged");
+    std::cout << "registered=" << (spdlog::get("mero").get() == logger) << std::endl;
     std::cout << "default=" << (dlopen("libOpenCL.so.1", RTLD_NOW | RTLD_NOLOAD) != nullptr) << std::endl;
 }
 
@@ -259,7 +262,7 @@ TEST(libraries, set_uid_programs_ignore_the_environment) {
                          " MERO_LOG_LEVEL=error MERO_LOG_TARGET=console '" +
                          program + "' log");
     };
-    for (std::string const word : {"libnq: ", "logged", "default=0"}) {
+    for (std::string const word : {"libnq: ", "logged", "registered=1", "default=0"}) {
         EXPECT_NE(told(self).find(word), std::string::npos) << word;
         EXPECT_EQ(told(copy).find(word), std::string::npos) << word;
     }

@@ -1,20 +1,33 @@
 // Loads, uses and unloads a plugin: host PLUGIN TIMES
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 #include <dlfcn.h>
+#include <link.h>
+
+static void require(bool condition, char const* otherwise) {
+    if (!condition) {
+        std::fprintf(stderr, "%s\n", otherwise);
+        std::exit(1);
+    }
+}
+
+static bool is_loaded(char const* library) {
+    auto const compare = [](dl_phdr_info* info, std::size_t, void* name) {
+        return std::strstr(info->dlpi_name, static_cast<char const*>(name)) != nullptr ? 1 : 0;
+    };
+    return dl_iterate_phdr(compare, const_cast<char*>(library)) != 0;
+}
 
 int main(int, char** arguments) {
-    for (int left = std::atoi(arguments[2]); left != 0; --left) {
+    int const times = std::atoi(arguments[2]);
+    for (int time = 0; time < times; ++time) {
         void* const plugin = dlopen(arguments[1], RTLD_NOW | RTLD_LOCAL);
-        void* const use = plugin != nullptr ? dlsym(plugin, "use_library") : nullptr;
-        if (use == nullptr) {
-            std::fprintf(stderr, "%s\n", dlerror());
-            return 1;
-        }
-        reinterpret_cast<void (*)()>(use)();
-        if (dlclose(plugin) != 0 || dlopen(arguments[1], RTLD_NOW | RTLD_NOLOAD) != nullptr) {
-            std::fprintf(stderr, "the plugin stays loaded\n");
-            return 1;
-        }
+        require(plugin != nullptr, "the plugin cannot be loaded");
+        require(time != 0 || !is_loaded("spdlog"), "spdlog is loaded before anything is logged");
+        require(reinterpret_cast<bool (*)()>(dlsym(plugin, "use_library"))(),
+                "a class of the library is not recognized");
+        require(dlclose(plugin) == 0 && dlopen(arguments[1], RTLD_NOW | RTLD_NOLOAD) == nullptr,
+                "the plugin stays loaded");
     }
 }

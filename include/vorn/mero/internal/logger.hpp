@@ -25,8 +25,9 @@ namespace vorn::mero::internal {
 /// The file is written when its buffer is full and when the process ends; to write earlier, set `flush_on`.
 class VORN_MERO_EXPORT log_singleton {
 public:
-    /// Throws `spdlog::spdlog_ex` if the file cannot be opened or a logger "mero" is already registered. Programs use
-    /// `get_log_singleton` instead of a second object.
+    /// Throws `spdlog::spdlog_ex` if the file cannot be opened or a logger "mero" is already registered, and
+    /// `std::runtime_error` if `libvorn-mero-logger.so`, which is installed beside the library, cannot be loaded. Programs
+    /// use `get_log_singleton` instead of a second object.
     log_singleton();
     log_singleton(log_singleton const&) = delete;
     log_singleton& operator=(log_singleton const&) = delete;

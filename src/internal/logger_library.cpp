@@ -1,0 +1,70 @@
+#include "internal/logger_library.hpp"
+
+#include <cerrno>
+#include <fcntl.h>
+#include <spdlog/sinks/basic_file_sink.h>
+#include <spdlog/sinks/null_sink.h>
+#include <spdlog/sinks/stdout_sinks.h>
+#include <spdlog/spdlog.h>
+#include <string>
+#include <unistd.h>
+
+namespace vorn::mero::internal {
+namespace {
+
+constexpr char const* logger_name = "mero";
+constexpr char const* file_name = "mero.log";
+
+// spdlog tries five times, 10 ms apart, before it says that it cannot open a file.
+void require_file() {
+    int const file = ::open(file_name, O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC, 0666);
+    if (file < 0) {
+        throw spdlog::spdlog_ex(std::string("Failed opening file ") + file_name + " for writing", errno);
+    }
+    ::close(file);
+}
+
+std::shared_ptr<spdlog::logger> make_for(std::string_view target) {
+    if (target == "file") {
+        require_file();
+        return spdlog::basic_logger_mt(logger_name, file_name);
+    }
+    if (target == "console") {
+        return spdlog::stderr_logger_mt(logger_name);
+    }
+    return std::make_shared<spdlog::logger>(logger_name, std::make_shared<spdlog::sinks::null_sink_mt>());
+}
+
+spdlog::level::level_enum level_of(std::string_view word) {
+    using spdlog::level::level_enum;
+    struct named_level {
+        std::string_view name;
+        level_enum level;
+    };
+    constexpr named_level levels[] = {{"trace", level_enum::trace}, {"debug", level_enum::debug},
+                                      {"info", level_enum::info},   {"warn", level_enum::warn},
+                                      {"error", level_enum::err},   {"critical", level_enum::critical}};
+    for (named_level const& candidate : levels) {
+        if (candidate.name == word) {
+            return candidate.level;
+        }
+    }
+    return level_enum::off;
+}
+
+std::shared_ptr<spdlog::logger> make(std::string_view level, std::string_view target) {
+    auto made = make_for(target);
+    made->set_level(level_of(level));
+    return made;
+}
+
+void log_error(spdlog::logger& logger, char const* message) { logger.error(message); }
+
+void flush(spdlog::logger& logger) { logger.flush(); }
+
+} // namespace
+} // namespace vorn::mero::internal
+
+using namespace vorn::mero::internal;
+
+logger_library const vorn_mero_logger_library{make, log_error, flush};
