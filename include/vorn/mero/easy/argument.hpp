@@ -122,9 +122,10 @@ std::vector<parameter> parameters_of(typename api<Version>::kernel const& kernel
 struct place {
     /// "kernel 'vadd', argument 3 'n' (uint)".
     std::string text() const {
-        return "kernel '" + kernel + "', argument " + std::to_string(index) +
-               (declared.name.empty() ? "" : " '" + declared.name + "'") +
-               (declared.type.empty() ? "" : " (" + declared.type + ")");
+        bool const is_named = !declared.name.empty();
+        bool const is_typed = !declared.type.empty();
+        return joined({"kernel '", kernel, "', argument ", std::to_string(index), is_named ? " '" : "", declared.name,
+                       is_named ? "'" : "", is_typed ? " (" : "", declared.type, is_typed ? ")" : ""});
     }
 
     std::string const& kernel;
@@ -157,30 +158,32 @@ constexpr bool fits_pointer(parameter const& declared, value_shape const& elemen
 
 [[noreturn, gnu::cold, gnu::noinline]] inline void refuse_value(place const& at, value_shape const& given) {
     if (at.declared.takes_pointer) {
-        throw argument_error(at.text() + " takes a pointer, but was given " + name_of(given.kind) + ": pass an array");
+        throw argument_error(
+            joined({at.text(), " takes a pointer, but was given ", name_of(given.kind), ": pass an array"}));
     }
     value_shape const& wanted = *at.declared.wanted;
     if (differ(wanted.kind, given.kind)) {
-        throw argument_error(at.text() + " takes " + name_of(wanted.kind) + ", but was given " + name_of(given.kind) +
-                             ": convert the value first");
+        throw argument_error(joined({at.text(), " takes ", name_of(wanted.kind), ", but was given ",
+                                     name_of(given.kind), ": convert the value first"}));
     }
-    throw argument_error(at.text() + " takes " + std::to_string(wanted.size) + " bytes, but was given " +
-                         std::to_string(given.size) + ": pass a value of the right type");
+    throw argument_error(joined({at.text(), " takes ", std::to_string(wanted.size), " bytes, but was given ",
+                                 std::to_string(given.size), ": pass a value of the right type"}));
 }
 
 [[noreturn, gnu::cold, gnu::noinline]] inline void refuse_pointer(place const& at, value_shape const& element,
                                                                   bool local) {
     bool const takes_local = at.declared.space == address_space::local;
     if (!at.declared.takes_pointer || local != takes_local) {
-        throw argument_error(at.text() + " takes " +
-                             (!at.declared.takes_pointer ? "no pointer"
-                              : takes_local              ? "local memory: pass ez::local"
-                                                         : "memory of an array: pass one"));
+        throw argument_error(joined({at.text(), " takes ",
+                                     !at.declared.takes_pointer ? "no pointer"
+                                     : takes_local              ? "local memory: pass ez::local"
+                                                                : "memory of an array: pass one"}));
     }
     value_shape const& wanted = *at.declared.wanted;
-    throw argument_error(at.text() + " takes elements of " + std::to_string(wanted.scalar_size) + " bytes, each " +
-                         name_of(wanted.kind) + ", but was given elements of " + std::to_string(element.scalar_size) +
-                         ", each " + name_of(element.kind) + ": pass an array of the right type");
+    throw argument_error(
+        joined({at.text(), " takes elements of ", std::to_string(wanted.scalar_size), " bytes, each ",
+                name_of(wanted.kind), ", but was given elements of ", std::to_string(element.scalar_size), ", each ",
+                name_of(element.kind), ": pass an array of the right type"}));
 }
 
 /// Throws `argument_error` where a value cannot be meant for what is declared.

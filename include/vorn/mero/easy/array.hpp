@@ -25,8 +25,8 @@ struct session_state {
 
 inline void check_bounds(std::size_t offset, std::size_t count, std::size_t size) {
     if (offset > size || count > size - offset) {
-        throw bounds_error("elements " + std::to_string(offset) + " to " + std::to_string(offset + count) +
-                           " are not within an array of " + std::to_string(size));
+        throw bounds_error(joined({"elements ", std::to_string(offset), " to ", std::to_string(offset + count),
+                                   " are not within an array of ", std::to_string(size)}));
     }
 }
 

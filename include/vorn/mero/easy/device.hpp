@@ -46,8 +46,8 @@ template <int Version = default_version>
     std::string lines;
     std::size_t number = 0;
     for (auto const& device : api<Version>::get_all_devices()) {
-        lines += std::to_string(number++) + ": " + device.get_platform().name() + ": " + device.name() + " (" +
-                 detail::type_name<Version>(device) + ")\n";
+        lines += detail::joined({std::to_string(number++), ": ", device.get_platform().name(), ": ", device.name(),
+                                 " (", detail::type_name<Version>(device), ")\n"});
     }
     return lines;
 }
@@ -87,8 +87,9 @@ template <int Version = default_version, class Accept>
     if (there.empty()) {
         throw no_device("There is no OpenCL device. NQ_BRIDGE_VERBOSE=1 in the environment says why.");
     }
-    throw no_device("No OpenCL device " + (text.empty() ? "has what is needed" : "fits '" + text + "'") +
-                    ". There are:\n" + there + "NQ_BRIDGE_VERBOSE=1 in the environment says why others are missing.");
+    throw no_device(detail::joined({"No OpenCL device ", text.empty() ? "has what is needed" : "fits '", text,
+                                    text.empty() ? "" : "'", ". There are:\n", there,
+                                    "NQ_BRIDGE_VERBOSE=1 in the environment says why others are missing."}));
 }
 
 /// The first device that a text means, as above.

@@ -1,10 +1,25 @@
 #pragma once
 
+#include <initializer_list>
 #include <stdexcept>
 #include <string>
+#include <string_view>
 #include <utility>
 
 namespace vorn::mero::easy {
+
+namespace detail {
+
+/// The parts as one text. A sum of strings would be compiled anew, and at length, wherever there is one.
+[[gnu::noinline]] inline std::string joined(std::initializer_list<std::string_view> parts) {
+    std::string text;
+    for (std::string_view const part : parts) {
+        text += part;
+    }
+    return text;
+}
+
+} // namespace detail
 
 /// The base of what this layer throws by itself. The message says what is wrong and what to do about it.
 class error : public std::runtime_error {
@@ -23,8 +38,9 @@ class build_failure : public error {
 public:
     /// `log` is the compiler's own text.
     build_failure(std::string device, std::string options, std::string log)
-        : error("The program does not build for " + device + (options.empty() ? "" : " with '" + options + "'") +
-                ":\n" + (log.empty() ? "(the compiler gave no reason)" : log)),
+        : error(detail::joined({"The program does not build for ", device, options.empty() ? "" : " with '", options,
+                                options.empty() ? "" : "'", ":\n",
+                                log.empty() ? std::string_view("(the compiler gave no reason)") : log})),
           device_(std::move(device)), options_(std::move(options)), log_(std::move(log)) {}
 
     /// The name of the device.

@@ -100,7 +100,7 @@ private:
     template <class... Arguments>
     event_type enqueue(range const& over, unsigned count, _nq_cl_event* const* list, Arguments const&... arguments) {
         if (Version < 110 && over.offset() != std::array<std::size_t, 3>{}) {
-            throw argument_error("kernel '" + name_ + "': OpenCL launches from an offset since 1.1");
+            throw argument_error(detail::joined({"kernel '", name_, "': OpenCL launches from an offset since 1.1"}));
         }
         set_arguments(arguments...);
         return event_type(session_->queue.enqueue_command(detail::launch<Version>(exact_, over), count, list));
@@ -109,10 +109,12 @@ private:
     [[noreturn, gnu::cold, gnu::noinline]] void refuse_count(std::size_t given) const {
         std::string wanted;
         for (auto const& each : parameters_) {
-            wanted += (wanted.empty() ? "" : ", ") + (each.type.empty() ? "?" : each.type + " " + each.name);
+            wanted +=
+                detail::joined({wanted.empty() ? "" : ", ", each.type.empty() ? std::string_view("?") : each.type,
+                                each.type.empty() ? "" : " ", each.type.empty() ? std::string_view() : each.name});
         }
-        throw argument_error("kernel '" + name_ + "' takes " + std::to_string(parameters_.size()) + " arguments (" +
-                             wanted + "), but was given " + std::to_string(given));
+        throw argument_error(detail::joined({"kernel '", name_, "' takes ", std::to_string(parameters_.size()),
+                                             " arguments (", wanted, "), but was given ", std::to_string(given)}));
     }
 
     template <class Argument>
@@ -124,7 +126,7 @@ private:
         try {
             hand_over(index, argument);
         } catch (common::opencl_error const& refused) {
-            std::throw_with_nested(argument_error(at.text() + ": " + refused.what()));
+            std::throw_with_nested(argument_error(detail::joined({at.text(), ": ", refused.what()})));
         }
     }
 

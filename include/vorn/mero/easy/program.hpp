@@ -49,7 +49,7 @@ public:
         try {
             return basic_kernel<Version>(session_, exact_.create_kernel(name));
         } catch (common::invalid_kernel_name const&) {
-            throw no_kernel("The program has no kernel '" + name + "'" + names());
+            throw no_kernel(detail::joined({"The program has no kernel '", name, "'", names()}));
         }
     }
 
@@ -58,7 +58,8 @@ private:
         std::string list;
         if constexpr (Version >= 120) {
             for (std::string const& each : exact_.kernel_names()) {
-                list += (list.empty() ? "; it has: " : ", ") + each;
+                list += list.empty() ? "; it has: " : ", ";
+                list += each;
             }
         }
         return list;
