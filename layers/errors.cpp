@@ -308,7 +308,10 @@ private:
         return found != about_.end() ? found : nullptr;
     }
     bool has(char const* name) const { return find(name) != nullptr; }
-    std::size_t value(char const* name) const { return static_cast<std::size_t>(read_field(made_.block, *find(name))); }
+    std::size_t value(char const* name) const {
+        field const* const found = find(name);
+        return found != nullptr ? static_cast<std::size_t>(read_field(made_.block, *found)) : 0;
+    }
     _nq_cl_mem* memory(char const* name) const { return std::bit_cast<_nq_cl_mem*>(value(name)); }
 
     // Zeros if it cannot be read.

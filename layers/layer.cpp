@@ -3,6 +3,7 @@
 #include <nq/export.hpp>
 
 #include <dlfcn.h>
+#include <pthread.h>
 #include <sys/uio.h>
 #include <unistd.h>
 
@@ -96,6 +97,12 @@ capability version_of(nq_call_handle* handle) {
 int forward(call const& made) noexcept {
     auto* const function = next().call_capability;
     return function != nullptr ? function(made.handle, made.id, made.block, made.reserved) : result::unrecoverable;
+}
+
+bool is_forked() noexcept {
+    static std::atomic<bool> forked = false;
+    static bool const watched = [] { return pthread_atfork(nullptr, nullptr, [] { forked = true; }) == 0; }();
+    return watched && forked.load(std::memory_order_relaxed);
 }
 
 bool read_safely(void* to, void const* from, std::size_t size) noexcept {

@@ -29,6 +29,9 @@ int perform(call const& made) noexcept;
 /// Makes a call through the next libnq.
 int forward(call const& made) noexcept;
 
+/// Whether this is a child that the process forked after its first call. A layer that collects leaves children alone.
+bool is_forked() noexcept;
+
 /// Reads memory that may not be there, as wrong arguments refer to.
 bool read_safely(void* to, void const* from, std::size_t size) noexcept;
 

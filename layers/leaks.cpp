@@ -34,15 +34,12 @@ struct account {
     std::mutex mutex;
     std::unordered_map<void*, object> living;
     std::uint64_t made = 0;
-    pid_t const process = getpid(); // a forked child answers only for its own
 };
 
 account& all() {
     static account& made = *new account;
     return made;
 }
-
-bool is_own() { return all().process == getpid(); }
 
 void add(void* address, char const* entry, call_site const& site) {
     if (address != nullptr) {
@@ -195,7 +192,7 @@ void print_all() {
 
 [[gnu::destructor]] void report() {
     std::unique_lock lock{all().mutex};
-    if (!is_own() || all().living.empty()) {
+    if (is_forked() || all().living.empty()) {
         return;
     }
     print_all();
@@ -209,7 +206,7 @@ void print_all() {
 
 int perform(call const& made) noexcept {
     description const* const about = made.about();
-    if (about == nullptr || !is_own()) {
+    if (about == nullptr || is_forked()) {
         return forward(made);
     }
     taken before;

@@ -4,19 +4,23 @@
 layers.py PROGRAM FOLDER TABLE      FOLDER has the layers; a line of TABLE: layers | settings | mistake | pattern...
 """
 
+import collections
+import json
 import os
 import pathlib
 import re
 import subprocess
 import sys
+import tempfile
 
 PLATFORM = "Portable Computing Language"
 SKIPPED = 77
 
 
 def run(program, mistake, layers=(), settings=""):
-    environment = dict(os.environ, NQ_FAULTS=settings)
+    environment = dict(os.environ)
     if layers:
+        environment["NQ_" + layers[-1].stem.removeprefix("libnq-").upper()] = settings
         environment["LD_PRELOAD"] = ":".join(map(str, layers))
         environment["ASAN_OPTIONS"] = environment.get("ASAN_OPTIONS", "") + ":verify_asan_link_order=0"
     done = subprocess.run([program, PLATFORM, mistake], env=environment, capture_output=True, text=True, timeout=100)
@@ -39,8 +43,42 @@ def breaches(program, folder, line):
     for text, pattern in zip(printed, patterns):
         if not re.search(pattern, text):
             yield f"no {pattern}"
-    if status not in (0, 1, 2):
+    if status not in (0, 1, 2, 3):
         yield f"exit status {status}"
+
+
+def breaches_of_trace(program, folder):
+    """A trace has every call, a slice of each command, and arrows that begin and end at slices."""
+    with tempfile.TemporaryDirectory() as place:
+        output = pathlib.Path(place) / "trace.json"
+        settings = f"output={output},summary,profile"
+        status, text, printed = run(program, "profile", [folder / "libnq-trace.so"], settings)
+        if (status, text) != run(program, "profile")[:2]:
+            yield f"exit status {status}, and the program sees: {text}"
+        events = json.loads(output.read_text())["traceEvents"]
+        left = [each.name for each in pathlib.Path(place).iterdir() if each != output]
+    slices = [each for each in events if each["ph"] == "X"]
+    commands = [each for each in slices if "queued" in each["args"]]
+    count = collections.Counter(each["name"] for each in commands)
+    if count != {"WriteBuffer": 1, "scale": 2, "ReadBuffer": 1}:
+        yield f"commands: {count}"
+    if not any('kernel_name="scale"' in each["args"]["call"] for each in slices):
+        yield "no decoded call"
+    starts = {(each["tid"], each["ts"]) for each in slices}
+    arrows = [each for each in events if each["ph"] in "sf"]
+    if any((each["tid"], each["ts"]) not in starts for each in arrows):
+        yield "an arrow does not begin or end at a slice"
+    if collections.Counter(each["name"] for each in arrows) != {"enqueue": 8, "wait": 2}:
+        yield f"{len(arrows)} ends of arrows"
+    calls = {each["name"]: each for each in slices if each not in commands}
+    for each in commands:
+        if each["ts"] < calls["clEnqueueWriteBuffer"]["ts"]:
+            yield f"{each['name']} begins before it is enqueued"
+    table = "\n".join(printed)
+    if not re.search(r"^nq-trace: scale +2( +\d+\.\d{3}){4}$", table, re.M) or "entry point" not in table:
+        yield f"the summary is {table}"
+    if left:
+        yield f"left behind: {left}"
 
 
 def main():
@@ -53,7 +91,9 @@ def main():
         found = list(breaches(program, folder, line))
         failed += bool(found)
         print("failed:" if found else "ok:", line, *found, sep="\n  " if found else " ")
-    return 1 if failed else 0
+    found = list(breaches_of_trace(program, folder))
+    print("failed:" if found else "ok:", "trace", *found, sep="\n  " if found else " ")
+    return 1 if failed or found else 0
 
 
 sys.exit(main())

@@ -88,6 +88,21 @@ std::map<std::string, std::function<void(session&)>> const mistakes{
          here.launch(kernel, 64, 4);
      }},
     {"empty", [](session& here) { (void)here.context.create_buffer(cl::mem_flags::read_write, 0, nullptr); }},
+    {"profile", // what a queue without profiling says, and two launches, the second of which waits for the first
+     [](session& here) {
+         cl::kernel kernel = here.kernel("scale");
+         float const factor = 3;
+         kernel.set_argument(0, here.buffer);
+         kernel.set_argument_raw(1, sizeof factor, &factor);
+         here.queue.enqueue_command_without_event(cl::write_buffer(here.buffer, true, 0, 4096, here.values.data()));
+         cl::nd_range_kernel const launch(kernel, 1, {0, 0, 0}, {1024, 1, 1}, {64, 1, 1});
+         cl::event first = here.queue.enqueue_command(launch);
+         auto* const waited = cl::raw::get_raw_event(first);
+         here.queue.enqueue_command_without_event(launch, 1, &waited);
+         here.queue.enqueue_command_without_event(cl::read_buffer(here.buffer, true, 0, 4096, here.values.data()));
+         std::printf("%g, profiling %d\n", static_cast<double>(here.values[0]), here.queue.profiling_enabled());
+         (void)first.profile_command_start();
+     }},
     {"leak",
      [](session& here) {
          auto* const kept = new std::vector<cl::buffer>(2, here.buffer); // both are copies

@@ -1,0 +1,375 @@
+#include "profiler.hpp"
+
+#include "trace_log.hpp"
+
+#include <algorithm>
+#include <array>
+#include <atomic>
+#include <cstring>
+#include <mutex>
+#include <string_view>
+#include <unordered_map>
+#include <utility>
+#include <vector>
+
+namespace nq::layer::trace {
+namespace {
+
+constexpr std::uint64_t profiling = 2;              // CL_QUEUE_PROFILING_ENABLE
+constexpr std::uint64_t property_of_queue = 0x1093; // CL_QUEUE_PROPERTIES
+constexpr std::int32_t not_available = -7;          // CL_PROFILING_INFO_NOT_AVAILABLE
+constexpr std::size_t most_pending = 1024;          // commands, before those that are done are looked for
+
+// An enqueued command. Owns a reference to its event.
+struct pending_command {
+    call through; // whose handle is asked; its block is gone
+    std::uint64_t number;
+    _nq_cl_command_queue* queue;
+    _nq_cl_event* event;
+};
+
+struct queue_state {
+    bool profiled = false;
+    bool forced = false;
+};
+
+// Never freed: a program may make calls until its very end.
+struct state {
+    std::mutex mutex;
+    std::unordered_map<void*, queue_state> queues;
+    std::vector<pending_command> pending;
+    std::atomic<std::size_t> pending_count = 0;
+    std::atomic<bool> forces = false;
+    std::atomic<bool> stopped = false;
+};
+
+state& all() {
+    static state& made = *new state;
+    return made;
+}
+
+struct event_fields {
+    std::uint8_t queue = absent;
+    std::uint8_t event = absent;
+    std::uint8_t blocking = absent;
+};
+
+event_fields find_fields(description const& about) {
+    event_fields found;
+    if (!std::string_view(about.name).starts_with("clEnqueue")) {
+        return found;
+    }
+    for (field const& each : about) {
+        std::string_view const name = each.name;
+        if (name == "command_queue") {
+            found.queue = each.offset;
+        } else if (name == "event") {
+            found.event = each.offset;
+        } else if (name.starts_with("blocking_")) {
+            found.blocking = each.offset;
+        }
+    }
+    return found;
+}
+
+// By version and command, found once.
+event_fields const& fields_of(call const& made) {
+    constexpr std::size_t most = 128;
+    static auto const& tables = *[] {
+        auto* const table = new std::array<std::array<event_fields, most>, 7>{};
+        for (std::uint64_t version = 1; version <= 6; ++version) {
+            for (std::uint32_t id = 1; describe(capability{version}, id) != nullptr; ++id) {
+                table->at(version).at(id) = find_fields(*describe(capability{version}, id));
+            }
+        }
+        return table;
+    }();
+    return tables.at(static_cast<std::size_t>(made.version)).at(made.id);
+}
+
+template <class Value>
+void put(void* block, std::size_t offset, Value value) {
+    std::memcpy(static_cast<unsigned char*>(block) + offset, &value, sizeof value);
+}
+
+bool release(pending_command const& done) {
+    block::clReleaseEvent released{.event = done.event};
+    return ask(done.through, released);
+}
+
+std::uint64_t time_of(pending_command const& done, std::uint32_t which) {
+    std::uint64_t time = 0;
+    block::clGetEventProfilingInfo asked{
+        .event = done.event, .param_value_size = sizeof time, .param_value = &time, .param_name = which};
+    return ask(done.through, asked) ? time : 0;
+}
+
+// Whether it is done, failed ones too.
+bool collect(pending_command const& each) {
+    std::int32_t execution = 0;
+    block::clGetEventInfo asked{.event = each.event,
+                                .param_value_size = sizeof execution,
+                                .param_value = &execution,
+                                .param_name = 0x11D3}; // CL_EVENT_COMMAND_EXECUTION_STATUS
+    if (ask(each.through, asked) && execution > 0) {
+        return false;
+    }
+    command_entry entry;
+    entry.number = each.number;
+    entry.queue = reinterpret_cast<std::uintptr_t>(each.queue);
+    entry.event = reinterpret_cast<std::uintptr_t>(each.event);
+    entry.queued = time_of(each, 0x1280);
+    entry.submitted = time_of(each, 0x1281);
+    entry.started = time_of(each, 0x1282);
+    entry.ended = time_of(each, 0x1283);
+    if (entry.ended != 0) {
+        append(entry);
+    }
+    release(each);
+    return true;
+}
+
+void collect_done() {
+    std::vector<pending_command> taken;
+    {
+        std::scoped_lock const lock{all().mutex};
+        taken.swap(all().pending);
+        all().pending_count = 0;
+    }
+    auto const left =
+        std::stable_partition(taken.begin(), taken.end(), [](auto const& each) { return !collect(each); });
+    taken.erase(left, taken.end());
+    std::scoped_lock const lock{all().mutex};
+    all().pending.insert(all().pending.begin(), taken.begin(), taken.end());
+    all().pending_count = all().pending.size();
+}
+
+queue_state ask_for_state(call const& made, _nq_cl_command_queue* queue) {
+    std::uint64_t properties = 0;
+    block::clGetCommandQueueInfo asked{.command_queue = queue,
+                                       .param_value_size = sizeof properties,
+                                       .param_value = &properties,
+                                       .param_name = property_of_queue};
+    return {ask(made, asked) && (properties & profiling) != 0, false};
+}
+
+void label(call const& made, _nq_cl_command_queue* queue) {
+    label_entry entry;
+    entry.address = reinterpret_cast<std::uintptr_t>(queue);
+    entry.time = now();
+    _nq_cl_device_id* device = nullptr;
+    block::clGetCommandQueueInfo asked{.command_queue = queue,
+                                       .param_value_size = sizeof device,
+                                       .param_value = static_cast<void*>(&device),
+                                       .param_name = 0x1091}; // CL_QUEUE_DEVICE
+    block::clGetDeviceInfo named{};
+    named.param_name = 0x102B; // CL_DEVICE_NAME
+    named.param_value_size = entry.text.size() - 1;
+    named.param_value = entry.text.data();
+    if (ask(made, asked)) {
+        named.device = device;
+        ask(made, named);
+    }
+    append(entry);
+}
+
+void remember(call const& made, void* queue, queue_state how) {
+    attempt([&] {
+        std::scoped_lock const lock{all().mutex};
+        all().queues[queue] = how;
+    });
+    label(made, static_cast<_nq_cl_command_queue*>(queue));
+}
+
+queue_state state_of(call const& made, _nq_cl_command_queue* queue) {
+    {
+        std::scoped_lock const lock{all().mutex};
+        if (auto const found = all().queues.find(queue); found != all().queues.end()) {
+            return found->second;
+        }
+    }
+    queue_state const told = ask_for_state(made, queue);
+    remember(made, queue, told);
+    return told;
+}
+
+int create_queue(call const& made, block::clCreateCommandQueue& block) {
+    bool const asked = (block.properties & profiling) != 0;
+    bool const forced = all().forces && !asked;
+    std::uint64_t const before = std::exchange(block.properties, block.properties | (forced ? profiling : 0));
+    int const result = forward(made);
+    block.properties = before;
+    if (result == result::success && block.error_code == 0) {
+        remember(made, block.result, {asked || forced, forced});
+    }
+    return result;
+}
+
+// The properties with profiling, and whether they had it.
+std::vector<std::uint64_t> with_profiling(std::uint64_t const* properties, bool& asked) {
+    std::vector<std::uint64_t> list;
+    bool listed = false;
+    for (auto const* each = properties; each != nullptr && each[0] != 0; each += 2) {
+        bool const is_sum = each[0] == property_of_queue;
+        asked = asked || (is_sum && (each[1] & profiling) != 0);
+        listed = listed || is_sum;
+        list.insert(list.end(), {each[0], each[1] | (is_sum ? profiling : 0)});
+    }
+    if (!listed) {
+        list.insert(list.end(), {property_of_queue, profiling});
+    }
+    list.push_back(0);
+    return list;
+}
+
+int create_queue(call const& made, block::clCreateCommandQueueWithProperties& block) {
+    std::vector<std::uint64_t> list;
+    bool asked = false;
+    attempt([&] { list = with_profiling(block.properties, asked); });
+    bool const forced = all().forces && !asked && !list.empty();
+    auto const* const before = std::exchange(block.properties, forced ? list.data() : block.properties);
+    int const result = forward(made);
+    block.properties = before;
+    if (result == result::success && block.error_code == 0) {
+        remember(made, block.result, {asked || forced, forced});
+    }
+    return result;
+}
+
+// The program sees no profiling that it has not asked for.
+int tell_properties(call const& made, block::clGetCommandQueueInfo const& block) {
+    int const result = forward(made);
+    if (result == result::success && block.status == 0 && block.param_name == property_of_queue &&
+        block.param_value != nullptr && state_of(made, block.command_queue).forced) {
+        std::uint64_t properties = 0;
+        std::memcpy(&properties, block.param_value, sizeof properties);
+        properties &= ~profiling;
+        std::memcpy(block.param_value, &properties, sizeof properties);
+    }
+    return result;
+}
+
+int tell_times(call const& made, block::clGetEventProfilingInfo& block) {
+    _nq_cl_command_queue* queue = nullptr;
+    block::clGetEventInfo asked{.event = block.event,
+                                .param_value_size = sizeof queue,
+                                .param_value = static_cast<void*>(&queue),
+                                .param_name = 0x11D0}; // CL_EVENT_COMMAND_QUEUE
+    if (all().forces && block.event != nullptr && ask(made, asked) && queue != nullptr &&
+        state_of(made, queue).forced) {
+        block.status = not_available;
+        return result::success;
+    }
+    return forward(made);
+}
+
+int set_property(call const& made, block::clSetCommandQueueProperty& block) {
+    queue_state now = state_of(made, block.command_queue);
+    bool const concerns = (block.properties & profiling) != 0;
+    std::uint64_t const before = block.properties;
+    block.properties &= now.forced && block.enable == 0 ? ~profiling : ~std::uint64_t{0};
+    int const result = forward(made);
+    block.properties = before;
+    if (result == result::success && block.status == 0) {
+        if (now.forced && block.old_properties != nullptr) {
+            *block.old_properties &= ~profiling;
+        }
+        if (concerns) {
+            now.forced = all().forces && block.enable == 0;
+            now.profiled = now.forced || block.enable != 0;
+            std::scoped_lock const lock{all().mutex};
+            all().queues[block.command_queue] = now;
+        }
+    }
+    return result;
+}
+
+int enqueue(call const& made, description const& about, event_fields const& where, std::uint64_t number) {
+    auto* const queue = static_cast<_nq_cl_command_queue*>(const_cast<void*>(read_pointer(made.block, where.queue)));
+    if (queue == nullptr || !state_of(made, queue).profiled) {
+        return forward(made);
+    }
+    auto** const wanted = static_cast<_nq_cl_event**>(const_cast<void*>(read_pointer(made.block, where.event)));
+    _nq_cl_event* event = nullptr;
+    if (wanted == nullptr) {
+        put(made.block, where.event, &event);
+    }
+    int const result = forward(made);
+    bool const succeeded = result == result::success && read_field(made.block, about.status, sizeof(std::int32_t)) == 0;
+    if (wanted == nullptr) {
+        put(made.block, where.event, wanted);
+    } else if (succeeded) {
+        block::clRetainEvent retained{.event = *wanted};
+        event = ask(made, retained) ? *wanted : nullptr;
+    }
+    if (succeeded && event != nullptr) {
+        attempt([&] {
+            std::scoped_lock const lock{all().mutex};
+            all().pending.push_back({{made.handle, made.version, 0, nullptr, nullptr}, number, queue, event});
+            ++all().pending_count;
+        });
+    }
+    return result;
+}
+
+template <class Block>
+Block* as(call const& made, description const& about) {
+    return &about == &description_of<Block> ? static_cast<Block*>(made.block) : nullptr;
+}
+
+bool is_time_to_collect(call const& made, description const& about, event_fields const& where) {
+    if (where.blocking != absent && read_field(made.block, where.blocking, sizeof(std::uint32_t)) != 0) {
+        return true;
+    }
+    if (&about == &description_of<block::clFinish> || &about == &description_of<block::clWaitForEvents>) {
+        return true;
+    }
+    std::size_t const count = all().pending_count;
+    return where.event != absent && count != 0 && count % most_pending == 0;
+}
+
+int perform_by_kind(call const& made, description const& about, event_fields const& where, std::uint64_t number) {
+    if (where.event != absent && where.queue != absent) {
+        return enqueue(made, about, where, number);
+    }
+    if (auto* const created = as<block::clCreateCommandQueue>(made, about); created != nullptr) {
+        return create_queue(made, *created);
+    }
+    if (auto* const created = as<block::clCreateCommandQueueWithProperties>(made, about); created != nullptr) {
+        return create_queue(made, *created);
+    }
+    if (auto* const asked = as<block::clGetCommandQueueInfo>(made, about); asked != nullptr) {
+        return tell_properties(made, *asked);
+    }
+    if (auto* const asked = as<block::clGetEventProfilingInfo>(made, about); asked != nullptr) {
+        return tell_times(made, *asked);
+    }
+    if (auto* const set = as<block::clSetCommandQueueProperty>(made, about); set != nullptr) {
+        return set_property(made, *set);
+    }
+    return forward(made);
+}
+
+} // namespace
+
+void force_profiling() noexcept { all().forces = true; }
+
+int perform_profiled(call const& made, description const& about, std::uint64_t number) noexcept {
+    if (all().stopped) {
+        return forward(made);
+    }
+    event_fields const& where = fields_of(made);
+    int const result = perform_by_kind(made, about, where, number);
+    if (result == result::success && is_time_to_collect(made, about, where)) {
+        attempt(collect_done);
+    }
+    return result;
+}
+
+void stop_profiling() noexcept {
+    if (!all().stopped.exchange(true)) {
+        attempt(collect_done);
+    }
+}
+
+} // namespace nq::layer::trace

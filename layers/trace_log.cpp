@@ -1,0 +1,130 @@
+#include "trace_log.hpp"
+
+#include <fcntl.h>
+#include <sys/mman.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <atomic>
+#include <cerrno>
+#include <ctime>
+#include <mutex>
+
+namespace nq::layer::trace {
+namespace {
+
+// Never freed: a thread may make calls until the very end.
+struct file {
+    std::mutex mutex;
+    int descriptor = -1;
+    std::size_t most_chunks = 0;
+    std::vector<chunk*> all; // in the order of making
+    std::atomic<std::uint64_t> lost{0};
+};
+
+file& log() {
+    static file& opened = *new file;
+    return opened;
+}
+
+struct writer {
+    chunk* current = nullptr;
+    std::vector<chunk*> older; // of this thread, the oldest first
+};
+
+writer& own() {
+    static thread_local auto* const made = new writer; // what a thread wrote outlives it
+    return *made;
+}
+
+std::byte* bytes_of(chunk* in) { return reinterpret_cast<std::byte*>(in + 1); }
+
+chunk* map_chunk() {
+    file& to = log();
+    std::size_t const offset = (to.all.size() + 1) * chunk::size;
+    int const flags = to.descriptor >= 0 ? MAP_SHARED : MAP_PRIVATE | MAP_ANONYMOUS;
+    if (to.all.size() >= to.most_chunks ||
+        (to.descriptor >= 0 && ftruncate(to.descriptor, static_cast<off_t>(offset + chunk::size)) != 0)) {
+        return nullptr;
+    }
+    void* const mapped = mmap(nullptr, chunk::size, PROT_READ | PROT_WRITE, flags, to.descriptor,
+                              to.descriptor >= 0 ? static_cast<off_t>(offset) : 0);
+    return mapped != MAP_FAILED ? static_cast<chunk*>(mapped) : nullptr;
+}
+
+void count_lost(chunk const& emptied) {
+    for_each_entry(emptied, [](entry_kind, auto) { ++log().lost; });
+}
+
+// A new chunk, or the thread's oldest.
+chunk* next_chunk(writer& of) {
+    std::scoped_lock const lock{log().mutex};
+    if (of.current != nullptr) {
+        of.older.push_back(of.current);
+    }
+    chunk* next = map_chunk();
+    if (next != nullptr) {
+        log().all.push_back(next);
+    } else if (!of.older.empty()) {
+        next = of.older.front();
+        of.older.erase(of.older.begin());
+        count_lost(*next);
+        log().all.erase(std::find(log().all.begin(), log().all.end(), next));
+        log().all.push_back(next);
+    }
+    if (next != nullptr) {
+        next->used = 0;
+        next->thread = static_cast<std::uint32_t>(gettid());
+    }
+    return next;
+}
+
+} // namespace
+
+std::uint64_t now() noexcept {
+    timespec time{};
+    clock_gettime(CLOCK_MONOTONIC, &time);
+    return static_cast<std::uint64_t>(time.tv_sec) * 1'000'000'000 + static_cast<std::uint64_t>(time.tv_nsec);
+}
+
+std::string open_log(std::string const& path, std::size_t limit_in_bytes) {
+    file& to = log();
+    std::scoped_lock const lock{to.mutex};
+    if (!path.empty()) {
+        to.descriptor = open(path.c_str(), O_RDWR | O_CREAT | O_TRUNC | O_CLOEXEC, 0666);
+        if (to.descriptor < 0 || pwrite(to.descriptor, chunk::magic.data(), chunk::magic.size(), 0) < 0) {
+            return "cannot write " + path + ": " + std::strerror(errno);
+        }
+    }
+    to.most_chunks = std::max<std::size_t>(limit_in_bytes / chunk::size, 1);
+    return "";
+}
+
+std::byte* begin_entry(std::size_t size) noexcept {
+    writer& of = own();
+    constexpr std::size_t room = chunk::size - sizeof(chunk);
+    if (of.current == nullptr || of.current->used + size > room) {
+        chunk* const next = size <= room ? next_chunk(of) : nullptr;
+        if (next == nullptr) {
+            ++log().lost;
+            return nullptr;
+        }
+        of.current = next;
+    }
+    return bytes_of(of.current) + of.current->used;
+}
+
+void end_entry(std::byte const* entry) noexcept {
+    entry_head head{};
+    std::memcpy(&head, entry, sizeof head);
+    std::atomic_ref(own().current->used).fetch_add(head.size, std::memory_order_release);
+}
+
+std::vector<chunk const*> chunks() {
+    std::scoped_lock const lock{log().mutex};
+    return {log().all.begin(), log().all.end()};
+}
+
+std::uint64_t lost_entries() noexcept { return log().lost; }
+
+} // namespace nq::layer::trace
