@@ -1,15 +1,14 @@
 // Writes each failing call as one line to standard error, and what is wrong in words where libnq can be asked for it.
 
 #include "layer.hpp"
+#include "set_arguments.hpp"
 
 #include <algorithm>
 #include <array>
 #include <bit>
 #include <cerrno>
-#include <mutex>
 #include <optional>
 #include <string_view>
-#include <unordered_map>
 #include <vector>
 
 namespace nq::layer {
@@ -33,60 +32,6 @@ consteval std::uint32_t operator""_cl(char const* name, std::size_t) {
 
 consteval int operator""_status(char const* name, std::size_t size) {
     return static_cast<int>(operator""_cl(name, size));
-}
-
-// Which arguments of each kernel are set. Never freed: a program may make calls until its very end.
-struct set_arguments {
-    std::mutex mutex;
-    std::unordered_map<void*, std::vector<bool>> of_kernels;
-};
-
-set_arguments& arguments() {
-    static set_arguments& all = *new set_arguments;
-    return all;
-}
-
-void set(void* kernel, std::uint32_t index) {
-    std::scoped_lock const lock{arguments().mutex};
-    std::vector<bool>& known = arguments().of_kernels[kernel];
-    known.resize(std::max<std::size_t>(known.size(), index + std::size_t{1}));
-    known[index] = true;
-}
-
-// A new kernel may have the address of a former one.
-void begin(void* kernel, void* source = nullptr) {
-    std::scoped_lock const lock{arguments().mutex};
-    auto const found = arguments().of_kernels.find(source);
-    auto known = found != arguments().of_kernels.end() ? found->second : std::vector<bool>{};
-    arguments().of_kernels[kernel] = std::move(known);
-}
-
-bool is_set(void* kernel, std::size_t index) {
-    std::scoped_lock const lock{arguments().mutex};
-    std::vector<bool> const& known = arguments().of_kernels[kernel];
-    return index < known.size() && known[index];
-}
-
-// The block of a call if it is of this type, else null.
-template <class Block>
-Block* as(call const& made, description const* about) {
-    return about == &description_of<Block> ? static_cast<Block*>(made.block) : nullptr;
-}
-
-void note_success(call const& made, description const* about) {
-    if (auto const* const set_value = as<block::clSetKernelArg>(made, about); set_value != nullptr) {
-        set(set_value->kernel, set_value->arg_index);
-    } else if (auto const* const set_svm = as<block::clSetKernelArgSVMPointer>(made, about); set_svm != nullptr) {
-        set(set_svm->kernel, set_svm->arg_index);
-    } else if (auto const* const created = as<block::clCreateKernel>(made, about); created != nullptr) {
-        begin(created->result);
-    } else if (auto const* const clone = as<block::clCloneKernel>(made, about); clone != nullptr) {
-        begin(clone->result, clone->source_kernel);
-    } else if (auto const* const all = as<block::clCreateKernelsInProgram>(made, about);
-               all != nullptr && all->kernels != nullptr && all->num_kernels_ret != nullptr) {
-        std::for_each_n(all->kernels, std::min(all->num_kernels, *all->num_kernels_ret),
-                        [](auto* each) { begin(each); });
-    }
 }
 
 std::string number(std::size_t value) { return std::to_string(value); }

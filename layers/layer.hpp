@@ -23,6 +23,12 @@ struct call {
     description const* about() const noexcept { return block != nullptr ? describe(version, id) : nullptr; }
 };
 
+/// The block of a call if it is of this type, else null.
+template <class Block>
+Block* as(call const& made, description const* about) {
+    return about == &description_of<Block> ? static_cast<Block*>(made.block) : nullptr;
+}
+
 /// Each layer defines it: makes the call, or answers in its place. It must not throw.
 int perform(call const& made) noexcept;
 
