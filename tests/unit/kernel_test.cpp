@@ -25,7 +25,7 @@ TEST_F(kernels, takes_arguments) {
 #endif
 #if UNIT_OPENCL >= 200
     takes(7, w.pipe);
-    takes(8, w.device_queue);
+    takes(9, w.device_queue); // not the size of its handle
 #endif
     sets(0, 8, nullptr, [&] { k.set_argument(0, nullptr); });
     sets(1, large, nullptr, [&] { k.set_argument(1, local_memory(large)); });
