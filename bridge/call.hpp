@@ -57,7 +57,7 @@ cl_int refusal(Block const& block, Function function, First first) noexcept {
 
 /// Calls a function that returns its status.
 template <class Block, class Function, class First, class... Fields>
-void invoke(Block& block, Function function, First first, Fields... fields) {
+void invoke(Block& block, Function function, First const& first, Fields const&... fields) {
     if (cl_int const code = refusal(block, function, first); code != CL_SUCCESS) [[unlikely]] {
         refuse(block, code);
     } else {
@@ -68,7 +68,7 @@ void invoke(Block& block, Function function, First first, Fields... fields) {
 /// Calls a function that returns an object or a pointer, and its status through the last parameter. If it fails, the
 /// block gets null, and this returns the object that came with the error, if any.
 template <class Block, class Function, class First, class... Fields>
-auto create(Block& block, Function function, First first, Fields... fields) {
+auto create(Block& block, Function function, First const& first, Fields const&... fields) {
     using object = decltype(function(argument{first}, argument{fields}..., nullptr));
     if (cl_int const code = refusal(block, function, first); code != CL_SUCCESS) [[unlikely]] {
         refuse(block, code);

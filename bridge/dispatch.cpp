@@ -10,14 +10,30 @@ namespace nq::bridge {
 namespace {
 
 template <class Block>
-int perform_command(nq_call_handle const& handle, void* memory) {
-    auto& block = *static_cast<Block*>(memory);
+[[gnu::always_inline]] inline int perform_guarded(nq_call_handle const& handle, Block& block) noexcept {
     try {
         perform(handle, block);
     } catch (...) { // no OpenCL function documents one; Oclgrind throws std::bad_alloc
         refuse(block, CL_OUT_OF_HOST_MEMORY);
     }
     return nq::result::success;
+}
+
+// A call without a wait list, the usual one, saves no registers around the look at the list.
+template <class Block>
+[[gnu::noinline]] int perform_with_wait_list(nq_call_handle const& handle, Block& block) noexcept {
+    return perform_guarded(handle, block);
+}
+
+template <class Block>
+int perform_command(nq_call_handle const& handle, std::uint64_t, void* memory) {
+    auto& block = *static_cast<Block*>(memory);
+    if constexpr (requires { block.event_wait_list; }) {
+        if (block.num_events_in_wait_list != 0) {
+            return perform_with_wait_list(handle, block);
+        }
+    }
+    return perform_guarded(handle, block);
 }
 
 template <class List>

@@ -5,12 +5,14 @@
 #include <nq/types.hpp>
 
 #include <cstddef>
+#include <cstdint>
 #include <span>
 
 namespace nq::bridge {
 
-/// Performs one entry point on its argument block; returns what `nq_call_capability` returns.
-using thunk = int (*)(nq_call_handle const&, void* block);
+/// Performs one entry point on its argument block; returns what `nq_call_capability` returns. The parameters are where
+/// those of `nq_call_capability` are, so that it passes them on without moving them.
+using thunk = int (*)(nq_call_handle const& handle, std::uint64_t index, void* block);
 
 /// The OpenCL versions that `nq::capability` counts from 1.
 inline constexpr std::size_t version_count = 6;

@@ -133,7 +133,7 @@ NQ_EXPORT int nq_call_capability(nq_call_handle* handle, std::uint32_t command_i
     if (index >= count) [[unlikely]] {
         return refuse_call(handle, block);
     }
-    return handle->commands[index](*handle, block);
+    return handle->commands[index](*handle, index, block);
 }
 
 } // extern "C"

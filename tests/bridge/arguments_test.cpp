@@ -124,7 +124,8 @@ void perform(command const& which, nq_call_handle const& handle, std::vector<std
         expected.push_back({"clReleaseProgram", {result}});
     }
     calls.clear();
-    EXPECT_EQ(nq::bridge::commands_of(which.version)[which.id - 1](handle, memory.data()), nq::result::success);
+    EXPECT_EQ(nq::bridge::commands_of(which.version)[which.id - 1](handle, which.id - 1, memory.data()),
+              nq::result::success);
     EXPECT_EQ(calls, expected);
     if (which.block.status != nq::absent) {
         EXPECT_EQ(static_cast<cl_int>(nq::read_field(memory.data(), which.block.status, 4)), answer);
