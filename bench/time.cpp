@@ -74,8 +74,11 @@ int batch_size(std::vector<side> const& sides) {
     double slowest = 0;
     double reference = 0;
     for (side const& each : sides) {
-        each.nanoseconds(10);
-        double const now = each.nanoseconds(100);
+        std::vector<double> tries;
+        for (int i = 0; i != 9; ++i) {
+            tries.push_back(each.nanoseconds(50));
+        }
+        double const now = quantile(std::move(tries), 0.5);
         slowest = std::max(slowest, now);
         reference = &each == &sides.front() ? now : reference;
     }
