@@ -184,7 +184,7 @@ std::atomic<std::uint64_t> calls = 0;
     }
     stop_profiling();
     attempt([] {
-        report const made(chunks());
+        report const made(file_head::own(), chunks());
         if (chosen().summary) {
             for (std::string const& line : made.summary()) {
                 print(name, line);

@@ -9,6 +9,7 @@
 #include <cerrno>
 #include <ctime>
 #include <mutex>
+#include <stdexcept>
 
 namespace nq::layer::trace {
 namespace {
@@ -87,12 +88,19 @@ std::uint64_t now() noexcept {
     return static_cast<std::uint64_t>(time.tv_sec) * 1'000'000'000 + static_cast<std::uint64_t>(time.tv_nsec);
 }
 
+file_head file_head::own() noexcept {
+    file_head made;
+    made.process = getpid();
+    std::strncpy(made.program.data(), program_invocation_short_name, made.program.size() - 1);
+    return made;
+}
+
 std::string open_log(std::string const& path, std::size_t limit_in_bytes) {
     file& to = log();
     std::scoped_lock const lock{to.mutex};
-    if (!path.empty()) {
+    if (file_head const head = file_head::own(); !path.empty()) {
         to.descriptor = open(path.c_str(), O_RDWR | O_CREAT | O_TRUNC | O_CLOEXEC, 0666);
-        if (to.descriptor < 0 || pwrite(to.descriptor, chunk::magic.data(), chunk::magic.size(), 0) < 0) {
+        if (to.descriptor < 0 || pwrite(to.descriptor, &head, sizeof head, 0) < 0) {
             return "cannot write " + path + ": " + std::strerror(errno);
         }
     }
@@ -123,6 +131,30 @@ void end_entry(std::byte const* entry) noexcept {
 std::vector<chunk const*> chunks() {
     std::scoped_lock const lock{log().mutex};
     return {log().all.begin(), log().all.end()};
+}
+
+left_log read_log(std::string const& path) {
+    int const descriptor = open(path.c_str(), O_RDONLY | O_CLOEXEC);
+    auto const size =
+        descriptor >= 0 ? static_cast<std::size_t>(std::max<off_t>(lseek(descriptor, 0, SEEK_END), 0)) : 0;
+    void* const mapped =
+        size >= sizeof(file_head) ? mmap(nullptr, size, PROT_READ, MAP_PRIVATE, descriptor, 0) : MAP_FAILED;
+    std::string const why = descriptor < 0 ? std::strerror(errno) : "it is no recording of calls";
+    if (descriptor >= 0) {
+        close(descriptor);
+    }
+    left_log made;
+    if (mapped != MAP_FAILED) {
+        std::memcpy(&made.head, mapped, sizeof made.head);
+    }
+    if (mapped == MAP_FAILED || made.head.magic != file_head::right_magic) {
+        throw std::runtime_error("cannot read " + path + ": " + why);
+    }
+    made.head.program.back() = '\0';
+    for (std::size_t at = chunk::size; at + chunk::size <= size; at += chunk::size) {
+        made.chunks.push_back(reinterpret_cast<chunk const*>(static_cast<std::byte const*>(mapped) + at));
+    }
+    return made;
 }
 
 std::uint64_t lost_entries() noexcept { return log().lost; }

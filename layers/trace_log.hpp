@@ -64,13 +64,24 @@ struct label_entry {
 
 constexpr std::size_t rounded(std::size_t size) { return (size + 7) / 8 * 8; }
 
-/// A chunk in the file. The first one, which begins with `magic` instead, has no entries.
+/// A piece of the file, of `size` bytes. In place of the first one is a `file_head`.
 struct chunk {
     static constexpr std::size_t size = std::size_t{1} << 18U;
-    static constexpr std::array<char, 8> magic{'n', 'q', 't', 'r', 'a', 'c', 'e', '1'};
 
     std::uint32_t used;   ///< bytes behind the head
     std::uint32_t thread; ///< that wrote it
+};
+
+/// Whose calls a file has.
+struct file_head {
+    static constexpr std::array<char, 8> right_magic{'n', 'q', 't', 'r', 'a', 'c', 'e', '1'};
+
+    std::array<char, 8> magic = right_magic;
+    std::int64_t process = 0;
+    std::array<char, 48> program{}; ///< ends with a zero
+
+    /// That of this process.
+    static file_head own() noexcept;
 };
 
 /// Makes the file. An empty path: memory without a file. Returns why it cannot, or nothing.
@@ -94,6 +105,16 @@ void append(Entry const& entry) noexcept {
 
 /// The chunks in use, those of a thread in the order of writing. For when no thread writes any more.
 std::vector<chunk const*> chunks();
+
+/// A log that a process has left behind, mapped into memory for good.
+struct left_log {
+    file_head head;
+    std::vector<chunk const*> chunks;
+};
+
+/// Throws `std::runtime_error` if the file cannot be read, or is none of this kind. Of one that was cut off, the chunks
+/// that are whole.
+left_log read_log(std::string const& path);
 
 /// How many entries had no room, or made room for later ones.
 std::uint64_t lost_entries() noexcept;

@@ -8,7 +8,6 @@
 #include <optional>
 #include <set>
 #include <string_view>
-#include <unistd.h>
 
 namespace nq::layer::trace {
 namespace {
@@ -81,11 +80,13 @@ std::string row(std::string const& first, std::vector<std::string> const& others
 // Writes one event a line.
 class report::json {
 public:
-    explicit json(std::FILE* to) : to_(to) { std::fputs(R"({"displayTimeUnit":"ns","traceEvents":[)", to_); }
+    json(std::FILE* to, std::int64_t process) : to_(to), process_(process) {
+        std::fputs(R"({"displayTimeUnit":"ns","traceEvents":[)", to_);
+    }
 
     void event(char const* phase, std::string const& name, std::uint64_t row, std::string const& rest) {
-        std::fprintf(to_, R"(%s{"ph":"%s","name":%s,"pid":%d,"tid":%llu%s})", count_++ == 0 ? "\n" : ",\n", phase,
-                     escaped(name).c_str(), static_cast<int>(getpid()), static_cast<unsigned long long>(row),
+        std::fprintf(to_, R"(%s{"ph":"%s","name":%s,"pid":%lld,"tid":%llu%s})", count_++ == 0 ? "\n" : ",\n", phase,
+                     escaped(name).c_str(), static_cast<long long>(process_), static_cast<unsigned long long>(row),
                      rest.c_str());
     }
 
@@ -110,11 +111,12 @@ public:
 
 private:
     std::FILE* to_;
+    std::int64_t process_;
     std::uint64_t count_ = 0;
     std::uint64_t arrows_ = 0;
 };
 
-report::report(std::vector<chunk const*> const& from) {
+report::report(file_head const& of, std::vector<chunk const*> const& from) : of_(of) {
     for (chunk const* const each : from) {
         read(*each);
     }
@@ -310,8 +312,8 @@ std::string report::write(std::string const& path) const {
     if (file == nullptr) {
         return "cannot write " + path + ": " + std::strerror(errno);
     }
-    json to(file);
-    to.event("M", "process_name", 0, R"(,"args":{"name":)" + escaped(program_invocation_short_name) + "}");
+    json to(file, of_.process);
+    to.event("M", "process_name", 0, R"(,"args":{"name":)" + escaped(of_.program.data()) + "}");
     write_calls(to);
     write_commands(to);
     write_arrows(to);

@@ -15,7 +15,7 @@ namespace nq::layer::trace {
 class report {
 public:
     /// Reads the entries. The chunks must live as long as the report.
-    explicit report(std::vector<chunk const*> const& from);
+    report(file_head const& of, std::vector<chunk const*> const& from);
 
     /// Writes the events as JSON, which chrome://tracing and ui.perfetto.dev open. Returns why it cannot, or nothing.
     std::string write(std::string const& path) const;
@@ -56,6 +56,7 @@ private:
     static std::string text_of(one_call const& made);
     static bool failed(one_call const& made);
 
+    file_head of_;
     std::vector<one_call> calls_;                    // in the order of beginning
     std::vector<one_command> commands_;              // in the order of starting
     std::vector<label_entry> labels_;                // in the order of time

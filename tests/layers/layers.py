@@ -1,7 +1,9 @@
 #!/usr/bin/env python3
 """Runs a program of mistakes under layers, and compares what they print and what the program sees with a table.
 
-layers.py PROGRAM FOLDER TABLE      FOLDER has the layers; a line of TABLE: layers | settings | mistake | pattern...
+layers.py PROGRAM FOLDER TABLE [COMMAND]      FOLDER has the layers, COMMAND is vorn-mero
+
+A line of TABLE: layers | settings of the last one | mistake | pattern...
 """
 
 import collections
@@ -81,6 +83,29 @@ def breaches_of_trace(program, folder):
         yield f"left behind: {left}"
 
 
+def breaches_of_command(command, program):
+    """The command passes on the program's status, and says what it cannot run."""
+    with tempfile.TemporaryDirectory() as place:
+        output = pathlib.Path(place) / "trace.json"
+        table = (
+            (("trace", "-o", output, "--", program, PLATFORM, "abandon"), 7, "did not come to its end"),
+            (("errors", "--", program, PLATFORM, "name"), 0, "^nq-errors: clCreateKernel"),
+            (("leaks", "--exit-status", "3", "--", program, PLATFORM, "leak"), 3, "^nq-leaks: 5 objects"),
+            (("faults", "-r", "entry=clCreateBuffer:-4", "--", program, PLATFORM, "none"), 0, "^$"),
+            (("trace", "-o", f"{place}/none", "--", "true"), 0, "^vorn-mero: true made no call through libnq"),
+            (("trace", "-o", "/none/t.json", "--", "true"), 2, "^vorn-mero: cannot write /none/t.json: No such file"),
+            (("leaks", "--", "/none"), 2, "^vorn-mero: cannot run /none: No such file"),
+            (("leaks", "--", "no-such-program"), 2, "^vorn-mero: there is no program no-such-program"),
+            (("convert", program), 2, "^vorn-mero: cannot read .*: it is no recording of calls$"),
+        )
+        for arguments, status, pattern in table:
+            done = subprocess.run([command, *arguments], capture_output=True, text=True, timeout=100)
+            if done.returncode != status or not re.search(pattern, done.stderr, re.M):
+                yield f"{arguments}: exit status {done.returncode}, {done.stderr}"
+        if not any(each["name"] == "clFinish" for each in json.loads(output.read_text())["traceEvents"]):
+            yield "the trace of a program that did not come to its end is not whole"
+
+
 def main():
     program, folder, table = sys.argv[1], pathlib.Path(sys.argv[2]), pathlib.Path(sys.argv[3])
     if run(program, "none")[0] == SKIPPED:
@@ -91,9 +116,14 @@ def main():
         found = list(breaches(program, folder, line))
         failed += bool(found)
         print("failed:" if found else "ok:", line, *found, sep="\n  " if found else " ")
-    found = list(breaches_of_trace(program, folder))
-    print("failed:" if found else "ok:", "trace", *found, sep="\n  " if found else " ")
-    return 1 if failed or found else 0
+    wholes = {"trace": breaches_of_trace(program, folder)}
+    if len(sys.argv) > 4:
+        wholes["command"] = breaches_of_command(sys.argv[4], program)
+    for name, breaches_found in wholes.items():
+        found = list(breaches_found)
+        failed += bool(found)
+        print("failed:" if found else "ok:", name, *found, sep="\n  " if found else " ")
+    return 1 if failed else 0
 
 
 sys.exit(main())

@@ -6,6 +6,7 @@
 
 #include <array>
 #include <cstdio>
+#include <cstdlib>
 #include <functional>
 #include <map>
 #include <string>
@@ -102,6 +103,11 @@ std::map<std::string, std::function<void(session&)>> const mistakes{
          here.queue.enqueue_command_without_event(cl::read_buffer(here.buffer, true, 0, 4096, here.values.data()));
          std::printf("%g, profiling %d\n", static_cast<double>(here.values[0]), here.queue.profiling_enabled());
          (void)first.profile_command_start();
+     }},
+    {"abandon",
+     [](session& here) {
+         here.queue.finish();
+         std::_Exit(7);
      }},
     {"leak",
      [](session& here) {

@@ -1,0 +1,128 @@
+// The command vorn-mero: runs a program under one of the layers.
+
+#include "run.hpp"
+
+#include "../layers/trace_log.hpp"
+#include "../layers/trace_report.hpp"
+
+#include <CLI/CLI.hpp>
+
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+#include <filesystem>
+#include <stdexcept>
+#include <string>
+
+namespace {
+
+namespace fs = std::filesystem;
+using nq::command::command_line;
+using nq::command::run_under;
+
+constexpr int unusable = 2; // the exit status if nothing was run
+
+struct options {
+    command_line program;
+    std::string output = "trace.json";
+    std::string recording;
+    std::string rules;
+    bool profile = false;
+    bool summary = false;
+    bool report = false;
+    unsigned limit = 256;
+    unsigned exit_status = 1;
+};
+
+// What a program has left behind that did not come to its end.
+void convert(std::string const& recording, std::string const& output) {
+    auto const log = nq::layer::trace::read_log(recording);
+    std::string const why = nq::layer::trace::report(log.head, log.chunks).write(output);
+    if (!why.empty()) {
+        throw std::runtime_error(why);
+    }
+}
+
+int trace(options const& with) {
+    std::string const part = with.output + ".part";
+    if (with.output.find(',') != std::string::npos) {
+        throw std::runtime_error("the name of the output cannot have a comma");
+    }
+    fs::remove(with.output);
+    if (std::FILE* const probe = std::fopen(part.c_str(), "w"); probe != nullptr) {
+        std::fclose(probe);
+        fs::remove(part);
+    } else {
+        throw std::runtime_error("cannot write " + with.output + ": " + std::strerror(errno));
+    }
+    int const status = run_under("trace",
+                                 "output=" + with.output + ",limit=" + std::to_string(with.limit) +
+                                     (with.profile ? ",profile" : "") + (with.summary ? ",summary" : ""),
+                                 with.program);
+    if (fs::exists(part) && !fs::exists(with.output)) {
+        convert(part, with.output);
+        fs::remove(part);
+        std::fprintf(stderr, "vorn-mero: the program did not come to its end; what it did is in %s\n",
+                     with.output.c_str());
+    } else if (!fs::exists(with.output)) {
+        std::fprintf(stderr, "vorn-mero: %s made no call through libnq, so there is no trace\n",
+                     with.program.at(0).c_str());
+    }
+    return status;
+}
+
+int leaks(options const& with) {
+    return run_under("leaks", "exit-status=" + std::to_string(with.exit_status), with.program);
+}
+
+int faults(options const& with) {
+    return run_under("faults", with.rules + (with.report ? ",report" : ""), with.program);
+}
+
+CLI::App* add(CLI::App& to, options& with, char const* name, char const* text) {
+    CLI::App* const made = to.add_subcommand(name, text);
+    made->add_option("program", with.program, "the program and its arguments, after --")->required();
+    return made;
+}
+
+} // namespace
+
+int main(int count, char** arguments) {
+    CLI::App app("Runs a program that uses libnq under an instrument. docs/instruments.md tells more.\n", "vorn-mero");
+    app.set_version_flag("--version", VORN_MERO_COMMAND_VERSION);
+    app.require_subcommand(1);
+    app.footer("Example:  vorn-mero trace -o trace.json --profile -- ./program its arguments\n"
+               "The exit status is the program's; 2 if it was not run.");
+    options with;
+    CLI::App* const to_trace = add(app, with, "trace", "write a timeline of calls and commands");
+    to_trace->add_option("-o,--output", with.output, "the file, for ui.perfetto.dev")->capture_default_str();
+    to_trace->add_flag("--profile", with.profile, "switch profiling on, for the times of all commands");
+    to_trace->add_flag("--summary", with.summary, "print a table of times");
+    to_trace->add_option("--limit", with.limit, "MiB to record at most")->check(CLI::Range(1, 1 << 20));
+    CLI::App* const to_errors = add(app, with, "errors", "print each failing call, and what is wrong with it");
+    CLI::App* const to_leaks = add(app, with, "leaks", "print what was never released, and the line that made it");
+    to_leaks->add_option("--exit-status", with.exit_status, "the exit status if there is any; 0: the program's own")
+        ->check(CLI::Range(0, 255))
+        ->capture_default_str();
+    CLI::App* const to_faults = add(app, with, "faults", "make calls fail");
+    to_faults->add_option("-r,--rule", with.rules, "which calls fail and how, as entry=clCreateBuffer:call=2:-4")
+        ->required();
+    to_faults->add_flag("--report", with.report, "print which calls failed");
+    CLI::App* const to_convert =
+        app.add_subcommand("convert", "write the timeline of a program that did not come to its end");
+    to_convert->add_option("recording", with.recording, "what trace has left behind, FILE.part")->required();
+    to_convert->add_option("-o,--output", with.output, "the file, for ui.perfetto.dev")->capture_default_str();
+    try {
+        app.parse(count, arguments);
+        return to_trace->parsed()    ? trace(with)
+               : to_errors->parsed() ? run_under("errors", "", with.program)
+               : to_leaks->parsed()  ? leaks(with)
+               : to_faults->parsed() ? faults(with)
+                                     : (convert(with.recording, with.output), 0);
+    } catch (CLI::ParseError const& failure) {
+        return app.exit(failure) == 0 ? 0 : unusable;
+    } catch (std::exception const& failure) {
+        std::fprintf(stderr, "vorn-mero: %s\n", failure.what());
+        return unusable;
+    }
+}

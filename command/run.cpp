@@ -1,0 +1,117 @@
+#include "run.hpp"
+
+#include <elf.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <array>
+#include <cctype>
+#include <cerrno>
+#include <cstdlib>
+#include <cstring>
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+#include <stdexcept>
+
+namespace nq::command {
+namespace {
+
+namespace fs = std::filesystem;
+
+[[noreturn]] void give_up(std::string const& what) { throw std::runtime_error(what); }
+
+// As a shell looks for it.
+fs::path find_program(std::string const& name) {
+    if (name.find('/') != std::string::npos) {
+        return name;
+    }
+    char const* const path = std::getenv("PATH");
+    std::istringstream folders(path != nullptr ? path : "");
+    for (std::string folder; std::getline(folders, folder, ':');) {
+        fs::path candidate = fs::path(folder) / name;
+        if (access(candidate.c_str(), X_OK) == 0 && fs::is_regular_file(candidate)) {
+            return candidate;
+        }
+    }
+    give_up("there is no program " + name + "; give a path such as ./" + name);
+}
+
+// Programs that are not of this format are scripts, whose interpreter is preloaded.
+bool is_static(fs::path const& program) {
+    std::ifstream file(program, std::ios::binary);
+    Elf64_Ehdr head{};
+    file.read(reinterpret_cast<char*>(&head), sizeof head);
+    if (!file || std::memcmp(head.e_ident, ELFMAG, SELFMAG) != 0 || head.e_ident[EI_CLASS] != ELFCLASS64) {
+        return false;
+    }
+    for (unsigned i = 0; i < head.e_phnum; ++i) {
+        Elf64_Phdr part{};
+        file.seekg(static_cast<std::streamoff>(head.e_phoff + std::uint64_t{i} * head.e_phentsize));
+        file.read(reinterpret_cast<char*>(&part), sizeof part);
+        if (!file || part.p_type == PT_INTERP) {
+            return false;
+        }
+    }
+    return true;
+}
+
+void check(fs::path const& program) {
+    struct stat about {};
+    if (stat(program.c_str(), &about) != 0 || access(program.c_str(), X_OK) != 0 || S_ISDIR(about.st_mode)) {
+        give_up("cannot run " + program.string() + ": " + std::strerror(S_ISDIR(about.st_mode) ? EISDIR : errno));
+    }
+    bool const raised = ((about.st_mode & S_ISUID) != 0 && about.st_uid != geteuid()) ||
+                        ((about.st_mode & S_ISGID) != 0 && about.st_gid != getegid());
+    if (raised) {
+        give_up(program.string() + " runs with another user's rights, and ignores what is preloaded; run a copy of it");
+    }
+    if (is_static(program)) {
+        give_up(program.string() + " is linked statically, and has no place for a layer; link it dynamically");
+    }
+}
+
+// Beside this program, as installed and as built.
+fs::path find_layer(std::string const& name) {
+    fs::path const here = fs::read_symlink("/proc/self/exe").parent_path();
+    for (fs::path const& folder : {here / VORN_MERO_LAYERS_FOLDER, here / "../lib"}) {
+        if (fs::path const file = folder / ("libnq-" + name + ".so"); fs::exists(file)) {
+            return fs::canonical(file);
+        }
+    }
+    give_up("there is no libnq-" + name + ".so beside this program; install it again");
+}
+
+} // namespace
+
+int run_under(std::string const& layer, std::string const& settings, command_line const& program) {
+    fs::path const path = find_program(program.at(0));
+    check(path);
+    fs::path const file = find_layer(layer);
+    std::string variable = "NQ_" + layer;
+    for (char& each : variable) {
+        each = static_cast<char>(std::toupper(static_cast<unsigned char>(each)));
+    }
+    char const* const before = std::getenv("LD_PRELOAD");
+    std::string const preload = file.string() + (before != nullptr ? std::string(":") + before : "");
+    std::vector<char*> arguments;
+    for (std::string const& each : program) {
+        arguments.push_back(const_cast<char*>(each.c_str()));
+    }
+    arguments.push_back(nullptr);
+    pid_t const child = fork();
+    if (child == 0) {
+        setenv("LD_PRELOAD", preload.c_str(), 1);
+        setenv(variable.c_str(), settings.c_str(), 1);
+        execv(path.c_str(), arguments.data());
+        _exit(127);
+    }
+    int status = 0;
+    if (child < 0 || waitpid(child, &status, 0) != child) {
+        give_up("cannot run " + path.string() + ": " + std::strerror(errno));
+    }
+    return WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
+}
+
+} // namespace nq::command
