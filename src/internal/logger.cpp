@@ -19,10 +19,6 @@ namespace {
 
 std::atomic<bool> logging_has_ended{false};
 
-// Constructs spdlog's registry, if the program uses spdlog, when the library is loaded. The registry then outlives all
-// objects of the program, whose destructors may be the first to log.
-[[maybe_unused]] auto const registry_is_alive = &spdlog::get != nullptr && spdlog::get("") != nullptr;
-
 std::string_view environment(char const* name, std::string_view otherwise) {
     char const* const value = secure_getenv(name); // a set-uid program must not be told by its user where to write
     return value != nullptr ? value : otherwise;
@@ -56,6 +52,20 @@ logger_library const& library() {
     static logger_library const& loaded = load_library();
     return loaded;
 }
+
+bool load_early() noexcept {
+    auto const target = environment("MERO_LOG_TARGET", "none");
+    bool const is_needed = &spdlog::get != nullptr || target == "file" || target == "console";
+    try {
+        return is_needed && library().make != nullptr;
+    } catch (...) { // whoever logs is told
+        return false;
+    }
+}
+
+// Process exit destroys spdlog's registry before older objects, whose destructors may be the first to log. Where the
+// program has loggers in the registry, or this library will have one, the registry is made as early as can be.
+[[maybe_unused]] bool const is_loaded_early = load_early();
 
 // Flushes at process exit.
 struct end_of_logging {

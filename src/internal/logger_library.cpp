@@ -15,6 +15,9 @@ namespace {
 constexpr char const* logger_name = "mero";
 constexpr char const* file_name = "mero.log";
 
+// Makes spdlog's registry as early as possible, so that it outlives the objects of the program.
+[[maybe_unused]] auto const registry_is_alive = spdlog::get(logger_name) != nullptr;
+
 // spdlog tries five times, 10 ms apart, before it says that it cannot open a file.
 void require_file() {
     int const file = ::open(file_name, O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC, 0666);

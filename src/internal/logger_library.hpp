@@ -1,6 +1,6 @@
 #pragma once
 
-// What the library needs of spdlog. It is in a shared object of its own, which is loaded when the logger is built: most
+// What the library needs of spdlog. It is in a shared object of its own, which is not loaded before it is needed: most
 // programs log nothing, and to load spdlog costs more than to load the library.
 
 #include <memory>

@@ -125,6 +125,7 @@ void log() {
 }
 
 int perform_mode(std::string const& mode, char const* argument) {
+    EXPECT_NE(dlopen(LOGGER, RTLD_NOW | RTLD_NOLOAD), nullptr) << "this program uses spdlog, so it is loaded early";
     using versions = std::integer_sequence<int, 100, 110, 120, 200, 210, 220>;
     if (mode == "list" || mode == "use") {
         list(versions{});
