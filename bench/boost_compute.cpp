@@ -51,7 +51,6 @@ void add_basics(rows<objects> add) {
         compute::buffer moved = std::move(on.a);
         keep(moved);
         on.a = std::move(moved);
-        keep(on.a);
     });
     add("throw and catch", [](objects& on) {
         try {

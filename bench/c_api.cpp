@@ -94,7 +94,6 @@ void add_basics(rows<objects> add) {
         on.a = nullptr;
         keep(moved);
         on.a = moved;
-        keep(on.a);
     });
     add("throw and catch", [](objects& on) { keep(clSetKernelArg(on.kernel, invalid_index, sizeof on.a, &on.a)); });
 }

@@ -61,7 +61,6 @@ void add_basics(rows<objects> add) {
         cl::Buffer moved = std::move(on.a);
         keep(moved);
         on.a = std::move(moved);
-        keep(on.a);
     });
     add("throw and catch", [](objects& on) {
         try {

@@ -93,7 +93,6 @@ void add_basics(rows<objects> add) {
         mero::buffer moved = std::move(on.a);
         keep(moved);
         on.a = std::move(moved);
-        keep(on.a);
     });
     add("throw and catch", [](objects& on) { fail(on, invalid_index); });
     add("throw and catch -1", [](objects& on) { fail(on, 1001); });

@@ -12,7 +12,7 @@
 
 namespace vorn::mero::internal {
 
-/// Throws the `nq` exception of a result of libnq; returns on success.
+/// Throws the `nq` exception of a result of libnq other than success.
 [[noreturn, gnu::cold]] void throw_call_failure(int result);
 
 inline void check_result(int result) {
@@ -27,7 +27,7 @@ inline void call(nq_call_handle* handle, std::uint32_t command_id, void* block) 
 }
 
 template <class Block>
-std::int32_t status_of(Block const& block) {
+std::int32_t& status_of(Block& block) {
     if constexpr (requires { block.status; }) {
         return block.status;
     } else {
@@ -35,12 +35,23 @@ std::int32_t status_of(Block const& block) {
     }
 }
 
-/// Performs a command and throws whatever failed.
+/// Performs a command, whatever comes of it. Returns libnq's result and OpenCL's status as one number, which is 0 if
+/// both are: one test instead of two.
 template <class Block>
-void call_checked(nq_call_handle* handle, std::uint32_t command_id, Block& block) {
-    call(handle, command_id, &block);
-    if (status_of(block) != 0) [[unlikely]] {
-        throw_status(status_of(block));
+int attempt(nq_call_handle* handle, std::uint32_t command_id, Block& block) {
+    static_assert(nq::result::success == 0);
+    int const result = nq_call_capability(handle, command_id, &block, nullptr);
+    return result | status_of(block);
+}
+
+/// Performs a command and throws whatever failed, from the function that calls this.
+template <class Block>
+[[gnu::always_inline]] inline void call_checked(nq_call_handle* handle, std::uint32_t command_id, Block& block) {
+    int const result = nq_call_capability(handle, command_id, &block, nullptr);
+    if ((result | status_of(block)) != 0) [[unlikely]] {
+        check_result(result);
+        std::int32_t const volatile& status = status_of(block); // read again, so that the usual path need not keep it
+        throw_status(status);
     }
 }
 

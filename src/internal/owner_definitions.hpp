@@ -24,16 +24,28 @@ struct ownership;
 template <nq::capability Version, class Retain, class Release>
 struct counted {
     static void retain(nq_call_handle* call_handle, auto* raw) {
-        Retain block{raw, 0};
+        Retain block;
+        auto& [object, status] = block;
+        object = raw;
         call_checked(call_handle, nq::command_id<Version, Retain>, block);
     }
 
     static void release(nq_call_handle* call_handle, auto* raw) {
-        Release block{raw, 0};
+        Release block;
+        auto& [object, status] = block;
+        object = raw;
         call(call_handle, nq::command_id<Version, Release>, &block);
         if (block.status != 0) [[unlikely]] {
             throw common::bad_implementation("OpenCL release operations should never fail.  Complain to your vendor.");
         }
+    }
+
+    /// Whether the release succeeded.
+    static bool try_release(nq_call_handle* call_handle, auto* raw) noexcept {
+        Release block;
+        auto& [object, status] = block;
+        object = raw;
+        return attempt(call_handle, nq::command_id<Version, Release>, block) == 0;
     }
 };
 
@@ -42,6 +54,7 @@ struct uncounted {
     static constexpr char const* destructor_message = "";
     static void retain(nq_call_handle*, void*) noexcept {}
     static void release(nq_call_handle*, void*) noexcept {}
+    static bool try_release(nq_call_handle*, void*) noexcept { return true; }
 };
 
 template <class Kind>
@@ -56,23 +69,22 @@ void release(owner<Kind> const& object) {
     }
 }
 
+// Retains before it takes the call handle, so that nothing is to be undone if that fails.
 template <class Kind>
 owner<Kind>::owner(nq::call_handle const& call_handle, raw_type* raw, typename Kind::create_reference)
-    : call_handle_(call_handle), raw_(raw) {
-    retain(*this);
-}
+    : call_handle_((retain(call_handle.get(), raw), call_handle)), raw_(raw) {}
 
 template <class Kind>
-owner<Kind>::owner(owner const& other) : call_handle_(other.call_handle_), raw_(other.raw_) {
-    retain(*this);
+void owner<Kind>::retain(nq_call_handle* call_handle, raw_type* raw) {
+    ownership<Kind>::retain(call_handle, raw);
 }
 
 template <class Kind>
 owner<Kind>& owner<Kind>::operator=(owner const& other) {
     if (this != &other) {
-        release(*this);
+        internal::release(*this);
         raw_ = nullptr;
-        retain(other);
+        retain(other.call_handle_.get(), other.raw_);
         call_handle_ = other.call_handle_;
         raw_ = other.raw_;
     }
@@ -80,22 +92,23 @@ owner<Kind>& owner<Kind>::operator=(owner const& other) {
 }
 
 template <class Kind>
-owner<Kind>& owner<Kind>::operator=(owner&& other) noexcept {
-    release(*this);
-    call_handle_ = std::move(other.call_handle_);
-    raw_ = other.raw_;
-    other.call_handle_.reset();
-    other.raw_ = nullptr;
-    return *this;
+void owner<Kind>::become_empty() noexcept {
+    internal::release(*this);
+    raw_ = nullptr;
+    call_handle_.reset();
 }
 
 template <class Kind>
-owner<Kind>::~owner() {
-    try {
-        release(*this);
-    } catch (...) {
+void owner<Kind>::release_and_close() noexcept {
+    if (!ownership<Kind>::try_release(call_handle_.get(), raw_)) [[unlikely]] {
         log_failure(ownership<Kind>::destructor_message);
     }
+    close();
+}
+
+template <class Kind>
+void owner<Kind>::close() noexcept {
+    call_handle_.~shared_ptr();
 }
 
 } // namespace vorn::mero::internal

@@ -22,33 +22,32 @@ query<block::clGetKernelWorkGroupInfo> ask_work_group(kernel const& object, devi
     return {call_handle_of(object), {.kernel = raw_of(object), .device = raw_of(target), .param_name = name}};
 }
 
+[[gnu::always_inline]] inline void bind(kernel const& object, unsigned int index, std::size_t size, void const* value) {
+    block::clSetKernelArg block;
+    block.kernel = raw_of(object);
+    block.arg_size = size;
+    block.arg_value = value;
+    block.arg_index = index;
+    perform(call_handle_of(object), block);
+}
+
+template <class Object>
+[[gnu::always_inline]] inline void bind(kernel const& target, unsigned int index, Object const& object) {
+    auto* const raw = raw_of(object);
+    bind(target, index, sizeof raw, &raw);
+}
+
 } // namespace
 
 kernel kernel::clone() const { return get_program().create_kernel(function_name()); }
 
-void kernel::set_argument(unsigned int index, std::nullptr_t) { set_argument_raw(index, sizeof(void*), nullptr); }
-
-void kernel::set_argument(unsigned int index, local_memory const& size) {
-    set_argument_raw(index, size.size(), nullptr);
-}
-
-void kernel::set_argument(unsigned int index, memory_object& object) {
-    auto* const raw = raw_of(object);
-    set_argument_raw(index, sizeof raw, &raw);
-}
-
-void kernel::set_argument(unsigned int index, sampler& object) {
-    auto* const raw = raw_of(object);
-    set_argument_raw(index, sizeof raw, &raw);
-}
+void kernel::set_argument(unsigned int index, std::nullptr_t) { bind(*this, index, sizeof(void*), nullptr); }
+void kernel::set_argument(unsigned int index, local_memory const& size) { bind(*this, index, size.size(), nullptr); }
+void kernel::set_argument(unsigned int index, memory_object& object) { bind(*this, index, object); }
+void kernel::set_argument(unsigned int index, sampler& object) { bind(*this, index, object); }
 
 void kernel::set_argument_raw(unsigned int index, unsigned long size, void const* value) {
-    block::clSetKernelArg block;
-    block.kernel = raw_of(*this);
-    block.arg_size = size;
-    block.arg_value = value;
-    block.arg_index = index;
-    perform(call_handle_of(*this), block);
+    bind(*this, index, size, value);
 }
 
 std::string kernel::function_name() const { return read_text(ask(*this, cl::kernel_function_name)); }
@@ -130,10 +129,7 @@ void set_exec_info(kernel const& object, std::uint32_t name, std::size_t size, v
 
 } // namespace
 
-void kernel::set_argument(unsigned int index, device_command_queue& queue) {
-    auto* const raw = raw_of(queue);
-    set_argument_raw(index, sizeof raw, &raw);
-}
+void kernel::set_argument(unsigned int index, device_command_queue& queue) { bind(*this, index, queue); }
 
 void kernel::set_svm_argument(std::uint32_t index, void const* pointer) {
     block::clSetKernelArgSVMPointer block;

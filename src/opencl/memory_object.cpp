@@ -24,8 +24,6 @@ query<block::clGetImageInfo> ask_image(image const& object, std::uint32_t name) 
 
 } // namespace
 
-memory_object::~memory_object() = default;
-
 mem_flags memory_object::flags() const { return read_scalar<mem_flags>(ask(*this, cl::mem_flags)); }
 std::size_t memory_object::size() const { return read_scalar<std::size_t>(ask(*this, cl::mem_size)); }
 void* memory_object::host_ptr() const { return read_scalar<void*>(ask(*this, cl::mem_host_ptr)); }

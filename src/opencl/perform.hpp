@@ -60,7 +60,7 @@ std::uint32_t count_of(std::vector<T> const& list) noexcept {
 
 /// Performs the entry point of a block and throws what failed.
 template <class Block>
-void perform(nq::call_handle const& handle, Block& block) {
+[[gnu::always_inline]] inline void perform(nq::call_handle const& handle, Block& block) {
     mero::internal::call_checked(handle.get(), nq::command_id<version, Block>, block);
 }
 

@@ -91,6 +91,9 @@ class Headers:
         record = next((part for part in inner if part["kind"] == "CXXRecordDecl"), node) if node["kind"] == TYPES[2] else node
         if "completeDefinition" not in record and node["kind"] == "CXXRecordDecl":
             return  # announced only
+        if "name" not in node:  # an anonymous union, whose members are those of the class
+            self.scope(node, scope, template)
+            return
         template = template or record is not node
         arguments = "".join(f"<{part['value']}>" for part in inner if "value" in part)
         name = f"{scope}::{node['name']}{arguments}"

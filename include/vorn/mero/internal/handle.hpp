@@ -7,6 +7,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <new>
 #include <utility>
 
 namespace vorn::mero::internal {
@@ -45,21 +46,39 @@ public:
     owner(nq::call_handle const& call_handle, raw_type* raw, typename Kind::create_reference);
 
     /// Retains. If that fails, throws and leaves `other` unchanged.
-    owner(owner const& other);
+    owner(owner const& other)
+        : call_handle_((retain(other.call_handle_.get(), other.raw_), other.call_handle_)), raw_(other.raw_) {}
 
     /// Makes no call. `other` is empty afterwards.
-    owner(owner&& other) noexcept
-        : call_handle_(std::move(other.call_handle_)), raw_(std::exchange(other.raw_, nullptr)) {}
+    owner(owner&& other) noexcept : call_handle_(), raw_(std::exchange(other.raw_, nullptr)) {
+        call_handle_.swap(other.call_handle_);
+    }
 
     /// Releases its own reference, then retains. If the release fails, nothing has changed; if the retain fails, this
     /// object has a null raw handle and its old call handle.
     owner& operator=(owner const& other);
 
     /// Releases its own reference; if that fails, the process ends. Assigning an object to itself empties it.
-    owner& operator=(owner&& other) noexcept;
+    owner& operator=(owner&& other) noexcept {
+        if (raw_ != nullptr || has_call_handle()) {
+            become_empty();
+        }
+        call_handle_.swap(other.call_handle_);
+        raw_ = other.raw_;
+        // `other` is empty already. Said last, this spares programs the code that would ask when they destroy it.
+        ::new (static_cast<void*>(&other.call_handle_)) nq::call_handle();
+        other.raw_ = nullptr;
+        return *this;
+    }
 
     /// Releases the reference. If that fails, logs at error level (see `internal::log_singleton`) and continues.
-    ~owner();
+    ~owner() {
+        if (raw_ != nullptr) {
+            release_and_close();
+        } else if (has_call_handle()) {
+            close();
+        }
+    }
 
 protected:
     /// Swaps the references, but not the call handles.
@@ -68,7 +87,21 @@ protected:
 private:
     friend struct owner_access;
 
-    nq::call_handle call_handle_;
+    static void retain(nq_call_handle* call_handle, raw_type* raw);
+
+    // A null call handle may share a count too; it is then ordered after one that does not.
+    bool has_call_handle() const noexcept { return nq::call_handle().owner_before(call_handle_); }
+
+    [[gnu::cold]] void become_empty() noexcept;
+
+    // These two end the lifetime of the call handle.
+    void release_and_close() noexcept;
+    void close() noexcept;
+
+    // An empty call handle needs no destructor. The union keeps that of the others out of the code of programs.
+    union {
+        nq::call_handle call_handle_;
+    };
     raw_type* raw_;
 };
 

@@ -23,7 +23,7 @@ public:
     memory_object(memory_object&&) noexcept = default;
     memory_object& operator=(memory_object const&) = default;
     memory_object& operator=(memory_object&&) noexcept = default;
-    virtual ~memory_object();
+    virtual ~memory_object() = default;
 
     /// The flags that the object was made with; for a sub-buffer, including those inherited from its parent.
     [[nodiscard]] mem_flags flags() const;
