@@ -1,5 +1,6 @@
-// The command vorn-mero: runs a program under one of the layers.
+// The command vorn-mero: runs a program under one of the layers, and says why there is no device.
 
+#include "doctor.hpp"
 #include "run.hpp"
 
 #include "../layers/trace_log.hpp"
@@ -88,7 +89,9 @@ CLI::App* add(CLI::App& to, options& with, char const* name, char const* text) {
 } // namespace
 
 int main(int count, char** arguments) {
-    CLI::App app("Runs a program that uses libnq under an instrument. docs/instruments.md tells more.\n", "vorn-mero");
+    CLI::App app("Runs programs that use libnq under an instrument, and says why there is no device.\n"
+                 "docs/instruments.md tells more.\n",
+                 "vorn-mero");
     app.set_version_flag("--version", VORN_MERO_COMMAND_VERSION);
     app.require_subcommand(1);
     app.footer("Example:  vorn-mero trace -o trace.json --profile -- ./program its arguments\n"
@@ -112,9 +115,14 @@ int main(int count, char** arguments) {
         app.add_subcommand("convert", "write the timeline of a program that did not come to its end");
     to_convert->add_option("recording", with.recording, "what trace has left behind, FILE.part")->required();
     to_convert->add_option("-o,--output", with.output, "the file, for ui.perfetto.dev")->capture_default_str();
+    CLI::App* const to_diagnose = app.add_subcommand("doctor", "list the devices, and say why others are missing");
+    to_diagnose->footer(
+        "The exit status tells what is wrong: 10 no OpenCL loader, 11 no implementation, 12 one that does not\n"
+        "load, 13 a platform without a device, 14 a graphics card that you may not use, 15 no device.");
     try {
         app.parse(count, arguments);
-        return to_trace->parsed()    ? trace(with)
+        return to_diagnose->parsed() ? static_cast<int>(nq::command::diagnose())
+               : to_trace->parsed()  ? trace(with)
                : to_errors->parsed() ? run_under("errors", "", with.program)
                : to_leaks->parsed()  ? leaks(with)
                : to_faults->parsed() ? faults(with)

@@ -102,6 +102,16 @@ def breaches_of_command(command, program):
             done = subprocess.run([command, *arguments], capture_output=True, text=True, timeout=100)
             if done.returncode != status or not re.search(pattern, done.stderr, re.M):
                 yield f"{arguments}: exit status {done.returncode}, {done.stderr}"
+        for variable, status in (
+            (("NQ_BRIDGE_OPENCL", "libnone.so"), 10),
+            (("OCL_ICD_VENDORS", "/none"), 11),
+            (("OCL_ICD_VENDORS", "libnone.so"), 12),
+            (("NQ_BRIDGE_VERBOSE", "0"), 0),
+        ):
+            done = subprocess.run([command, "doctor"], env=dict(os.environ, **dict([variable])), capture_output=True,
+                                  text=True, timeout=100)
+            if done.returncode != status or not re.search(r"^\d+ devices?$", done.stdout, re.M):
+                yield f"doctor, {variable}: exit status {done.returncode}, {done.stdout}"
         if not any(each["name"] == "clFinish" for each in json.loads(output.read_text())["traceEvents"]):
             yield "the trace of a program that did not come to its end is not whole"
 
