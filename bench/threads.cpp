@@ -9,6 +9,7 @@
 #include <chrono>
 #include <cstdio>
 #include <ctime>
+#include <iterator>
 #include <thread>
 
 namespace bench {
@@ -18,7 +19,7 @@ namespace mero = vorn::mero::opencl_2_1;
 using clock = std::chrono::steady_clock;
 
 constexpr std::chrono::milliseconds turn(20); // several time slices, where there are more threads than processors
-constexpr int turns = 9;
+constexpr std::size_t turns = 9;
 constexpr int operations_between_looks = 1000;
 
 struct objects {
@@ -104,24 +105,34 @@ double nanoseconds_of_turn(named_operation const& operation, objects& on) {
     return (processor_nanoseconds() - start) / (static_cast<double>(runs) * operations_between_looks);
 }
 
-double nanoseconds(named_operation const& operation, sharing const& way, objects const& first, std::size_t count) {
+double median(std::vector<double> values) {
+    auto const middle = values.begin() + static_cast<std::ptrdiff_t>(values.size() / 2);
+    std::nth_element(values.begin(), middle, values.end());
+    return *middle;
+}
+
+// One time for each way of sharing. The ways take turns, since the speed of a machine drifts.
+std::vector<double> nanoseconds(named_operation const& operation, objects const& first, std::size_t count) {
     std::barrier<> together(static_cast<std::ptrdiff_t>(count));
-    std::vector<double> times(count * turns);
+    std::vector<std::vector<double>> times(std::size(ways), std::vector<double>(count * turns));
     {
         std::vector<std::jthread> running;
         for (std::size_t thread = 0; thread != count; ++thread) {
             running.emplace_back([&, thread] {
-                objects on = way.make(first);
-                for (std::size_t i = 0; i != turns; ++i) {
+                std::vector<objects> on;
+                std::transform(std::begin(ways), std::end(ways), std::back_inserter(on),
+                               [&first](sharing const& way) { return way.make(first); });
+                for (std::size_t i = 0; i != turns * on.size(); ++i) {
+                    std::size_t const way = i % on.size();
                     together.arrive_and_wait();
-                    times[thread * turns + i] = nanoseconds_of_turn(operation, on);
+                    times[way][thread * turns + i / on.size()] = nanoseconds_of_turn(operation, on[way]);
                 }
             });
         }
     }
-    auto const middle = times.begin() + static_cast<std::ptrdiff_t>(times.size() / 2);
-    std::nth_element(times.begin(), middle, times.end());
-    return *middle;
+    std::vector<double> medians;
+    std::transform(times.begin(), times.end(), std::back_inserter(medians), median);
+    return medians;
 }
 
 } // namespace
@@ -129,10 +140,10 @@ double nanoseconds(named_operation const& operation, sharing const& way, objects
 void threads() {
     objects const first(mero::get_all_devices().front());
     for (named_operation const& operation : all_operations()) {
-        for (sharing const& way : ways) {
-            for (std::size_t const count : {1U, 2U, 4U}) {
-                std::printf("%s|%s|%zu|%.1f\n", operation.name, way.name, count,
-                            nanoseconds(operation, way, first, count));
+        for (std::size_t const count : {1U, 2U, 4U}) {
+            auto const times = nanoseconds(operation, first, count);
+            for (std::size_t way = 0; way != times.size(); ++way) {
+                std::printf("%s|%s|%zu|%.1f\n", operation.name, ways[way].name, count, times[way]);
             }
         }
     }
