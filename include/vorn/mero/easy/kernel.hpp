@@ -39,7 +39,7 @@ public:
 
 private:
     _nq_cl_kernel* kernel_;
-    range range_;
+    range const& range_; // outlives the command, which is enqueued where it is made
 };
 
 } // namespace detail
