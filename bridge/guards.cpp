@@ -63,12 +63,17 @@ cl_int CL_API_CALL oclgrind_set_argument(cl_kernel kernel, cl_uint index, std::s
     return loaded().clSetKernelArg(kernel, index, size, value);
 }
 
+bool is_empty(std::size_t const* local, cl_uint dimensions) noexcept {
+    return dimensions <= 3 && ((dimensions > 0 && local[0] == 0) || (dimensions > 1 && local[1] == 0) ||
+                               (dimensions > 2 && local[2] == 0));
+}
+
 // PoCL and Oclgrind divide by the local size.
 cl_int CL_API_CALL launch_unless_group_is_empty(cl_command_queue queue, cl_kernel kernel, cl_uint dimensions,
                                                 std::size_t const* offset, std::size_t const* global,
                                                 std::size_t const* local, cl_uint event_count, cl_event const* events,
                                                 cl_event* event) {
-    if (local != nullptr && dimensions <= 3 && std::find(local, local + dimensions, 0U) != local + dimensions) {
+    if (local != nullptr && is_empty(local, dimensions)) {
         return CL_INVALID_WORK_GROUP_SIZE;
     }
     return loaded().clEnqueueNDRangeKernel(queue, kernel, dimensions, offset, global, local, event_count, events,

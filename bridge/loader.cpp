@@ -9,9 +9,10 @@
 #include <link.h>
 
 namespace nq::bridge {
-namespace {
 
-functions symbols{};
+functions library_functions{};
+
+namespace {
 
 void* object_of(void* function) noexcept {
     Dl_info info{};
@@ -41,7 +42,7 @@ void* find_in_global_scope() noexcept {
 
 void take_exports(void* library) noexcept {
     for (entry_point const& entry : entry_points()) {
-        slot(symbols, entry.slot) = dlsym(library, entry.name);
+        slot(library_functions, entry.slot) = dlsym(library, entry.name);
     }
 }
 
@@ -63,9 +64,9 @@ void take_dispatch_table(list_function list) {
     functions const& table = *dispatch_table(first);
     version_number const version = parse_version(info_text(table.clGetPlatformInfo, first, CL_PLATFORM_VERSION));
     for (entry_point const& entry : entry_points()) {
-        slot(symbols, entry.slot) = entry.since <= version ? slot(table, entry.slot) : nullptr;
+        slot(library_functions, entry.slot) = entry.since <= version ? slot(table, entry.slot) : nullptr;
     }
-    symbols.clGetPlatformIDs = list;
+    library_functions.clGetPlatformIDs = list;
 }
 
 std::string load_named(char const* name) {
@@ -89,7 +90,7 @@ std::string load_named(char const* name) {
 } // namespace
 
 std::string load() {
-    if (symbols.clGetPlatformIDs != nullptr) {
+    if (library_functions.clGetPlatformIDs != nullptr) {
         return {};
     }
     if (char const* const name = secure_getenv("NQ_BRIDGE_OPENCL"); name != nullptr && *name != '\0') {
@@ -102,10 +103,8 @@ std::string load() {
     return load_named("libOpenCL.so.1");
 }
 
-functions const& loaded() noexcept { return symbols; }
-
 bool is_in_library(void* function) noexcept {
-    return object_of(function) == object_of(reinterpret_cast<void*>(symbols.clGetPlatformInfo));
+    return object_of(function) == object_of(reinterpret_cast<void*>(library_functions.clGetPlatformInfo));
 }
 
 functions const* dispatch_table(cl_platform_id object) noexcept {

@@ -13,8 +13,11 @@ namespace nq::bridge {
 /// failure. Not thread-safe.
 std::string load();
 
-/// The library's own functions; all null before `load`.
-functions const& loaded() noexcept;
+/// Set by `load`.
+extern functions library_functions;
+
+/// The library's own functions; all null before `load`. Inline, so that a guard that only passes on saves no registers.
+inline functions const& loaded() noexcept { return library_functions; }
 
 /// Whether a function is part of the library, and not of an implementation behind it.
 bool is_in_library(void* function) noexcept;
