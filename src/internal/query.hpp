@@ -2,104 +2,147 @@
 
 // The reads behind every query. They check each size that the implementation reports and throw
 // `common::bad_implementation` if it is wrong. Nothing is cached.
+//
+// `ask(size, value)` is an info entry point, complete except for these arguments. It makes one capability call and
+// throws what failed. `ask.reported` is where the implementation puts the size, 0 before the first call.
 
 #include <array>
 #include <cstddef>
-#include <memory>
 #include <string>
-#include <type_traits>
 #include <utility>
 #include <vector>
 
 namespace vorn::mero::internal {
 
-/// Refers to an info entry point, complete except for the three arguments that a read chooses. A call makes one
-/// capability call and throws what failed.
-class info_query {
-public:
-    template <class Query>
-    requires(!std::is_same_v<Query, info_query>) info_query(Query& query)
-        : query_(std::addressof(query)), ask_([](void* self, std::size_t size, void* value, std::size_t* size_ret) {
-              (*static_cast<Query*>(self))(size, value, size_ret);
-          }) {}
+[[noreturn, gnu::cold]] void refuse_value(std::size_t expected, std::size_t reported);
+[[noreturn, gnu::cold]] void refuse_elements(std::size_t count, std::size_t expected, std::size_t reported);
+[[noreturn, gnu::cold]] void refuse_indivisible(std::size_t size, std::size_t element_size);
+[[noreturn, gnu::cold]] void refuse_changed_size();
+[[noreturn, gnu::cold]] void refuse_endless_array();
 
-    void operator()(std::size_t size, void* value, std::size_t* size_ret) const { ask_(query_, size, value, size_ret); }
+/// Reads into a buffer of twice the size that is expected. An implementation that reports no size may write to all of
+/// it.
+template <class Ask, class Value>
+void read_once(Ask& ask, std::array<Value, 2>& values) {
+    ask(0, nullptr);
+    std::size_t size = sizeof(Value);
+    if (ask.reported == 0) [[unlikely]] {
+        size = sizeof values;
+    }
+    ask(size, values.data());
+}
 
-private:
-    void* query_;
-    void (*ask_)(void*, std::size_t, void*, std::size_t*);
-};
+/// Reads into a buffer of the size that the implementation has reported.
+template <class Ask>
+void read_again(Ask& ask, std::size_t size, void* value) {
+    ask.reported = 0;
+    ask(size, value);
+    if (ask.reported != size) [[unlikely]] {
+        refuse_changed_size();
+    }
+}
 
-/// Reads one value of `size` bytes into a buffer of twice that size. An implementation that reports no size may write
-/// to the whole buffer.
-void read_value(info_query query, void* doubled_buffer, std::size_t size);
+template <class T, class Ask>
+T read_scalar(Ask&& ask) {
+    std::array<T, 2> values{};
+    read_once(ask, values);
+    if (ask.reported != sizeof(T)) [[unlikely]] {
+        refuse_value(sizeof(T), ask.reported);
+    }
+    return values[0];
+}
 
-/// The same for `count` elements in a row.
-void read_elements(info_query query, void* doubled_buffer, std::size_t count, std::size_t element_size);
+template <class T, std::size_t N, class Ask>
+std::array<T, N> read_fixed(Ask&& ask) {
+    std::array<std::array<T, N>, 2> values{};
+    read_once(ask, values);
+    if (ask.reported != sizeof values[0]) [[unlikely]] {
+        refuse_elements(N, sizeof values[0], ask.reported);
+    }
+    return values[0];
+}
 
 /// Reads a text without its last byte, the terminating zero.
-std::string read_text(info_query query);
-
-/// Storage for an array read: it can be resized to a number of elements; new elements are zero.
-class growable_array {
-public:
-    virtual void* resize(std::size_t count) = 0;
-
-protected:
-    ~growable_array() = default;
-};
-
-/// Reads an array of unknown length.
-void read_array(info_query query, std::size_t element_size, growable_array& array);
-
-template <class T>
-T read_scalar(info_query query) {
-    std::array<T, 2> values{};
-    read_value(query, values.data(), sizeof(T));
-    return values[0];
+template <class Ask>
+std::string read_text(Ask&& ask) {
+    ask(0, nullptr);
+    std::size_t const size = ask.reported;
+    std::string text(size, '\0');
+    if (size != 0) {
+        read_again(ask, size, text.data());
+        text.pop_back();
+    }
+    return text;
 }
 
-template <class T, std::size_t N>
-std::array<T, N> read_fixed(info_query query) {
-    std::array<std::array<T, N>, 2> values{};
-    read_elements(query, values.data(), N, sizeof(T));
-    return values[0];
+/// Khronos public bug #1510: implementations that report no size for a list. The reply is asked for with growing
+/// buffers until one is not filled to its end.
+template <class Ask, class Array>
+[[gnu::cold, gnu::noinline]] void read_array_of_unreported_size(Ask& ask, std::size_t element_size, Array& array) {
+    constexpr int full_buffer_limit = 55; // full buffers, after which the answer is refused
+    std::size_t capacity = 100;
+    for (int full_buffers = 0;; capacity *= 2) {
+        ask(capacity * element_size, array.resize(capacity));
+        if (ask.reported != capacity * element_size) {
+            break;
+        }
+        if (++full_buffers == full_buffer_limit) {
+            refuse_endless_array();
+        }
+    }
+    if (ask.reported % element_size != 0) {
+        refuse_indivisible(ask.reported, element_size);
+    }
+    array.resize(ask.reported / element_size);
 }
 
-template <class T>
-std::vector<T> read_vector(info_query query) {
-    struct vector_array final : growable_array {
+/// Reads an array whose size the implementation has reported. `array.resize(count)` returns its storage resized to a
+/// number of elements, new ones zero.
+template <class Ask, class Array>
+void read_reported_array(Ask& ask, std::size_t element_size, Array& array) {
+    std::size_t const size = ask.reported;
+    if (size == 0) [[unlikely]] {
+        read_array_of_unreported_size(ask, element_size, array);
+        return;
+    }
+    if (size % element_size != 0) [[unlikely]] {
+        refuse_indivisible(size, element_size);
+    }
+    read_again(ask, size, array.resize(size / element_size));
+}
+
+template <class T, class Ask>
+std::vector<T> read_reported_vector(Ask& ask) {
+    struct {
         std::vector<T> elements;
-        void* resize(std::size_t count) override {
+        void* resize(std::size_t count) {
             elements.resize(count);
             return elements.data();
         }
     } array;
-    read_array(query, sizeof(T), array);
+    read_reported_array(ask, sizeof(T), array);
     return std::move(array.elements);
 }
 
-/// An array that uses the heap only for more than `N` elements; for lists that are converted right after the read.
-template <class T, std::size_t N = 16>
-class short_array final : public growable_array {
-public:
-    void* resize(std::size_t count) override {
-        if (count > N) {
-            elsewhere_.resize(count);
-        }
-        size_ = count;
-        return data();
+template <class T, class Ask>
+std::vector<T> read_vector(Ask&& ask) {
+    ask(0, nullptr);
+    return read_reported_vector<T>(ask);
+}
+
+/// Reads a list that is converted at once and returns `convert(elements, count)`. The list needs the heap only for more
+/// than `N` elements.
+template <class T, std::size_t N, class Ask, class Convert>
+auto read_list(Ask&& ask, Convert convert) {
+    ask(0, nullptr);
+    std::size_t const size = ask.reported;
+    if (size - 1 < N * sizeof(T) && size % sizeof(T) == 0) [[likely]] {
+        std::array<T, N> elements{};
+        read_again(ask, size, elements.data());
+        return convert(elements.data(), size / sizeof(T));
     }
-
-    T* data() noexcept { return elsewhere_.empty() ? inside_.data() : elsewhere_.data(); }
-    std::size_t size() const noexcept { return size_; }
-    T* begin() noexcept { return data(); }
-    T* end() noexcept { return data() + size_; }
-
-private:
-    std::array<T, N> inside_{};
-    std::vector<T> elsewhere_;
-    std::size_t size_ = 0;
-};
+    std::vector<T> elements = read_reported_vector<T>(ask);
+    return convert(elements.data(), elements.size());
+}
 
 } // namespace vorn::mero::internal

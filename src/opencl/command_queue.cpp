@@ -35,8 +35,8 @@ using internal::host_queue;
 namespace {
 
 template <class Kind>
-query<block::clGetCommandQueueInfo> ask_queue(owner<Kind> const& object, std::uint32_t name) {
-    return {call_handle_of(object), {.command_queue = raw_of(object), .param_name = name}};
+query<&block::clGetCommandQueueInfo::command_queue> ask_queue(owner<Kind> const& object, std::uint32_t name) {
+    return {call_handle_of(object), name, raw_of(object)};
 }
 
 template <class Kind>

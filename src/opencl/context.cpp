@@ -19,8 +19,8 @@ using namespace detail;
 
 namespace {
 
-query<block::clGetContextInfo> ask(context const& object, std::uint32_t name) {
-    return {call_handle_of(object), {.context = raw_of(object), .param_name = name}};
+query<&block::clGetContextInfo::context> ask(context const& object, std::uint32_t name) {
+    return {call_handle_of(object), name, raw_of(object)};
 }
 
 // A context property has the layout of the word that it holds.

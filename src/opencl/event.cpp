@@ -28,8 +28,8 @@ using namespace detail;
 namespace {
 
 template <class Kind>
-query<block::clGetEventInfo> ask_event(owner<Kind> const& object, std::uint32_t name) {
-    return {call_handle_of(object), {.event = raw_of(object), .param_name = name}};
+query<&block::clGetEventInfo::event> ask_event(owner<Kind> const& object, std::uint32_t name) {
+    return {call_handle_of(object), name, raw_of(object)};
 }
 
 std::int32_t read_status(event const& object) {
@@ -38,7 +38,7 @@ std::int32_t read_status(event const& object) {
 
 std::uint64_t read_profile(event const& object, std::uint32_t name) {
     return read_scalar<std::uint64_t>(
-        query<block::clGetEventProfilingInfo>(call_handle_of(object), {.event = raw_of(object), .param_name = name}));
+        query<&block::clGetEventProfilingInfo::event>(call_handle_of(object), name, raw_of(object)));
 }
 
 } // namespace

@@ -140,8 +140,7 @@ std::vector<std::string> get_supported_il_versions(device const& target) {
 }
 
 std::string get_program_il(program const& source) {
-    return read_text(query<block::clGetProgramInfo>(call_handle_of(source),
-                                                    {.program = raw_of(source), .param_name = cl::program_il}));
+    return read_text(query<&block::clGetProgramInfo::program>(call_handle_of(source), cl::program_il, raw_of(source)));
 }
 
 } // namespace cl_khr_il_program

@@ -31,13 +31,16 @@ Function* require_function(Object const& owner, char const* name, char const* ot
     return reinterpret_cast<Function*>(address);
 }
 
-/// Reads a 64-bit number through `ask(size, value, &size_ret)`, which returns OpenCL's status.
-template <class Ask>
-std::uint64_t read_number(Ask ask) {
-    auto checked = [&](std::size_t size, void* value, std::size_t* size_ret) {
-        mero::internal::check_error(ask(size, value, size_ret));
-    };
-    return mero::internal::read_scalar<std::uint64_t>(checked);
+/// Reads a 64-bit number through `get(size, value, &size_ret)`, which returns OpenCL's status.
+template <class Get>
+std::uint64_t read_number(Get get) {
+    struct {
+        void operator()(std::size_t size, void* value) { mero::internal::check_error(get(size, value, &reported)); }
+
+        Get& get;
+        std::size_t reported = 0;
+    } ask{get};
+    return mero::internal::read_scalar<std::uint64_t>(ask);
 }
 
 } // namespace vorn::mero::VORN_MERO_NAMESPACE::detail

@@ -14,12 +14,13 @@ using namespace detail;
 
 namespace {
 
-query<block::clGetKernelInfo> ask(kernel const& object, std::uint32_t name) {
-    return {call_handle_of(object), {.kernel = raw_of(object), .param_name = name}};
+query<&block::clGetKernelInfo::kernel> ask(kernel const& object, std::uint32_t name) {
+    return {call_handle_of(object), name, raw_of(object)};
 }
 
-query<block::clGetKernelWorkGroupInfo> ask_work_group(kernel const& object, device const& target, std::uint32_t name) {
-    return {call_handle_of(object), {.kernel = raw_of(object), .device = raw_of(target), .param_name = name}};
+query<&block::clGetKernelWorkGroupInfo::kernel, &block::clGetKernelWorkGroupInfo::device>
+ask_work_group(kernel const& object, device const& target, std::uint32_t name) {
+    return {call_handle_of(object), name, raw_of(object), raw_of(target)};
 }
 
 [[gnu::always_inline]] inline void bind(kernel const& object, unsigned int index, std::size_t size, void const* value) {
@@ -80,8 +81,9 @@ std::uint64_t kernel::private_mem_per_work_item(device const& target) const {
 #if VORN_MERO_OPENCL >= 120
 namespace {
 
-query<block::clGetKernelArgInfo> ask_argument(kernel const& object, unsigned int index, std::uint32_t name) {
-    return {call_handle_of(object), {.kernel = raw_of(object), .arg_index = index, .param_name = name}};
+query<&block::clGetKernelArgInfo::kernel, &block::clGetKernelArgInfo::arg_index>
+ask_argument(kernel const& object, unsigned int index, std::uint32_t name) {
+    return {call_handle_of(object), name, raw_of(object), index};
 }
 
 } // namespace
@@ -156,11 +158,9 @@ namespace {
 std::size_t read_sub_group(kernel const& object, device const& target, std::uint32_t name, std::size_t input_size = 0,
                            void const* input = nullptr) {
     return read_scalar<std::size_t>(
-        query<block::clGetKernelSubGroupInfo>(call_handle_of(object), {.kernel = raw_of(object),
-                                                                       .device = raw_of(target),
-                                                                       .input_value_size = input_size,
-                                                                       .input_value = input,
-                                                                       .param_name = name}));
+        query<&block::clGetKernelSubGroupInfo::kernel, &block::clGetKernelSubGroupInfo::device,
+              &block::clGetKernelSubGroupInfo::input_value_size, &block::clGetKernelSubGroupInfo::input_value>(
+            call_handle_of(object), name, raw_of(object), raw_of(target), input_size, input));
 }
 
 } // namespace

@@ -14,12 +14,12 @@ using namespace detail;
 
 namespace {
 
-query<block::clGetMemObjectInfo> ask(memory_object const& object, std::uint32_t name) {
-    return {call_handle_of(object), {.memobj = raw_of(object), .param_name = name}};
+query<&block::clGetMemObjectInfo::memobj> ask(memory_object const& object, std::uint32_t name) {
+    return {call_handle_of(object), name, raw_of(object)};
 }
 
-query<block::clGetImageInfo> ask_image(image const& object, std::uint32_t name) {
-    return {call_handle_of(object), {.image = raw_of(object), .param_name = name}};
+query<&block::clGetImageInfo::image> ask_image(image const& object, std::uint32_t name) {
+    return {call_handle_of(object), name, raw_of(object)};
 }
 
 } // namespace
@@ -53,8 +53,8 @@ std::uint32_t image::num_samples() const { return read_scalar<std::uint32_t>(ask
 #if VORN_MERO_OPENCL >= 200
 namespace {
 
-query<block::clGetPipeInfo> ask_pipe(pipe const& object, std::uint32_t name) {
-    return {call_handle_of(object), {.pipe = raw_of(object), .param_name = name}};
+query<&block::clGetPipeInfo::pipe> ask_pipe(pipe const& object, std::uint32_t name) {
+    return {call_handle_of(object), name, raw_of(object)};
 }
 
 } // namespace

@@ -11,6 +11,11 @@
 
 #include <nq/commands.hpp>
 
+#include <bit>
+#include <iterator>
+#include <tuple>
+#include <type_traits>
+
 namespace vorn::mero::VORN_MERO_NAMESPACE::detail {
 
 namespace block = nq::block;
@@ -77,70 +82,165 @@ Result create(owner<Kind> const& maker, Block& block) {
     return Result(call_handle_of(maker), block.result, internal::take_ownership{});
 }
 
-/// An info entry point with its object, its name and further arguments filled in.
-template <class Block>
-class query {
-public:
-    query(nq::call_handle const& handle, Block const& block) noexcept : handle_(handle.get()), block_(block) {}
+template <class Member>
+struct member;
+template <class Block, class Field>
+struct member<Field Block::*> {
+    using block = Block;
+    using field = Field;
+};
+template <auto Field>
+using field_type = typename member<decltype(Field)>::field;
 
-    void operator()(std::size_t size, void* value, std::size_t* size_ret) {
+/// An info entry point as the reads call it. `Inputs` are the fields of its block that say what it is asked of.
+template <auto First, auto... More>
+class info_call {
+public:
+    info_call(nq_call_handle* handle, std::uint32_t name, field_type<First> first, field_type<More>... more) noexcept
+        : handle_(handle) {
+        block_.*First = first;
+        ((block_.*More = more), ...);
+        block_.param_value_size_ret = &reported;
+        block_.param_name = name;
+    }
+    info_call(info_call const&) = delete;
+    info_call& operator=(info_call const&) = delete;
+
+    [[gnu::always_inline]] void operator()(std::size_t size, void* value) {
         block_.param_value_size = size;
         block_.param_value = value;
-        block_.param_value_size_ret = size_ret;
-        mero::internal::call_checked(handle_, nq::command_id<version, Block>, block_);
+        mero::internal::call_checked(handle_, nq::command_id<version, block_type>, block_);
+    }
+
+    std::size_t reported = 0;
+
+private:
+    using block_type = typename member<decltype(First)>::block;
+
+    nq_call_handle* handle_;
+    block_type block_;
+};
+
+/// What an info entry point is asked: its own arguments.
+template <auto... Inputs>
+class query {
+public:
+    query(nq::call_handle const& handle, std::uint32_t name, field_type<Inputs>... inputs) noexcept
+        : arguments_(handle.get(), name, inputs...) {}
+
+    template <class Read>
+    auto answer(Read read) const {
+        return std::apply(read, arguments_);
     }
 
 private:
-    nq_call_handle* handle_;
-    Block block_;
+    std::tuple<nq_call_handle*, std::uint32_t, field_type<Inputs>...> arguments_;
 };
 
-inline query<block::clGetDeviceInfo> ask(device const& object, std::uint32_t name) {
-    return {call_handle_of(object), {.device = raw_of(object), .param_name = name}};
+/// Makes a single call, without a read's checks.
+template <auto... Inputs>
+void call_once(query<Inputs...> const& ask, std::size_t size, void* value) {
+    ask.answer([=](auto... arguments) { info_call<Inputs...>(arguments...)(size, value); });
 }
 
-template <class T, class Block>
-T read_scalar(query<Block> ask) {
-    return mero::internal::read_scalar<T>(ask);
+inline query<&block::clGetDeviceInfo::device> ask(device const& object, std::uint32_t name) {
+    return {call_handle_of(object), name, raw_of(object)};
 }
 
-template <class Block>
-bool read_bool(query<Block> ask) {
+// A read is compiled once for each entry point. It takes what it needs in registers, so that a member that only asks is
+// a few instructions long.
+template <class Word, auto... Inputs>
+[[gnu::noinline]] Word read_word(nq_call_handle* handle, std::uint32_t name, field_type<Inputs>... inputs) {
+    return mero::internal::read_scalar<Word>(info_call<Inputs...>(handle, name, inputs...));
+}
+
+template <auto... Inputs>
+[[gnu::noinline]] std::string read_text_of(nq_call_handle* handle, std::uint32_t name, field_type<Inputs>... inputs) {
+    return mero::internal::read_text(info_call<Inputs...>(handle, name, inputs...));
+}
+
+/// The unsigned number of a size; one read serves all types of that size.
+template <std::size_t Size>
+using word = std::conditional_t<Size == 1, std::uint8_t, std::conditional_t<Size == 4, std::uint32_t, std::uint64_t>>;
+
+template <class T, auto... Inputs>
+T read_scalar(query<Inputs...> const& ask) {
+    return std::bit_cast<T>(ask.answer(read_word<word<sizeof(T)>, Inputs...>));
+}
+
+template <auto... Inputs>
+bool read_bool(query<Inputs...> const& ask) {
     return read_scalar<std::uint32_t>(ask) != 0;
 }
 
-template <class Block>
-std::string read_text(query<Block> ask) {
-    return mero::internal::read_text(ask);
+template <auto... Inputs>
+std::string read_text(query<Inputs...> const& ask) {
+    return ask.answer(read_text_of<Inputs...>);
 }
 
-template <class Block>
-std::array<std::size_t, 3> read_sizes(query<Block> ask) {
-    return mero::internal::read_fixed<std::size_t, 3>(ask);
+template <auto... Inputs>
+std::array<std::size_t, 3> read_sizes(query<Inputs...> const& ask) {
+    return ask.answer([](auto... arguments) {
+        return mero::internal::read_fixed<std::size_t, 3>(info_call<Inputs...>(arguments...));
+    });
 }
 
-template <class T, class Block>
-std::vector<T> read_vector(query<Block> ask) {
-    return mero::internal::read_vector<T>(ask);
+template <class T, auto... Inputs>
+std::vector<T> read_vector(query<Inputs...> const& ask) {
+    return ask.answer(
+        [](auto... arguments) { return mero::internal::read_vector<T>(info_call<Inputs...>(arguments...)); });
 }
 
 /// Reads a raw handle and returns an object that retains it, on the call handle of `asked`.
-template <class Result, class Kind, class Block>
-Result read_object(owner<Kind> const& asked, query<Block> ask) {
+template <class Result, class Kind, auto... Inputs>
+Result read_object(owner<Kind> const& asked, query<Inputs...> const& ask) {
     auto* const raw = read_scalar<typename Result::raw_type*>(ask);
     return Result(call_handle_of(asked), raw, internal::create_reference{});
 }
 
-template <class Kind, class Block>
-std::vector<device> read_devices(owner<Kind> const& asked, query<Block> ask) {
-    mero::internal::short_array<_nq_cl_device_id*> ids;
-    mero::internal::read_array(ask, sizeof(_nq_cl_device_id*), ids);
-    std::vector<device> devices;
-    devices.reserve(ids.size());
-    for (_nq_cl_device_id* const id : ids) {
-        devices.emplace_back(call_handle_of(asked), id, internal::create_reference{});
+/// Goes over raw handles and gives each as something that becomes an object of its own reference.
+template <class Object>
+class retaining_iterator {
+public:
+    using raw_type = typename Object::raw_type;
+    struct reference {
+        operator Object() const { return Object(handle, raw, internal::create_reference{}); }
+
+        nq::call_handle const& handle;
+        raw_type* raw;
+    };
+    using iterator_category = std::forward_iterator_tag;
+    using value_type = Object;
+    using difference_type = std::ptrdiff_t;
+    using pointer = void;
+
+    retaining_iterator(nq::call_handle const& handle, raw_type* const* place) noexcept
+        : handle_(&handle), place_(place) {}
+
+    reference operator*() const noexcept { return {*handle_, *place_}; }
+    retaining_iterator& operator++() noexcept {
+        ++place_;
+        return *this;
     }
-    return devices;
+    bool operator==(retaining_iterator const& other) const noexcept { return place_ == other.place_; }
+    friend difference_type operator-(retaining_iterator const& a, retaining_iterator const& b) {
+        return a.place_ - b.place_;
+    }
+
+private:
+    nq::call_handle const* handle_;
+    raw_type* const* place_;
+};
+
+template <class Kind, auto... Inputs>
+std::vector<device> read_devices(owner<Kind> const& asked, query<Inputs...> const& ask) {
+    auto const retain = [&handle = call_handle_of(asked)](_nq_cl_device_id** ids, std::size_t count) {
+        using iterator = retaining_iterator<device>;
+        return std::vector<device>(iterator(handle, ids), iterator(handle, ids + count));
+    };
+    return ask.answer([retain](auto... arguments) {
+        return mero::internal::read_list<_nq_cl_device_id*, 8>(info_call<Inputs...>(arguments...), retain);
+    });
 }
 
 /// Makes an owner of each handle in order. If that fails, each handle has been released exactly once.

@@ -11,8 +11,8 @@ using namespace detail;
 
 namespace {
 
-query<block::clGetPlatformInfo> ask(platform const& object, std::uint32_t name) {
-    return {call_handle_of(object), {.platform = raw_of(object), .param_name = name}};
+query<&block::clGetPlatformInfo::platform> ask(platform const& object, std::uint32_t name) {
+    return {call_handle_of(object), name, raw_of(object)};
 }
 
 } // namespace

@@ -14,12 +14,13 @@ using namespace detail;
 
 namespace {
 
-query<block::clGetProgramInfo> ask(program const& object, std::uint32_t name) {
-    return {call_handle_of(object), {.program = raw_of(object), .param_name = name}};
+query<&block::clGetProgramInfo::program> ask(program const& object, std::uint32_t name) {
+    return {call_handle_of(object), name, raw_of(object)};
 }
 
-query<block::clGetProgramBuildInfo> ask_build(program const& object, device const& target, std::uint32_t name) {
-    return {call_handle_of(object), {.program = raw_of(object), .device = raw_of(target), .param_name = name}};
+query<&block::clGetProgramBuildInfo::program, &block::clGetProgramBuildInfo::device>
+ask_build(program const& object, device const& target, std::uint32_t name) {
+    return {call_handle_of(object), name, raw_of(object), raw_of(target)};
 }
 
 } // namespace
@@ -72,8 +73,7 @@ std::vector<device_binary> program::binaries() const {
         binaries[i].binary.resize(sizes[i]);
         places.push_back(binaries[i].binary.data());
     }
-    std::size_t written = 0; // not used: the sizes are known
-    ask(*this, cl::program_binaries)(places.size() * sizeof(unsigned char*), places.data(), &written);
+    call_once(ask(*this, cl::program_binaries), places.size() * sizeof(unsigned char*), places.data());
     return binaries;
 }
 

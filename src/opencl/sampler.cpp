@@ -14,8 +14,8 @@ using namespace detail;
 
 namespace {
 
-query<block::clGetSamplerInfo> ask(sampler const& object, std::uint32_t name) {
-    return {call_handle_of(object), {.sampler = raw_of(object), .param_name = name}};
+query<&block::clGetSamplerInfo::sampler> ask(sampler const& object, std::uint32_t name) {
+    return {call_handle_of(object), name, raw_of(object)};
 }
 
 } // namespace

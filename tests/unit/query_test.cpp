@@ -5,6 +5,7 @@
 #include <vorn/mero/common/error.hpp>
 
 #include <algorithm>
+#include <functional>
 
 // The reads behind every query, asked of an implementation that answers as written down, with every size that they ask
 // for.
@@ -39,9 +40,17 @@ std::string unexpected(int size) {
            std::to_string(size) + " bytes.";
 }
 
+/// An info entry point.
+struct info_query {
+    void operator()(std::size_t size, void* value) { implementation(size, value, &reported); }
+
+    std::function<void(std::size_t, void*, std::size_t*)> implementation;
+    std::size_t reported = 0;
+};
+
 /// The number of the elements that are read, and the first four.
 template <auto Read>
-std::string list(info_query query) {
+std::string list(info_query& query) {
     auto elements = Read(query);
     std::string text = std::to_string(elements.size()) + ":";
     for (std::size_t i = 0; i != std::min<std::size_t>(4, elements.size()); ++i) {
@@ -50,21 +59,22 @@ std::string list(info_query query) {
     return text;
 }
 
-auto read_onto_the_stack(info_query query) {
-    short_array<std::uint64_t, 4> elements;
-    read_array(query, sizeof(std::uint64_t), elements);
-    return elements;
+auto read_onto_the_stack(info_query& query) {
+    return read_list<std::uint64_t, 4>(query, [](std::uint64_t const* elements, std::size_t count) {
+        return std::vector<std::uint64_t>(elements, elements + count);
+    });
 }
 
-std::string scalar(info_query query) { return std::to_string(read_scalar<std::uint32_t>(query)); }
-constexpr auto* array = list<read_vector<std::uint64_t>>;
-constexpr auto* bytes = list<read_vector<unsigned char>>;
-constexpr auto* three = list<read_fixed<std::size_t, 3>>;
+constexpr auto* text = read_text<info_query&>;
+std::string scalar(info_query& query) { return std::to_string(read_scalar<std::uint32_t>(query)); }
+constexpr auto* array = list<read_vector<std::uint64_t, info_query&>>;
+constexpr auto* bytes = list<read_vector<unsigned char, info_query&>>;
+constexpr auto* three = list<read_fixed<std::size_t, 3, info_query&>>;
 constexpr auto* list_on_the_stack = list<read_onto_the_stack>;
 
 struct read {
     char const* name;
-    std::string (*perform)(info_query);
+    std::string (*perform)(info_query&);
     std::vector<std::size_t> reported; // by one call after the other; `unwritten` writes no size
     std::string reply;                 // as much of it as there is room for
     std::vector<std::size_t> asked;    // the sizes that the calls are to pass
@@ -84,14 +94,14 @@ std::vector<read> const reads = {
     {"short scalar", scalar, {2, 2}, number(7), {0, 4}, unexpected(2)},
     {"scalar whose first size is wrong", scalar, {12, 4}, number(7), {0, 4}, "7"},
 
-    {"text", read_text, {4, 4}, {"abc\0", 4}, {0, 4}, "abc"},
-    {"empty text", read_text, {1, 1}, {"\0", 1}, {0, 1}, ""},
-    {"no text", read_text, {0}, "", {0}, ""},
-    {"text without a terminating zero", read_text, {3, 3}, "abc", {0, 3}, "ab"},
-    {"text with a zero inside", read_text, {4, 4}, {"a\0c\0", 4}, {0, 4}, {"a\0c", 3}},
-    {"text that grew", read_text, {4, 5}, "abcd", {0, 4}, changed},
-    {"text that shrank", read_text, {4, 3}, "ab", {0, 4}, changed},
-    {"text without a second size", read_text, {4, unwritten}, "abc", {0, 4}, changed},
+    {"text", text, {4, 4}, {"abc\0", 4}, {0, 4}, "abc"},
+    {"empty text", text, {1, 1}, {"\0", 1}, {0, 1}, ""},
+    {"no text", text, {0}, "", {0}, ""},
+    {"text without a terminating zero", text, {3, 3}, "abc", {0, 3}, "ab"},
+    {"text with a zero inside", text, {4, 4}, {"a\0c\0", 4}, {0, 4}, {"a\0c", 3}},
+    {"text that grew", text, {4, 5}, "abcd", {0, 4}, changed},
+    {"text that shrank", text, {4, 3}, "ab", {0, 4}, changed},
+    {"text without a second size", text, {4, unwritten}, "abc", {0, 4}, changed},
 
     {"array", array, {24, 24}, numbers(), {0, 24}, "3: 7 8 9"},
     {"array of bytes", bytes, {3, 3}, "\1\2\3", {0, 3}, "3: 1 2 3"},
@@ -128,7 +138,8 @@ TEST(queries, every_read_asks_and_checks_as_told) {
             *size_ret = reported != unwritten ? reported : *size_ret;
         };
         try {
-            EXPECT_EQ(test.perform(implementation), test.result);
+            info_query query{implementation};
+            EXPECT_EQ(test.perform(query), test.result);
         } catch (common::bad_implementation const& error) {
             EXPECT_EQ(error.what(), test.result);
         }
@@ -137,7 +148,7 @@ TEST(queries, every_read_asks_and_checks_as_told) {
 }
 
 TEST(queries, a_failing_call_ends_the_read) {
-    for (auto* const perform : {scalar, read_text, array, bytes, three, list_on_the_stack}) {
+    for (auto* const perform : {scalar, text, array, bytes, three, list_on_the_stack}) {
         for (int const failing : {1, 2}) {
             int calls = 0;
             auto implementation = [&](std::size_t, void*, std::size_t* size_ret) {
@@ -146,16 +157,17 @@ TEST(queries, a_failing_call_ends_the_read) {
                     throw nq::unknown_error(7);
                 }
             };
-            EXPECT_THROW(perform(implementation), nq::unknown_error);
+            info_query query{implementation};
+            EXPECT_THROW(perform(query), nq::unknown_error);
             EXPECT_EQ(calls, failing);
         }
     }
 }
 
 // Storage of any size that holds nothing.
-struct imagined_array final : growable_array {
+struct imagined_array {
     std::size_t count = 0;
-    void* resize(std::size_t new_count) override {
+    void* resize(std::size_t new_count) {
         count = new_count;
         return this;
     }
@@ -171,7 +183,9 @@ TEST(queries, an_endless_array_is_given_up_after_55_full_buffers) {
         imagined_array elements;
         std::string message;
         try {
-            read_array(implementation, 1, elements);
+            info_query query{implementation};
+            query(0, nullptr);
+            read_reported_array(query, 1, elements);
         } catch (common::bad_implementation const& error) {
             message = error.what();
         }
