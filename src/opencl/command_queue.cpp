@@ -52,14 +52,32 @@ void apply(host_queue const& queue) {
     perform(call_handle_of(queue), block);
 }
 
+// The event that `enqueue(address)` makes. It is written where it is to stay; a failing call may have written anything.
+template <class Enqueue>
+[[gnu::always_inline]] inline event make_event(host_queue const& queue, Enqueue enqueue) {
+    event made(call_handle_of(queue), nullptr, internal::take_ownership{});
+    struct guard {
+        ~guard() {
+            if (!is_written) {
+                *place = nullptr;
+            }
+        }
+
+        _nq_cl_event** place;
+        bool is_written = false;
+    } call{owner_access::place(made)};
+    enqueue(call.place);
+    call.is_written = true;
+    return made;
+}
+
 } // namespace
 
 event host_queue::enqueue_command(command const& c) { return enqueue_command(c, 0, nullptr); }
 
 event host_queue::enqueue_command(command const& c, unsigned int num_events, _nq_cl_event* const* wait_list) {
-    _nq_cl_event* made; // written by OpenCL
-    c.call(call_handle_of(*this), raw_of(*this), num_events, wait_list, &made);
-    return {call_handle_of(*this), made, internal::take_ownership{}};
+    return make_event(
+        *this, [&](_nq_cl_event** made) { c.call(call_handle_of(*this), raw_of(*this), num_events, wait_list, made); });
 }
 
 void host_queue::enqueue_command_without_event(command const& c) {
@@ -84,12 +102,12 @@ bool host_queue::profiling_enabled() const { return has_property(*this, cl::queu
 
 #if VORN_MERO_OPENCL < 120
 event host_queue::enqueue_marker() {
-    _nq_cl_event* made; // written by OpenCL
-    block::clEnqueueMarker block;
-    block.command_queue = raw_of(*this);
-    block.event = &made;
-    perform(call_handle_of(*this), block);
-    return {call_handle_of(*this), made, internal::take_ownership{}};
+    return make_event(*this, [&](_nq_cl_event** made) {
+        block::clEnqueueMarker block;
+        block.command_queue = raw_of(*this);
+        block.event = made;
+        perform(call_handle_of(*this), block);
+    });
 }
 
 void host_queue::barrier() { apply<block::clEnqueueBarrier>(*this); }
@@ -126,14 +144,14 @@ namespace {
 
 template <class Block>
 event enqueue_wait(host_queue const& queue, unsigned int num_events, _nq_cl_event* const* wait_list) {
-    _nq_cl_event* made; // written by OpenCL
-    Block block;
-    block.command_queue = raw_of(queue);
-    block.event_wait_list = wait_list;
-    block.event = &made;
-    block.num_events_in_wait_list = num_events;
-    perform(call_handle_of(queue), block);
-    return {call_handle_of(queue), made, internal::take_ownership{}};
+    return make_event(queue, [&](_nq_cl_event** made) {
+        Block block;
+        block.command_queue = raw_of(queue);
+        block.event_wait_list = wait_list;
+        block.event = made;
+        block.num_events_in_wait_list = num_events;
+        perform(call_handle_of(queue), block);
+    });
 }
 
 } // namespace

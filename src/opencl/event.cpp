@@ -109,7 +109,6 @@ std::uint64_t event::profile_command_complete() const { return read_profile(*thi
 
 namespace raw {
 
-_nq_cl_event* get_raw_event(event const& object) noexcept { return raw_of(object); }
 nq::call_handle const& get_call_handle(event const& object) noexcept { return call_handle_of(object); }
 void retain(event const& object) { mero::internal::retain(object); }
 void release(event const& object) { mero::internal::release(object); }
@@ -121,7 +120,6 @@ event create_event(nq::call_handle const& call_handle, _nq_cl_event* handle) {
 }
 
 #if VORN_MERO_OPENCL >= 110
-_nq_cl_event* get_raw_event(event_promise const& object) noexcept { return raw_of(object); }
 nq::call_handle const& get_call_handle(event_promise const& object) noexcept { return call_handle_of(object); }
 void retain(event_promise const& object) { mero::internal::retain(object); }
 void release(event_promise const& object) { mero::internal::release(object); }

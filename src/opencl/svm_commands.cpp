@@ -22,9 +22,6 @@ void svm_free::call(nq::call_handle const& handle, _nq_cl_command_queue* queue, 
     enqueueing{handle, queue, num_events_in_wait_list, event_wait_list, event}.enqueue(block);
 }
 
-svm_memcpy::svm_memcpy(std::uint32_t blocking, void* destination, void const* source, std::size_t size)
-    : blocking_(blocking), destination_(destination), source_(source), size_(size) {}
-
 void svm_memcpy::call(nq::call_handle const& handle, _nq_cl_command_queue* queue, unsigned int num_events_in_wait_list,
                       _nq_cl_event* const* event_wait_list, _nq_cl_event** event) const {
     block::clEnqueueSVMMemcpy block;
@@ -34,9 +31,6 @@ void svm_memcpy::call(nq::call_handle const& handle, _nq_cl_command_queue* queue
     block.blocking_copy = blocking_;
     enqueueing{handle, queue, num_events_in_wait_list, event_wait_list, event}.enqueue(block);
 }
-
-fill_svm_base::fill_svm_base(void* destination, void const* pattern, std::size_t pattern_size, std::size_t count)
-    : destination_(destination), pattern_(pattern), pattern_size_(pattern_size), count_(count) {}
 
 void fill_svm_base::call(nq::call_handle const& handle, _nq_cl_command_queue* queue,
                          unsigned int num_events_in_wait_list, _nq_cl_event* const* event_wait_list,
@@ -49,9 +43,6 @@ void fill_svm_base::call(nq::call_handle const& handle, _nq_cl_command_queue* qu
     enqueueing{handle, queue, num_events_in_wait_list, event_wait_list, event}.enqueue(block);
 }
 
-svm_map::svm_map(bool blocking, map_flags flags, void* pointer, std::size_t size)
-    : blocking_(blocking), flags_(flags), pointer_(pointer), size_(size) {}
-
 void svm_map::call(nq::call_handle const& handle, _nq_cl_command_queue* queue, unsigned int num_events_in_wait_list,
                    _nq_cl_event* const* event_wait_list, _nq_cl_event** event) const {
     block::clEnqueueSVMMap block;
@@ -61,8 +52,6 @@ void svm_map::call(nq::call_handle const& handle, _nq_cl_command_queue* queue, u
     block.blocking_map = blocking_ ? 1 : 0;
     enqueueing{handle, queue, num_events_in_wait_list, event_wait_list, event}.enqueue(block);
 }
-
-svm_unmap::svm_unmap(void* pointer) : pointer_(pointer) {}
 
 void svm_unmap::call(nq::call_handle const& handle, _nq_cl_command_queue* queue, unsigned int num_events_in_wait_list,
                      _nq_cl_event* const* event_wait_list, _nq_cl_event** event) const {

@@ -128,6 +128,8 @@ class Headers:
 
     @staticmethod
     def body(function):
+        if "explicitlyDefaulted" in function:  # clang gives those that are used a body
+            return None
         return next((part["range"]["begin"]["offset"] for part in function.get("inner", ()) if part["kind"] == "CompoundStmt"), None)
 
     def hidden(self, node):

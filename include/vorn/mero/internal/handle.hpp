@@ -89,8 +89,8 @@ private:
 
     static void retain(nq_call_handle* call_handle, raw_type* raw);
 
-    // A null call handle may share a count too; it is then ordered after one that does not.
-    bool has_call_handle() const noexcept { return nq::call_handle().owner_before(call_handle_); }
+    // A null call handle may share a count too.
+    bool has_call_handle() const noexcept { return call_handle_.use_count() != 0; }
 
     [[gnu::cold]] void become_empty() noexcept;
 
@@ -111,6 +111,12 @@ struct owner_access {
     template <class Kind>
     static typename Kind::raw_type* raw(owner<Kind> const& object) noexcept {
         return object.raw_;
+    }
+
+    /// Where the raw handle is.
+    template <class Kind>
+    static typename Kind::raw_type** place(owner<Kind>& object) noexcept {
+        return &object.raw_;
     }
 
     /// The call handle, null if the object was moved from.

@@ -28,7 +28,7 @@ namespace vorn::mero::VORN_MERO_NAMESPACE {
 /// Several threads may enqueue one command at once, unless it stores results through references, as the maps do.
 class VORN_MERO_EXPORT command {
 public:
-    virtual ~command();
+    virtual ~command() = default;
 
     /// Enqueues the command on a raw queue with one capability call; command queues call this. Passes the wait list and
     /// the address for the event on unchanged; `event` may be null. Throws what failed. A program may derive a class of

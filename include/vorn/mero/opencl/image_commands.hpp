@@ -22,7 +22,9 @@ public:
     /// image or a pitch too small, `common::invalid_operation` if the image's flags forbid the host to read or the
     /// device has no images.
     read_image(image const& source, bool blocking, std::array<std::size_t, 3> origin, std::array<std::size_t, 3> region,
-               std::size_t row_pitch, std::size_t slice_pitch, void* destination);
+               std::size_t row_pitch, std::size_t slice_pitch, void* destination)
+        : source_(mero::internal::owner_access::raw(source)), blocking_(blocking), origin_(origin), region_(region),
+          row_pitch_(row_pitch), slice_pitch_(slice_pitch), destination_(destination) {}
     void call(nq::call_handle const& handle, _nq_cl_command_queue* queue, unsigned int num_events_in_wait_list,
               _nq_cl_event* const* event_wait_list, _nq_cl_event** event) const override;
 
@@ -42,7 +44,9 @@ public:
     /// If `blocking`, the program may change `source` when enqueueing returns; otherwise only when the event is
     /// complete. Throws as `read_image`.
     write_image(image& destination, bool blocking, std::array<std::size_t, 3> origin, std::array<std::size_t, 3> region,
-                std::size_t input_row_pitch, std::size_t input_slice_pitch, void const* source);
+                std::size_t input_row_pitch, std::size_t input_slice_pitch, void const* source)
+        : destination_(mero::internal::owner_access::raw(destination)), blocking_(blocking), origin_(origin),
+          region_(region), input_row_pitch_(input_row_pitch), input_slice_pitch_(input_slice_pitch), source_(source) {}
     void call(nq::call_handle const& handle, _nq_cl_command_queue* queue, unsigned int num_events_in_wait_list,
               _nq_cl_event* const* event_wait_list, _nq_cl_event** event) const override;
 
@@ -63,7 +67,10 @@ public:
     /// Enqueueing throws `common::image_format_mismatch` if the formats differ, `common::mem_copy_overlap` if the boxes
     /// overlap in one image, `common::invalid_value` for a box outside its image.
     copy_image(image const& source, image& destination, std::array<std::size_t, 3> source_origin,
-               std::array<std::size_t, 3> destination_origin, std::array<std::size_t, 3> region);
+               std::array<std::size_t, 3> destination_origin, std::array<std::size_t, 3> region)
+        : source_(mero::internal::owner_access::raw(source)),
+          destination_(mero::internal::owner_access::raw(destination)), source_origin_(source_origin),
+          destination_origin_(destination_origin), region_(region) {}
     void call(nq::call_handle const& handle, _nq_cl_command_queue* queue, unsigned int num_events_in_wait_list,
               _nq_cl_event* const* event_wait_list, _nq_cl_event** event) const override;
 
@@ -80,7 +87,10 @@ class VORN_MERO_EXPORT copy_image_to_buffer : public command {
 public:
     /// `destination_offset` is in bytes. Enqueueing throws `common::invalid_value` for a region outside its object.
     copy_image_to_buffer(image const& source, buffer& destination, std::array<std::size_t, 3> source_origin,
-                         std::array<std::size_t, 3> region, std::size_t destination_offset);
+                         std::array<std::size_t, 3> region, std::size_t destination_offset)
+        : source_(mero::internal::owner_access::raw(source)),
+          destination_(mero::internal::owner_access::raw(destination)), source_origin_(source_origin), region_(region),
+          destination_offset_(destination_offset) {}
     void call(nq::call_handle const& handle, _nq_cl_command_queue* queue, unsigned int num_events_in_wait_list,
               _nq_cl_event* const* event_wait_list, _nq_cl_event** event) const override;
 
@@ -98,7 +108,10 @@ class VORN_MERO_EXPORT copy_buffer_to_image : public command {
 public:
     /// `source_offset` is in bytes. Enqueueing throws `common::invalid_value` for a region outside its object.
     copy_buffer_to_image(buffer const& source, image& destination, std::size_t source_offset,
-                         std::array<std::size_t, 3> destination_origin, std::array<std::size_t, 3> region);
+                         std::array<std::size_t, 3> destination_origin, std::array<std::size_t, 3> region)
+        : source_(mero::internal::owner_access::raw(source)),
+          destination_(mero::internal::owner_access::raw(destination)), source_offset_(source_offset),
+          destination_origin_(destination_origin), region_(region) {}
     void call(nq::call_handle const& handle, _nq_cl_command_queue* queue, unsigned int num_events_in_wait_list,
               _nq_cl_event* const* event_wait_list, _nq_cl_event** event) const override;
 
@@ -126,7 +139,9 @@ public:
     /// Unless `blocking`, the host may use the memory when the event is complete. Enqueueing throws
     /// `common::map_failure` if the box cannot be mapped, `common::invalid_value` for a box outside the image.
     map_image(void*& mapped, image& source, bool blocking, map_flags flags, std::array<std::size_t, 3> origin,
-              std::array<std::size_t, 3> region, std::size_t& row_pitch, std::size_t& slice_pitch);
+              std::array<std::size_t, 3> region, std::size_t& row_pitch, std::size_t& slice_pitch)
+        : mapped_(&mapped), source_(mero::internal::owner_access::raw(source)), blocking_(blocking), flags_(flags),
+          origin_(origin), region_(region), row_pitch_(&row_pitch), slice_pitch_(&slice_pitch) {}
     void call(nq::call_handle const& handle, _nq_cl_command_queue* queue, unsigned int num_events_in_wait_list,
               _nq_cl_event* const* event_wait_list, _nq_cl_event** event) const override;
 
@@ -149,7 +164,9 @@ public:
     /// The colour is red, green, blue and alpha in this order, whatever the order of the channels. For a depth image it
     /// is one floating-point value.
     fill_image_base(image& destination, void const* fill_color, std::array<std::size_t, 3> origin,
-                    std::array<std::size_t, 3> region);
+                    std::array<std::size_t, 3> region)
+        : destination_(mero::internal::owner_access::raw(destination)), fill_color_(fill_color), origin_(origin),
+          region_(region) {}
 
     /// Sets the address of the colour for later enqueueings. Must not run while another thread enqueues this object.
     void update_fill_color_pointer(void const* fill_color) noexcept { fill_color_ = fill_color; }
