@@ -26,8 +26,8 @@ namespace vorn::mero::internal {
 class VORN_MERO_EXPORT log_singleton {
 public:
     /// Throws `spdlog::spdlog_ex` if the file cannot be opened or a logger "mero" is already registered, and
-    /// `std::runtime_error` if `libvorn-mero-logger.so`, which is installed beside the library, cannot be loaded. Programs
-    /// use `get_log_singleton` instead of a second object.
+    /// `std::runtime_error` if `libvorn-mero-logger.so`, which is installed beside the library, cannot be loaded.
+    /// Programs use `get_log_singleton` instead of a second object.
     log_singleton();
     log_singleton(log_singleton const&) = delete;
     log_singleton& operator=(log_singleton const&) = delete;
