@@ -100,7 +100,9 @@ class Headers:
         self.row(node, name if arguments else scope, access)
         self.scope(record, name, template)
         if record["kind"] == "CXXRecordDecl" and not template:
-            symbols = self.ours if record["definitionData"].get("isPolymorphic") else self.inline
+            data = record["definitionData"]
+            # of an abstract class, whose functions are all inline, only the units that need it have a virtual table
+            symbols = self.ours if data.get("isPolymorphic") and not data.get("isAbstract") else self.inline
             symbols.update(f"{what} for {name}" for what in ("vtable", "typeinfo", "typeinfo name"))
 
     def row(self, node, scope, before=""):
