@@ -7,7 +7,7 @@
 
 #include <nq/commands.hpp>
 #include <nq/nq.hpp>
-#include <vorn/mero/opencl.hpp>
+#include <vorn/mero/easy/versions.hpp>
 
 #include <CL/cl.h>
 #include <gtest/gtest.h>
@@ -20,7 +20,6 @@
 #include <list>
 #include <numeric>
 #include <string>
-#include <tuple>
 #include <utility>
 #include <vector>
 
@@ -31,7 +30,7 @@ namespace real {
 using namespace vorn::mero;
 namespace wire = nq::block;
 
-using versions = std::tuple<api<100>, api<110>, api<120>, api<200>, api<210>, api<220>>;
+using vorn::mero::easy::for_each_version;
 
 using box = std::array<std::size_t, 3>;
 using bytes = std::vector<unsigned char>;
@@ -271,12 +270,6 @@ private:
         }
     }
 };
-
-/// Calls an action with an object of each version's `api`.
-template <class Action>
-void for_each_version(Action action) {
-    std::apply([&](auto... each) { (action(each), ...); }, versions{});
-}
 
 struct found_device {
     std::string implementation;
