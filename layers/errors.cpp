@@ -16,20 +16,6 @@ namespace {
 
 using sizes = std::array<std::size_t, 3>;
 
-// The value of a name. Does not compile if there is no such name.
-consteval std::uint32_t operator""_cl(char const* name, std::size_t) {
-    using namespace values;
-    for (value_set const& set : {device_info, context_info, command_queue_info, mem_info, image_info, program_info,
-                                 program_build_info, kernel_info, kernel_arg_info, kernel_work_group_info, status}) {
-        for (value_name const& each : set) {
-            if (std::string_view(each.name) == name) {
-                return static_cast<std::uint32_t>(each.value);
-            }
-        }
-    }
-    throw "no such name";
-}
-
 consteval int operator""_status(char const* name, std::size_t size) {
     return static_cast<int>(operator""_cl(name, size));
 }

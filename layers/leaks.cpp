@@ -125,13 +125,11 @@ taken note_released(call const& made, description const& about) {
     taken before;
     if (std::string_view(about.name).starts_with("clRelease")) {
         release(first_field(made, about), 1, before);
-    } else if (&about == &description_of<block::clSVMFree>) {
-        release(static_cast<block::clSVMFree*>(made.block)->svm_pointer, every, before);
-    } else if (&about == &description_of<block::clEnqueueSVMFree>) {
-        auto const& freed = *static_cast<block::clEnqueueSVMFree*>(made.block);
-        for (std::uint32_t i = 0; freed.svm_pointers != nullptr && i < freed.num_svm_pointers; ++i) {
-            release(freed.svm_pointers[i], every, before);
-        }
+    } else if (auto const* const one = as<block::clSVMFree>(made, &about); one != nullptr) {
+        release(one->svm_pointer, every, before);
+    } else if (auto const* const many = as<block::clEnqueueSVMFree>(made, &about);
+               many != nullptr && many->svm_pointers != nullptr) {
+        std::for_each_n(many->svm_pointers, many->num_svm_pointers, [&](void* each) { release(each, every, before); });
     }
     return before;
 }
@@ -140,8 +138,8 @@ void note_success(call const& made, description const& about) {
     std::string_view const entry = about.name;
     if (entry.starts_with("clRetain")) {
         retain(first_field(made, about), about.name, about.begin()->object == object_kind::device_id);
-    } else if (&about == &description_of<block::clSVMAlloc>) {
-        add(static_cast<block::clSVMAlloc*>(made.block)->result, about.name, call_site::here());
+    } else if (auto const* const allocated = as<block::clSVMAlloc>(made, &about); allocated != nullptr) {
+        add(allocated->result, about.name, call_site::here());
     } else if (makes_objects(entry)) {
         note_made(made, about);
     }

@@ -15,10 +15,10 @@
 namespace nq::layer::trace {
 namespace {
 
-constexpr std::uint64_t profiling = 2;              // CL_QUEUE_PROFILING_ENABLE
-constexpr std::uint64_t property_of_queue = 0x1093; // CL_QUEUE_PROPERTIES
-constexpr std::int32_t not_available = -7;          // CL_PROFILING_INFO_NOT_AVAILABLE
-constexpr std::size_t most_pending = 1024;          // commands, before those that are done are looked for
+constexpr std::uint64_t profiling = "CL_QUEUE_PROFILING_ENABLE"_cl;
+constexpr std::uint32_t property_of_queue = "CL_QUEUE_PROPERTIES"_cl;
+constexpr auto not_available = static_cast<std::int32_t>("CL_PROFILING_INFO_NOT_AVAILABLE"_cl);
+constexpr std::size_t most_pending = 1024; // commands, before those that are done are looked for
 
 // An enqueued command. Owns a reference to its event.
 struct pending_command {
@@ -92,11 +92,6 @@ void put(void* block, std::size_t offset, Value value) {
     std::memcpy(static_cast<unsigned char*>(block) + offset, &value, sizeof value);
 }
 
-bool release(pending_command const& done) {
-    block::clReleaseEvent released{.event = done.event};
-    return ask(done.through, released);
-}
-
 std::uint64_t time_of(pending_command const& done, std::uint32_t which) {
     std::uint64_t time = 0;
     block::clGetEventProfilingInfo asked{
@@ -110,7 +105,7 @@ bool collect(pending_command const& each) {
     block::clGetEventInfo asked{.event = each.event,
                                 .param_value_size = sizeof execution,
                                 .param_value = &execution,
-                                .param_name = 0x11D3}; // CL_EVENT_COMMAND_EXECUTION_STATUS
+                                .param_name = "CL_EVENT_COMMAND_EXECUTION_STATUS"_cl};
     if (ask(each.through, asked) && execution > 0) {
         return false;
     }
@@ -118,14 +113,15 @@ bool collect(pending_command const& each) {
     entry.number = each.number;
     entry.queue = reinterpret_cast<std::uintptr_t>(each.queue);
     entry.event = reinterpret_cast<std::uintptr_t>(each.event);
-    entry.queued = time_of(each, 0x1280);
-    entry.submitted = time_of(each, 0x1281);
-    entry.started = time_of(each, 0x1282);
-    entry.ended = time_of(each, 0x1283);
+    entry.queued = time_of(each, "CL_PROFILING_COMMAND_QUEUED"_cl);
+    entry.submitted = time_of(each, "CL_PROFILING_COMMAND_SUBMIT"_cl);
+    entry.started = time_of(each, "CL_PROFILING_COMMAND_START"_cl);
+    entry.ended = time_of(each, "CL_PROFILING_COMMAND_END"_cl);
     if (entry.ended != 0) {
         append(entry);
     }
-    release(each);
+    block::clReleaseEvent released{.event = each.event};
+    ask(each.through, released);
     return true;
 }
 
@@ -161,9 +157,9 @@ void label(call const& made, _nq_cl_command_queue* queue) {
     block::clGetCommandQueueInfo asked{.command_queue = queue,
                                        .param_value_size = sizeof device,
                                        .param_value = static_cast<void*>(&device),
-                                       .param_name = 0x1091}; // CL_QUEUE_DEVICE
+                                       .param_name = "CL_QUEUE_DEVICE"_cl};
     block::clGetDeviceInfo named{};
-    named.param_name = 0x102B; // CL_DEVICE_NAME
+    named.param_name = "CL_DEVICE_NAME"_cl;
     named.param_value_size = entry.text.size() - 1;
     named.param_value = entry.text.data();
     if (ask(made, asked)) {
@@ -254,7 +250,7 @@ int tell_times(call const& made, block::clGetEventProfilingInfo& block) {
     block::clGetEventInfo asked{.event = block.event,
                                 .param_value_size = sizeof queue,
                                 .param_value = static_cast<void*>(&queue),
-                                .param_name = 0x11D0}; // CL_EVENT_COMMAND_QUEUE
+                                .param_name = "CL_EVENT_COMMAND_QUEUE"_cl};
     if (all().forces && block.event != nullptr && ask(made, asked) && queue != nullptr &&
         state_of(made, queue).forced) {
         block.status = not_available;
@@ -312,11 +308,6 @@ int enqueue(call const& made, description const& about, event_fields const& wher
     return result;
 }
 
-template <class Block>
-Block* as(call const& made, description const& about) {
-    return &about == &description_of<Block> ? static_cast<Block*>(made.block) : nullptr;
-}
-
 bool is_time_to_collect(call const& made, description const& about, event_fields const& where) {
     if (where.blocking != absent && read_field(made.block, where.blocking, sizeof(std::uint32_t)) != 0) {
         return true;
@@ -332,19 +323,19 @@ int perform_by_kind(call const& made, description const& about, event_fields con
     if (where.event != absent && where.queue != absent) {
         return enqueue(made, about, where, number);
     }
-    if (auto* const created = as<block::clCreateCommandQueue>(made, about); created != nullptr) {
+    if (auto* const created = as<block::clCreateCommandQueue>(made, &about); created != nullptr) {
         return create_queue(made, *created);
     }
-    if (auto* const created = as<block::clCreateCommandQueueWithProperties>(made, about); created != nullptr) {
+    if (auto* const created = as<block::clCreateCommandQueueWithProperties>(made, &about); created != nullptr) {
         return create_queue(made, *created);
     }
-    if (auto* const asked = as<block::clGetCommandQueueInfo>(made, about); asked != nullptr) {
+    if (auto* const asked = as<block::clGetCommandQueueInfo>(made, &about); asked != nullptr) {
         return tell_properties(made, *asked);
     }
-    if (auto* const asked = as<block::clGetEventProfilingInfo>(made, about); asked != nullptr) {
+    if (auto* const asked = as<block::clGetEventProfilingInfo>(made, &about); asked != nullptr) {
         return tell_times(made, *asked);
     }
-    if (auto* const set = as<block::clSetCommandQueueProperty>(made, about); set != nullptr) {
+    if (auto* const set = as<block::clSetCommandQueueProperty>(made, &about); set != nullptr) {
         return set_property(made, *set);
     }
     return forward(made);

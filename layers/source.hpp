@@ -14,7 +14,7 @@ struct call_site {
 
     std::array<std::uintptr_t, depth> addresses{};
 
-    /// The site of the calling function. A few microseconds.
+    /// The site of the calling function. Unwinds the stack.
     static call_site here() noexcept;
 
     bool operator==(call_site const&) const = default;

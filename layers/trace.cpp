@@ -96,6 +96,11 @@ struct piece {
     std::size_t size;
 };
 
+bool can_read(void const* address, std::size_t size) {
+    std::array<char, most_of_a_list> probe; // NOLINT(cppcoreguidelines-pro-type-member-init): filled
+    return read_safely(probe.data(), address, size);
+}
+
 // What the arguments refer to, as far as it is shown. Of a failed call only what can be read.
 template <std::size_t Most>
 std::size_t find_pieces(call const& made, description const& about, bool failed, std::array<piece, Most>& found) {
@@ -111,8 +116,7 @@ std::size_t find_pieces(call const& made, description const& about, bool failed,
         std::size_t size = extent_of(about, each, made.block, 0, read).value_or(0);
         bool const whole = each.kind != field_kind::bytes || size <= 16;
         size = std::min(size, most_of_a_list);
-        std::array<char, most_of_a_list> probe{};
-        if (size != 0 && whole && (!failed || read(probe.data(), address, size))) {
+        if (size != 0 && whole && (!failed || can_read(address, size))) {
             found.at(count++) = {address, size};
         }
     }
@@ -155,24 +159,21 @@ void label(call const& made, _nq_cl_kernel* kernel) {
     block::clGetKernelInfo named{.kernel = kernel,
                                  .param_value_size = entry.text.size() - 1,
                                  .param_value = entry.text.data(),
-                                 .param_name = 0x1190}; // CL_KERNEL_FUNCTION_NAME
+                                 .param_name = "CL_KERNEL_FUNCTION_NAME"_cl};
     if (kernel != nullptr && ask(made, named)) {
         append(entry);
     }
 }
 
 void label_kernels(call const& made, description const& about) {
-    if (&about == &description_of<block::clCreateKernel>) {
-        label(made, static_cast<block::clCreateKernel*>(made.block)->result);
-    } else if (&about == &description_of<block::clCloneKernel>) {
-        label(made, static_cast<block::clCloneKernel*>(made.block)->result);
-    } else if (&about == &description_of<block::clCreateKernelsInProgram>) {
-        auto const& all = *static_cast<block::clCreateKernelsInProgram*>(made.block);
-        std::uint32_t const told = all.num_kernels_ret != nullptr ? *all.num_kernels_ret : all.num_kernels;
-        for (std::uint32_t i = 0; all.status == 0 && all.kernels != nullptr && i < std::min(told, all.num_kernels);
-             ++i) {
-            label(made, all.kernels[i]);
-        }
+    if (auto const* const created = as<block::clCreateKernel>(made, &about); created != nullptr) {
+        label(made, created->result);
+    } else if (auto const* const clone = as<block::clCloneKernel>(made, &about); clone != nullptr) {
+        label(made, clone->result);
+    } else if (auto const* const all = as<block::clCreateKernelsInProgram>(made, &about);
+               all != nullptr && all->status == 0 && all->kernels != nullptr) {
+        std::uint32_t const told = all->num_kernels_ret != nullptr ? *all->num_kernels_ret : all->num_kernels;
+        std::for_each_n(all->kernels, std::min(told, all->num_kernels), [&](auto* each) { label(made, each); });
     }
 }
 

@@ -92,7 +92,8 @@ struct member<Field Block::*> {
 template <auto Field>
 using field_type = typename member<decltype(Field)>::field;
 
-/// An info entry point as the reads call it. `Inputs` are the fields of its block that say what it is asked of.
+/// An info entry point as the reads call it. `First` and `More` are the fields of its block that say what
+/// it is asked of.
 template <auto First, auto... More>
 class info_call {
 public:

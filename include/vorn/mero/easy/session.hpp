@@ -61,7 +61,9 @@ public:
     /// checked. Throws `build_failure` with the log when it does not build.
     [[nodiscard]] basic_program<Version> build(std::string const& source, std::string const& options = {}) const {
         auto made = easy::build<Version>(context(), device(), source,
-                                         Version >= 120 ? options + " -cl-kernel-arg-info" : options);
+                                         Version < 120     ? options
+                                         : options.empty() ? "-cl-kernel-arg-info"
+                                                           : options + " -cl-kernel-arg-info");
         return basic_program<Version>(state_, std::move(made));
     }
 
