@@ -48,9 +48,10 @@ int attempt(nq_call_handle* handle, std::uint32_t command_id, Block& block) {
 template <class Block>
 [[gnu::always_inline]] inline void call_checked(nq_call_handle* handle, std::uint32_t command_id, Block& block) {
     int const result = nq_call_capability(handle, command_id, &block, nullptr);
-    if ((result | status_of(block)) != 0) [[unlikely]] {
+    std::int32_t& status = status_of(block);
+    status |= result; // one test instead of two; after a successful call it is the status still
+    if (status != 0) [[unlikely]] {
         check_result(result);
-        std::int32_t const volatile& status = status_of(block); // read again, so that the usual path need not keep it
         throw_status(status);
     }
 }
