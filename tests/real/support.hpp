@@ -44,6 +44,17 @@ std::vector<T> counting(std::size_t count, T first = 1) {
     return values;
 }
 
+/// The message of what an action throws, or "nothing".
+template <class Exception, class Action>
+std::string refusal(Action action) {
+    try {
+        action();
+    } catch (Exception const& refused) {
+        return refused.what();
+    }
+    return "nothing";
+}
+
 struct region {
     box origin;
     box size;

@@ -1,17 +1,16 @@
 #pragma once
 
-// Whether a value fits what the source of a kernel declares of an argument.
+// What a kernel takes as an argument, and whether it fits what the source declares.
 
-#include <vorn/mero/easy/array.hpp>
 #include <vorn/mero/easy/error.hpp>
+#include <vorn/mero/easy/parameter.hpp>
+#include <vorn/mero/easy/versions.hpp>
 
-#include <array>
 #include <cstddef>
-#include <optional>
+#include <exception>
 #include <string>
+#include <string_view>
 #include <type_traits>
-#include <utility>
-#include <vector>
 
 namespace vorn::mero::easy {
 
@@ -24,161 +23,51 @@ struct local {
     std::size_t count; ///< In elements.
 };
 
-namespace detail {
-
-enum class scalar_kind { unknown, integer, floating };
-
-/// A number or a vector of numbers, as C++ or OpenCL has it; of `unknown` kind only the size is known.
-struct value_shape {
-    scalar_kind kind;
-    std::size_t scalar_size;
-    std::size_t size;
-};
-
-template <class T>
-constexpr scalar_kind kind_of() noexcept {
-    return std::is_floating_point<T>::value                       ? scalar_kind::floating
-           : std::is_integral<T>::value || std::is_enum<T>::value ? scalar_kind::integer
-                                                                  : scalar_kind::unknown;
-}
-
-template <class T>
-struct shape {
-    static constexpr value_shape value{kind_of<T>(), sizeof(T), sizeof(T)};
-};
-
-template <class T, std::size_t Count>
-struct shape<std::array<T, Count>> {
-    static constexpr value_shape value{kind_of<T>(), sizeof(T), sizeof(T) * Count};
-};
-
-/// What an OpenCL type name means, "float4" or "uint"; nothing for a name that is no number's.
-inline std::optional<value_shape> shape_named(std::string const& name) {
-    static std::array<std::pair<char const*, value_shape>, 12> const scalars{{
-        {"char", {scalar_kind::integer, 1, 1}},
-        {"uchar", {scalar_kind::integer, 1, 1}},
-        {"bool", {scalar_kind::integer, 1, 1}},
-        {"short", {scalar_kind::integer, 2, 2}},
-        {"ushort", {scalar_kind::integer, 2, 2}},
-        {"int", {scalar_kind::integer, 4, 4}},
-        {"uint", {scalar_kind::integer, 4, 4}},
-        {"long", {scalar_kind::integer, 8, 8}},
-        {"ulong", {scalar_kind::integer, 8, 8}},
-        {"half", {scalar_kind::unknown, 2, 2}},
-        {"float", {scalar_kind::floating, 4, 4}},
-        {"double", {scalar_kind::floating, 8, 8}},
-    }};
-    for (auto const& [scalar, one] : scalars) {
-        if (name == scalar) {
-            return one;
-        }
-        for (std::size_t const lanes : {2U, 3U, 4U, 8U, 16U}) {
-            if (name == scalar + std::to_string(lanes)) {
-                return value_shape{one.kind, one.scalar_size, one.scalar_size * (lanes == 3 ? 4 : lanes)};
-            }
-        }
-    }
-    return std::nullopt;
-}
-
-enum class address_space { unknown, global, constant, local, private_ };
-
-/// What the implementation tells of an argument; of `unknown` address space where it tells nothing.
-struct parameter {
-    parameter() = default;
-    parameter(std::string its_name, std::string its_type, address_space its_space)
-        : name(std::move(its_name)), type(std::move(its_type)), space(its_space),
-          takes_pointer(!type.empty() && type.back() == '*'),
-          wanted(shape_named(takes_pointer ? type.substr(0, type.size() - 1) : type)) {}
-
-    std::string name;
-    std::string type;
-    address_space space = address_space::unknown;
-    bool takes_pointer = false;
-    std::optional<value_shape> wanted; ///< Of the value, or of the elements that a pointer names; if it is a number's.
-};
-
-/// The parameters of a kernel, without descriptions where the implementation keeps none.
-template <int Version>
-std::vector<parameter> parameters_of(typename api<Version>::kernel const& kernel) {
-    std::vector<parameter> parameters(kernel.num_args());
-    if constexpr (Version >= 120) {
-        constexpr unsigned first_space = 0x119B; // CL_KERNEL_ARG_ADDRESS_GLOBAL, _LOCAL, _CONSTANT, _PRIVATE
-        constexpr std::array<address_space, 4> spaces{address_space::global, address_space::local,
-                                                      address_space::constant, address_space::private_};
-        try {
-            for (unsigned i = 0; i != parameters.size(); ++i) {
-                auto const space = static_cast<unsigned>(kernel.argument_address_qualifier(i)) - first_space;
-                parameters[i] = parameter(kernel.argument_name(i), kernel.argument_type_name(i),
-                                          space < spaces.size() ? spaces[space] : address_space::unknown);
-            }
-        } catch (common::opencl_error const&) { // a program from a binary, for one: the rest stays unknown
-        }
-    }
-    return parameters;
-}
-
-/// Where an error is. The text is made when there is one, since every launch checks its arguments.
-struct place {
+/// Which argument of which kernel, and how the source declares it. The text is made when there is an error, since every
+/// launch checks its arguments.
+struct argument_place {
     /// "kernel 'vadd', argument 3 'n' (uint)".
-    std::string text() const {
+    [[nodiscard]] std::string text() const {
         bool const is_named = !declared.name.empty();
         bool const is_typed = !declared.type.empty();
-        return joined({"kernel '", kernel, "', argument ", std::to_string(index), is_named ? " '" : "", declared.name,
-                       is_named ? "'" : "", is_typed ? " (" : "", declared.type, is_typed ? ")" : ""});
+        return detail::joined({"kernel '", kernel, "', argument ", std::to_string(index), is_named ? " '" : "",
+                               declared.name, is_named ? "'" : "", is_typed ? " (" : "", declared.type,
+                               is_typed ? ")" : ""});
     }
 
-    std::string const& kernel;
-    unsigned index;
-    parameter const& declared;
+    std::string const& kernel;         ///< The name of the kernel.
+    unsigned index;                    ///< From 0.
+    detail::parameter const& declared; ///< What the implementation tells of the declaration.
 };
 
-inline char const* name_of(scalar_kind kind) noexcept {
-    return kind == scalar_kind::floating  ? "a floating-point number"
-           : kind == scalar_kind::integer ? "an integer"
-                                          : "a value";
-}
+namespace detail {
 
-/// Whether both are known, and not the same.
-constexpr bool differ(scalar_kind one, scalar_kind other) noexcept {
-    return one != other && one != scalar_kind::unknown && other != scalar_kind::unknown;
-}
-
-constexpr bool fits_value(parameter const& declared, value_shape const& given) noexcept {
-    auto const& wanted = declared.wanted;
-    return !declared.takes_pointer && (!wanted || (!differ(wanted->kind, given.kind) && wanted->size == given.size));
-}
-
-constexpr bool fits_pointer(parameter const& declared, value_shape const& element, bool local) noexcept {
-    auto const& wanted = declared.wanted;
-    return declared.takes_pointer && local == (declared.space == address_space::local) &&
-           (!wanted || element.kind == scalar_kind::unknown || wanted->kind == scalar_kind::unknown ||
-            (wanted->kind == element.kind && wanted->scalar_size == element.scalar_size));
-}
-
-[[noreturn, gnu::cold, gnu::noinline]] inline void refuse_value(place const& at, value_shape const& given) {
-    if (at.declared.takes_pointer) {
-        throw argument_error(
-            joined({at.text(), " takes a pointer, but was given ", name_of(given.kind), ": pass an array"}));
+[[noreturn, gnu::cold, gnu::noinline]] inline void refuse_value(argument_place const& at, value_shape const& given,
+                                                                void const* value) {
+    std::string const what = value_text(given, value);
+    if (at.declared.kind != argument_kind::value) {
+        throw argument_error(joined({at.text(), " takes ", name_of(at.declared.kind), ", but was given ", what, ": ",
+                                     remedy_for(at.declared.kind)}));
     }
     value_shape const& wanted = *at.declared.wanted;
-    if (differ(wanted.kind, given.kind)) {
-        throw argument_error(joined({at.text(), " takes ", name_of(wanted.kind), ", but was given ",
-                                     name_of(given.kind), ": convert the value first"}));
-    }
-    throw argument_error(joined({at.text(), " takes ", std::to_string(wanted.size), " bytes, but was given ",
-                                 std::to_string(given.size), ": pass a value of the right type"}));
+    bool const other_kind = differ(wanted.kind, given.kind);
+    throw argument_error(joined({at.text(), " takes ", name_of(wanted.kind), other_kind ? "" : " of ",
+                                 other_kind ? std::string() : std::to_string(wanted.size), other_kind ? "" : " bytes",
+                                 ", but was given ", what, other_kind ? "" : " of ",
+                                 other_kind ? std::string() : std::to_string(given.size),
+                                 other_kind ? ": convert the value first" : ": pass a value of the right type"}));
 }
 
-[[noreturn, gnu::cold, gnu::noinline]] inline void refuse_pointer(place const& at, value_shape const& element,
-                                                                  bool local) {
-    bool const takes_local = at.declared.space == address_space::local;
-    if (!at.declared.takes_pointer || local != takes_local) {
-        throw argument_error(joined({at.text(), " takes ",
-                                     !at.declared.takes_pointer ? "no pointer"
-                                     : takes_local              ? "local memory: pass ez::local"
-                                                                : "memory of an array: pass one"}));
-    }
+[[noreturn, gnu::cold, gnu::noinline]] inline void refuse_object(argument_place const& at, argument_kind given) {
+    throw argument_error(
+        joined({at.text(), " takes ",
+                at.declared.kind == argument_kind::value && at.declared.wanted ? name_of(at.declared.wanted->kind)
+                                                                               : name_of(at.declared.kind),
+                ", but was given ", name_of(given), ": ", remedy_for(at.declared.kind)}));
+}
+
+[[noreturn, gnu::cold, gnu::noinline]] inline void refuse_elements(argument_place const& at,
+                                                                   value_shape const& element) {
     value_shape const& wanted = *at.declared.wanted;
     throw argument_error(
         joined({at.text(), " takes elements of ", std::to_string(wanted.scalar_size), " bytes, each ",
@@ -187,18 +76,166 @@ constexpr bool fits_pointer(parameter const& declared, value_shape const& elemen
 }
 
 /// Throws `argument_error` where a value cannot be meant for what is declared.
-inline void check_value(place const& at, value_shape const& given) {
-    if (!fits_value(at.declared, given)) {
-        refuse_value(at, given);
+inline void check_value(argument_place const& at, value_shape const& given, void const* value) {
+    auto const& wanted = at.declared.wanted;
+    if (at.declared.kind != argument_kind::value ||
+        (wanted && (differ(wanted->kind, given.kind) || wanted->size != given.size))) {
+        refuse_value(at, given, value);
     }
 }
 
-/// The same for an array with elements of a shape, or for local memory.
-inline void check_pointer(place const& at, value_shape const& element, bool local) {
-    if (!fits_pointer(at.declared, element, local)) {
-        refuse_pointer(at, element, local);
+/// The same for an object of OpenCL: an image, a sampler, memory whose elements are not known.
+inline void check_object(argument_place const& at, argument_kind given) {
+    if (at.declared.kind != given) {
+        refuse_object(at, given);
     }
 }
+
+/// The same for an image, whose type is "image2d_t" or a sibling; any image with an empty text.
+inline void check_image(argument_place const& at, std::string_view type) {
+    check_object(at, argument_kind::image);
+    std::string_view const wanted = at.declared.type;
+    std::string_view const stem = type.substr(0, type.size() - (type.empty() ? 0 : 2)); // without "_t"
+    std::size_t const found = wanted.rfind(stem);
+    std::string_view const rest = found == std::string_view::npos ? wanted : wanted.substr(found + stem.size());
+    if (!type.empty() && rest != "_t" && rest != "_depth_t" && rest != "_msaa_t" && rest != "_msaa_depth_t") {
+        throw argument_error(joined({at.text(), " takes another kind of image, but was given one for ", type,
+                                     ": pass an image of as many dimensions as declared"}));
+    }
+}
+
+/// The same for memory with elements of a shape: `argument_kind::pointer` or `argument_kind::local`.
+inline void check_memory(argument_place const& at, argument_kind given, value_shape const& element) {
+    check_object(at, given);
+    auto const& wanted = at.declared.wanted;
+    if (wanted && element.kind != scalar_kind::unknown && wanted->kind != scalar_kind::unknown &&
+        (wanted->kind != element.kind || wanted->scalar_size != element.scalar_size)) {
+        refuse_elements(at, element);
+    }
+}
+
+/// What a class of the exact interface is to a kernel; `unknown` for one that may be several things.
+template <class T, int Version>
+constexpr argument_kind object_kind() noexcept {
+    using exact = api<Version>;
+    if constexpr (std::is_base_of<typename exact::image, T>::value) {
+        return argument_kind::image;
+    } else if constexpr (std::is_base_of<typename exact::sampler, T>::value) {
+        return argument_kind::sampler;
+    } else if constexpr (std::is_same<typename exact::local_memory, T>::value) {
+        return argument_kind::local;
+    } else if constexpr (std::is_same<typename exact::memory_object, T>::value) {
+        return argument_kind::unknown;
+    } else {
+        if constexpr (Version >= 200) {
+            if (std::is_same<typename exact::pipe, T>::value) {
+                return argument_kind::pipe;
+            }
+            if (std::is_same<typename exact::device_command_queue, T>::value) {
+                return argument_kind::queue;
+            }
+        }
+        return argument_kind::pointer;
+    }
+}
+
+/// The type that OpenCL C has for an image class of the exact interface; empty for the root of them.
+template <class T, int Version>
+constexpr std::string_view image_type() noexcept {
+    using exact = api<Version>;
+    if (std::is_same<typename exact::image_2d, T>::value) {
+        return "image2d_t";
+    }
+    if (std::is_same<typename exact::image_3d, T>::value) {
+        return "image3d_t";
+    }
+    if constexpr (Version >= 120) {
+        return std::is_same<typename exact::image_1d, T>::value          ? "image1d_t"
+               : std::is_same<typename exact::image_1d_buffer, T>::value ? "image1d_buffer_t"
+               : std::is_same<typename exact::image_1d_array, T>::value  ? "image1d_array_t"
+               : std::is_same<typename exact::image_2d_array, T>::value  ? "image2d_array_t"
+                                                                         : "";
+    }
+    return {};
+}
+
+template <class T, int Version, class = void>
+struct is_object : std::false_type {};
+template <class T, int Version>
+struct is_object<
+    T, Version,
+    std::void_t<decltype(std::declval<typename api<Version>::kernel&>().set_argument(0U, std::declval<T&>()))>>
+    : std::bool_constant<!std::is_arithmetic<T>::value> {};
 
 } // namespace detail
+
+/// How a kernel takes a `T`: specialise it to make a type an argument. `check` is called where the declaration is known
+/// and throws `argument_error`; `set` hands over; `text` describes what was given, for messages.
+///
+///     template <int Version>
+///     struct ez::argument_traits<my::matrix, Version> {
+///         using buffer = ez::argument_traits<ez::basic_array<float, Version>, Version>;
+///         static void check(ez::argument_place const& at, my::matrix const& m) { buffer::check(at, m.elements); }
+///         static void set(typename api<Version>::kernel& target, unsigned index, my::matrix const& m) {
+///             buffer::set(target, index, m.elements);
+///         }
+///         static std::string text(my::matrix const&) { return "a matrix"; }
+///     };
+///
+/// Without a specialisation a `T` is a value that is copied bytewise: a number, a vector (`std::array`, or a type of
+/// `CL/cl_platform.h`), a structure.
+template <class T, int Version, class = void>
+struct argument_traits {
+    static_assert(!std::is_pointer<T>::value,
+                  "a pointer of the host means nothing to a device: pass an array or shared memory");
+    static_assert(std::is_trivially_copyable<T>::value,
+                  "an argument is an array, an OpenCL object of the kernel's version, or a value without pointers");
+
+    /// Throws `argument_error` for a value of another kind or size than declared.
+    static void check(argument_place const& at, T const& value) {
+        detail::check_value(at, detail::shape<T>::value, &value);
+    }
+    /// OpenCL copies the bytes.
+    static void set(typename api<Version>::kernel& target, unsigned index, T const& value) {
+        target.set_argument_raw(index, sizeof value, &value);
+    }
+    /// The value for messages: "the integer 8".
+    [[nodiscard]] static std::string text(T const& value) {
+        return detail::value_text(detail::shape<T>::value, &value);
+    }
+};
+
+/// Local memory.
+template <class T, int Version>
+struct argument_traits<local<T>, Version> {
+    static void check(argument_place const& at, local<T> const&) {
+        detail::check_memory(at, detail::argument_kind::local, detail::shape<T>::value);
+    }
+    static void set(typename api<Version>::kernel& target, unsigned index, local<T> const& memory) {
+        target.set_argument(index, typename api<Version>::local_memory(memory.count * sizeof(T)));
+    }
+    static std::string text(local<T> const& memory) {
+        return detail::joined(
+            {"local memory for ", std::to_string(memory.count), " elements of ", std::to_string(sizeof(T)), " bytes"});
+    }
+};
+
+/// Objects of the exact interface, and the null pointer for memory.
+template <class T, int Version>
+struct argument_traits<T, Version, std::enable_if_t<detail::is_object<T, Version>::value>> {
+    static constexpr auto kind = detail::object_kind<T, Version>();
+
+    static void check(argument_place const& at, T const&) {
+        if constexpr (kind == detail::argument_kind::image) {
+            detail::check_image(at, detail::image_type<T, Version>());
+        } else if constexpr (kind != detail::argument_kind::unknown) {
+            detail::check_object(at, kind);
+        }
+    }
+    static void set(typename api<Version>::kernel& target, unsigned index, T const& object) {
+        target.set_argument(index, const_cast<T&>(object)); // only read
+    }
+    static std::string text(T const&) { return detail::name_of(kind); }
+};
+
 } // namespace vorn::mero::easy

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <vorn/mero/easy/argument.hpp>
 #include <vorn/mero/easy/error.hpp>
 #include <vorn/mero/easy/event.hpp>
 
@@ -176,6 +177,21 @@ private:
     typename api<Version>::buffer exact_;
     std::size_t size_;
     T* elements_ = nullptr;
+};
+
+/// An array is memory to a kernel.
+template <class T, int Version>
+struct argument_traits<basic_array<T, Version>, Version> {
+    static void check(argument_place const& at, basic_array<T, Version> const&) {
+        detail::check_memory(at, detail::argument_kind::pointer, detail::shape<T>::value);
+    }
+    static void set(typename api<Version>::kernel& target, unsigned index, basic_array<T, Version> const& array) {
+        target.set_argument(index, const_cast<typename api<Version>::buffer&>(array.exact())); // only read
+    }
+    static std::string text(basic_array<T, Version> const& array) {
+        return detail::joined(
+            {"an array of ", std::to_string(array.size()), " elements of ", std::to_string(sizeof(T)), " bytes"});
+    }
 };
 
 /// `basic_array` of the default version.

@@ -58,6 +58,24 @@ private:
     std::string log_;
 };
 
+/// The device, or its implementation, lacks what the program asks for. The message says what to use instead.
+class unsupported : public error {
+public:
+    using error::error;
+};
+
+/// An option of a build cannot be right. Nothing was built.
+class option_error : public error {
+public:
+    using error::error;
+};
+
+/// A file cannot be read. The message names it.
+class file_error : public error {
+public:
+    using error::error;
+};
+
 /// A program has no kernel of the name. The message lists those that it has.
 class no_kernel : public error {
 public:
@@ -66,6 +84,12 @@ public:
 
 /// A kernel was called with a wrong argument, or with a wrong number of them. Nothing was launched.
 class argument_error : public error {
+public:
+    using error::error;
+};
+
+/// OpenCL refused to enqueue a kernel; its own exception is nested. Nothing was launched.
+class launch_error : public error {
 public:
     using error::error;
 };

@@ -1,6 +1,8 @@
 #pragma once
 
 #include <vorn/mero/easy/argument.hpp>
+#include <vorn/mero/easy/array.hpp>
+#include <vorn/mero/easy/event.hpp>
 #include <vorn/mero/easy/range.hpp>
 
 #include <exception>
@@ -50,9 +52,9 @@ private:
 ///     vadd(ez::range(n), a, b, c, std::uint32_t(n));
 ///     vadd(ez::range(n), ez::after(earlier), a, b, c, std::uint32_t(n));
 ///
-/// Arguments are arrays, `local<T>(count)`, `nullptr`, objects of the exact interface (buffers, images, samplers), and
-/// values that can be copied bytewise: numbers, `std::array` or OpenCL's own vector types for vectors, structures laid
-/// out as in the kernel. A `float3` takes four floats.
+/// Arguments are arrays, images, samplers, `local<T>(count)`, `nullptr`, objects of the exact interface, and values
+/// that can be copied bytewise: numbers, `std::array` or the types of `CL/cl_platform.h` for vectors, structures laid
+/// out as in the kernel. A `float3` takes four floats. `argument_traits` makes other types arguments.
 ///
 /// Their number is always checked. Their kinds and sizes are checked against the source wherever the implementation
 /// tells them, as it does for programs of `session::build`. Keep the kernel to call it often: making one asks for the
@@ -74,7 +76,7 @@ public:
     [[nodiscard]] exact_type const& exact() const noexcept { return exact_; }
 
     /// Sets the arguments and enqueues a launch on the session's queue. Does not block. Throws `argument_error` when an
-    /// argument does not fit; what OpenCL refuses of one is nested in it.
+    /// argument does not fit and `launch_error` when OpenCL refuses the launch; OpenCL's own exception is nested.
     template <class... Arguments>
     event_type operator()(range const& over, Arguments const&... arguments) {
         return enqueue(over, 0, nullptr, arguments...);
@@ -103,7 +105,11 @@ private:
             throw argument_error(detail::joined({"kernel '", name_, "': OpenCL launches from an offset since 1.1"}));
         }
         set_arguments(arguments...);
-        return event_type(session_->queue.enqueue_command(detail::launch<Version>(exact_, over), count, list));
+        try {
+            return event_type(session_->queue.enqueue_command(detail::launch<Version>(exact_, over), count, list));
+        } catch (common::opencl_error const& refused) {
+            refuse_launch(over, refused);
+        }
     }
 
     [[noreturn, gnu::cold, gnu::noinline]] void refuse_count(std::size_t given) const {
@@ -119,60 +125,57 @@ private:
 
     template <class Argument>
     void set(unsigned index, Argument const& argument) {
-        detail::place const at{name_, index, parameters_[index]};
-        if (at.declared.space != detail::address_space::unknown) {
-            check(at, argument);
+        using traits = argument_traits<Argument, Version>;
+        argument_place const at{name_, index, parameters_[index]};
+        if (at.declared.kind != detail::argument_kind::unknown) {
+            traits::check(at, argument);
         }
         try {
-            hand_over(index, argument);
+            traits::set(exact_, index, argument);
         } catch (common::opencl_error const& refused) {
-            std::throw_with_nested(argument_error(detail::joined({at.text(), ": ", refused.what()})));
+            refuse_argument(at, traits::text(argument), refused);
         }
     }
 
-    template <class T>
-    static void check(detail::place const& at, basic_array<T, Version> const&) {
-        detail::check_pointer(at, detail::shape<T>::value, false);
+    [[noreturn, gnu::cold, gnu::noinline]] static void
+    refuse_argument(argument_place const& at, std::string const& what, common::opencl_error const& refused) {
+        std::throw_with_nested(argument_error(
+            detail::joined({at.text(), " was given ", what, ", which OpenCL refuses: ", refused.what()})));
     }
-    template <class T>
-    static void check(detail::place const& at, local<T> const&) {
-        detail::check_pointer(at, detail::shape<T>::value, true);
+
+    /// Called while OpenCL's exception is handled.
+    [[noreturn, gnu::cold, gnu::noinline]] void refuse_launch(range const& over,
+                                                              common::opencl_error const& refused) const {
+        std::throw_with_nested(launch_error(
+            detail::joined({"kernel '", name_, "' over ", over.text(), ": ", refused.what(), launch_advice(over)})));
     }
-    template <class T>
-    static void check(detail::place const& at, T const&) {
-        if constexpr (!is_object<T>) {
-            detail::check_value(at, detail::shape<T>::value);
+
+    /// What to do about sizes that the kernel cannot have; empty for those that it can.
+    std::string launch_advice(range const& over) const {
+        auto const* const local = over.local_size();
+        if (local == nullptr) {
+            return {};
         }
-    }
-
-    template <class T>
-    void hand_over(unsigned index, basic_array<T, Version> const& array) {
-        exact_.set_argument(index, const_cast<typename api<Version>::buffer&>(array.exact())); // only read
-    }
-    template <class T>
-    void hand_over(unsigned index, local<T> const& memory) {
-        exact_.set_argument(index, typename api<Version>::local_memory(memory.count * sizeof(T)));
-    }
-    template <class T>
-    void hand_over(unsigned index, T const& value) {
-        if constexpr (is_object<T>) {
-            exact_.set_argument(index, const_cast<T&>(value)); // only read
-        } else {
-            static_assert(std::is_trivially_copyable<T>::value && !std::is_pointer<T>::value,
-                          "an argument is an array, an OpenCL object, or a value without pointers");
-            exact_.set_argument_raw(index, sizeof value, &value);
+        try {
+            std::size_t const most = exact_.max_work_group_size(session_->device);
+            auto const required = exact_.compile_work_group_size(session_->device);
+            if (required[0] != 0 && required != *local) {
+                return detail::joined({"; the source requires groups of ", std::to_string(required[0]), " x ",
+                                       std::to_string(required[1]), " x ", std::to_string(required[2])});
+            }
+            if ((*local)[0] * (*local)[1] * (*local)[2] > most) {
+                return detail::joined(
+                    {"; a group of this kernel has at most ", std::to_string(most), " work-items here"});
+            }
+        } catch (common::opencl_error const&) { // then without advice
         }
+        for (unsigned i = 0; i != over.dimensions(); ++i) {
+            if ((*local)[i] == 0 || over.size()[i] % (*local)[i] != 0) {
+                return "; the local size must divide the global size: use ez::round_up";
+            }
+        }
+        return {};
     }
-
-    template <class T, class = void>
-    struct settable : std::false_type {};
-    template <class T>
-    struct settable<T, std::void_t<decltype(std::declval<exact_type&>().set_argument(0U, std::declval<T&>()))>>
-        : std::true_type {};
-
-    /// Whether the exact interface takes it as an object.
-    template <class T>
-    static constexpr bool is_object = !std::is_arithmetic<T>::value && settable<T>::value;
 
     std::shared_ptr<detail::session_state<Version>> session_;
     exact_type exact_;

@@ -2,6 +2,7 @@
 
 #include <array>
 #include <cstddef>
+#include <string>
 
 namespace vorn::mero::easy {
 
@@ -55,6 +56,20 @@ public:
     /// The local size, null where OpenCL chooses it. Valid as long as this object.
     [[nodiscard]] constexpr std::array<std::size_t, 3> const* local_size() const noexcept {
         return has_local_ ? &local_ : nullptr;
+    }
+
+    /// For messages: "640 x 480 work-items in groups of 16 x 16".
+    [[nodiscard]] std::string text() const {
+        auto const product = [this](std::array<std::size_t, 3> const& sizes) {
+            std::string listed = std::to_string(sizes[0]);
+            for (unsigned i = 1; i < dimensions_; ++i) {
+                listed += " x " + std::to_string(sizes[i]);
+            }
+            return listed;
+        };
+        bool const is_moved = offset_ != std::array<std::size_t, 3>{};
+        return product(size_) + " work-items" + (has_local_ ? " in groups of " + product(local_) : "") +
+               (is_moved ? " from " + product(offset_) : "");
     }
 
 private:
