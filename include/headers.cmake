@@ -15,7 +15,8 @@ vorn_mero_add_headers(vorn/mero easy version)
 vorn_mero_add_headers(vorn/mero/easy argument array device embedded error event kernel parameter program range session
   versions)
 vorn_mero_add_headers(vorn/mero/common error error_base error_code export)
-vorn_mero_add_headers(vorn/mero/internal call_capability check_error find_devices handle kept_pattern logger strings)
+vorn_mero_add_headers(vorn/mero/internal call_capability check_error find_devices handle kept_pattern
+  lifetimebound logger strings)
 vorn_mero_add_headers(vorn/mero/opencl api buffer_commands command command_queue context dependencies device event
   extension forward hash image_commands kernel kernel_commands memory_object platform program sampler svm_commands types)
 

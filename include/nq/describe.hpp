@@ -56,7 +56,7 @@ inline constexpr table version_tables[] = {
 } // namespace detail
 
 /// The description of a command of an OpenCL version; null if there is no such command.
-constexpr description const* describe(capability opencl, std::uint32_t id) noexcept {
+[[nodiscard]] constexpr description const* describe(capability opencl, std::uint32_t id) noexcept {
     auto const index = static_cast<std::uint64_t>(opencl) - 1;
     if (index >= std::size(detail::version_tables) || id == 0 || id > detail::version_tables[index].size) {
         return nullptr;
@@ -66,7 +66,7 @@ constexpr description const* describe(capability opencl, std::uint32_t id) noexc
 
 /// The command id of a block in an OpenCL version; 0 if the version lacks it.
 template <class Block>
-constexpr std::uint32_t find_command(capability opencl) noexcept {
+[[nodiscard]] constexpr std::uint32_t find_command(capability opencl) noexcept {
     for (std::uint32_t id = 1; describe(opencl, id) != nullptr; ++id) {
         if (describe(opencl, id) == &description_of<Block>) {
             return id;
@@ -77,8 +77,8 @@ constexpr std::uint32_t find_command(capability opencl) noexcept {
 
 /// One call as text, with each argument and the result decoded: names of values, texts in quotes, lists in brackets.
 /// Long texts and lists are cut. Reads the program's memory through `read`, see `nq::memory_reader`.
-inline std::string format_call(capability opencl, std::uint32_t id, void const* block,
-                               memory_reader read = detail::copy_memory) {
+[[nodiscard]] inline std::string format_call(capability opencl, std::uint32_t id, void const* block,
+                                             memory_reader read = detail::copy_memory) {
     description const* const call = describe(opencl, id);
     return call == nullptr ? "command " + std::to_string(id) : detail::formatter{*call, block, read}.text();
 }

@@ -26,10 +26,10 @@ public:
     nq_error& operator=(nq_error const&);
     ~nq_error() override;
 
-    char const* what() const noexcept final;
+    [[nodiscard]] char const* what() const noexcept final;
 
     /// What libnq returned, see `nq::result`.
-    int code() const noexcept { return code_; }
+    [[nodiscard]] int code() const noexcept { return code_; }
 
 private:
     std::string message_;

@@ -117,7 +117,7 @@ class Headers:
             text = text.split("{")[0]
         elif function and not body:
             text += re.match("[^;]*", self.text[end:])[0]
-        text = " ".join(re.sub(r"__attribute__\(\(.*?\)\)\)|\[\[\w+\]\]|^# \d.*$", "", text, flags=re.M).split()).replace("( ", "(")
+        text = " ".join(re.sub(r"__attribute__\(\(.*?\)\)\)| ?\[\[[\w:]+\]\]|^# \d.*$", "", text, flags=re.M).split()).replace("( ", "(")
         if function and function["kind"] == "CXXConstructorDecl":
             text = re.sub(" : .*", "", text)
         section, listed, versions = scope.removeprefix("vorn::mero::"), text, VERSIONS
@@ -186,6 +186,17 @@ def declarations(headers):
             for (section, text), versions in these.items() if those.get((section, text)) != versions]
 
 
+def lacking(headers):
+    """What `raw` has and `api` lacks, so that code over all versions can exchange raw handles too."""
+    def functions(section):
+        return {(re.search(r"(\w+)\(", text)[1], version) for (where, text), versions in headers.rows.items()
+                if where == section for version in versions if "(" in text}
+
+    there = functions("api")
+    return [f"api lacks {name} of {version}" for name, version in sorted(functions("opencl::raw"))
+            if (re.sub("create_(host_)?command_queue", "create_host_queue", name), version) not in there]
+
+
 def numbers(headers, sources, opencl):
     """What does not compile where each number is asserted to be that of OpenCL's headers."""
     opencl_headers = "#define CL_TARGET_OPENCL_VERSION 300\n#include <CL/cl.h>\n#include <CL/cl_ext.h>\n"
@@ -224,7 +235,7 @@ def main():
         return update(Headers(*sys.argv[2:]))
     clang, include, sources, opencl, *library = sys.argv[1:]
     headers = Headers(clang, include)
-    faults = declarations(headers) + numbers(headers, sources, opencl)
+    faults = declarations(headers) + lacking(headers) + numbers(headers, sources, opencl)
     for each in library:
         faults += symbols(headers, each)
     if faults:

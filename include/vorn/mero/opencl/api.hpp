@@ -130,12 +130,13 @@ struct api<VORN_MERO_OPENCL> {
     }
 
     /// As `raw::get_raw_event`: an element of a wait list.
-    [[nodiscard]] static _nq_cl_event* get_raw_event(event const& object) noexcept {
+    [[nodiscard]] static _nq_cl_event* get_raw_event(event const& object VORN_MERO_LIFETIMEBOUND) noexcept {
         return VORN_MERO_NAMESPACE::raw::get_raw_event(object);
     }
 
     /// As `raw::get_raw_memory_object`: an element of a list of memory objects.
-    [[nodiscard]] static _nq_cl_mem* get_raw_memory_object(memory_object const& object) noexcept {
+    [[nodiscard]] static _nq_cl_mem*
+    get_raw_memory_object(memory_object const& object VORN_MERO_LIFETIMEBOUND) noexcept {
         return VORN_MERO_NAMESPACE::raw::get_raw_memory_object(object);
     }
 
@@ -143,6 +144,175 @@ struct api<VORN_MERO_OPENCL> {
     [[nodiscard]] static _nq_cl_device_id* get_raw_device_id(device const& object) noexcept {
         return VORN_MERO_NAMESPACE::raw::get_raw_device_id(object);
     }
+
+    /// As `raw::get_raw_platform_id`.
+    [[nodiscard]] static _nq_cl_platform_id* get_raw_platform_id(platform const& object) noexcept {
+        return VORN_MERO_NAMESPACE::raw::get_raw_platform_id(object);
+    }
+
+    /// As `raw::get_raw_context`.
+    [[nodiscard]] static _nq_cl_context* get_raw_context(context const& object VORN_MERO_LIFETIMEBOUND) noexcept {
+        return VORN_MERO_NAMESPACE::raw::get_raw_context(object);
+    }
+
+    /// As `raw::get_raw_command_queue`.
+    [[nodiscard]] static _nq_cl_command_queue*
+    get_raw_command_queue(host_queue const& object VORN_MERO_LIFETIMEBOUND) noexcept {
+        return VORN_MERO_NAMESPACE::raw::get_raw_command_queue(object);
+    }
+
+    /// As `raw::get_raw_program`.
+    [[nodiscard]] static _nq_cl_program* get_raw_program(program const& object VORN_MERO_LIFETIMEBOUND) noexcept {
+        return VORN_MERO_NAMESPACE::raw::get_raw_program(object);
+    }
+
+    /// As `raw::get_raw_kernel`.
+    [[nodiscard]] static _nq_cl_kernel* get_raw_kernel(kernel const& object VORN_MERO_LIFETIMEBOUND) noexcept {
+        return VORN_MERO_NAMESPACE::raw::get_raw_kernel(object);
+    }
+
+    /// As `raw::get_raw_sampler`.
+    [[nodiscard]] static _nq_cl_sampler* get_raw_sampler(sampler const& object VORN_MERO_LIFETIMEBOUND) noexcept {
+        return VORN_MERO_NAMESPACE::raw::get_raw_sampler(object);
+    }
+
+    /// As `raw::get_call_handle`.
+    template <class Object>
+    [[nodiscard]] static auto get_call_handle(Object const& object VORN_MERO_LIFETIMEBOUND) noexcept
+        -> decltype(VORN_MERO_NAMESPACE::raw::get_call_handle(object)) {
+        return VORN_MERO_NAMESPACE::raw::get_call_handle(object);
+    }
+
+    /// As `raw::retain`.
+    template <class Object>
+    static auto retain(Object const& object) -> decltype(VORN_MERO_NAMESPACE::raw::retain(object)) {
+        return VORN_MERO_NAMESPACE::raw::retain(object);
+    }
+
+    /// As `raw::release`.
+    template <class Object>
+    static auto release(Object const& object) -> decltype(VORN_MERO_NAMESPACE::raw::release(object)) {
+        return VORN_MERO_NAMESPACE::raw::release(object);
+    }
+
+    /// As `raw::refcount`.
+    template <class Object>
+    [[nodiscard]] static auto refcount(Object const& object) -> decltype(VORN_MERO_NAMESPACE::raw::refcount(object)) {
+        return VORN_MERO_NAMESPACE::raw::refcount(object);
+    }
+
+    /// As `raw::create_platform`.
+    [[nodiscard]] static platform create_platform(nq::call_handle const& call_handle, _nq_cl_platform_id* handle) {
+        return VORN_MERO_NAMESPACE::raw::create_platform(call_handle, handle);
+    }
+
+    /// As `raw::create_device`.
+    [[nodiscard]] static device create_device(nq::call_handle const& call_handle, _nq_cl_device_id* handle) {
+        return VORN_MERO_NAMESPACE::raw::create_device(call_handle, handle);
+    }
+
+    /// As `raw::create_context`.
+    [[nodiscard]] static context create_context(nq::call_handle const& call_handle, _nq_cl_context* handle) {
+        return VORN_MERO_NAMESPACE::raw::create_context(call_handle, handle);
+    }
+
+    /// As `raw::create_event`.
+    [[nodiscard]] static event create_event(nq::call_handle const& call_handle, _nq_cl_event* handle) {
+        return VORN_MERO_NAMESPACE::raw::create_event(call_handle, handle);
+    }
+
+    /// As `raw::create_program`.
+    [[nodiscard]] static program create_program(nq::call_handle const& call_handle, _nq_cl_program* handle) {
+        return VORN_MERO_NAMESPACE::raw::create_program(call_handle, handle);
+    }
+
+    /// As `raw::create_sampler`.
+    [[nodiscard]] static sampler create_sampler(nq::call_handle const& call_handle, _nq_cl_sampler* handle) {
+        return VORN_MERO_NAMESPACE::raw::create_sampler(call_handle, handle);
+    }
+
+    /// As `raw::create_buffer`.
+    [[nodiscard]] static buffer create_buffer(nq::call_handle const& call_handle, _nq_cl_mem* handle) {
+        return VORN_MERO_NAMESPACE::raw::create_buffer(call_handle, handle);
+    }
+
+    /// As `raw::create_image_2d`.
+    [[nodiscard]] static image_2d create_image_2d(nq::call_handle const& call_handle, _nq_cl_mem* handle) {
+        return VORN_MERO_NAMESPACE::raw::create_image_2d(call_handle, handle);
+    }
+
+    /// As `raw::create_image3d`.
+    [[nodiscard]] static image_3d create_image3d(nq::call_handle const& call_handle, _nq_cl_mem* handle) {
+        return VORN_MERO_NAMESPACE::raw::create_image3d(call_handle, handle);
+    }
+
+#if VORN_MERO_OPENCL < 200
+    /// As `raw::create_command_queue`.
+    [[nodiscard]] static host_queue create_host_queue(nq::call_handle const& call_handle,
+                                                      _nq_cl_command_queue* handle) {
+        return VORN_MERO_NAMESPACE::raw::create_command_queue(call_handle, handle);
+    }
+#else
+    /// As `raw::create_host_command_queue`.
+    [[nodiscard]] static host_queue create_host_queue(nq::call_handle const& call_handle,
+                                                      _nq_cl_command_queue* handle) {
+        return VORN_MERO_NAMESPACE::raw::create_host_command_queue(call_handle, handle);
+    }
+#endif
+
+#if VORN_MERO_OPENCL >= 110
+    /// As `raw::get_raw_event`. Since OpenCL 1.1.
+    [[nodiscard]] static _nq_cl_event* get_raw_event(event_promise const& object VORN_MERO_LIFETIMEBOUND) noexcept {
+        return VORN_MERO_NAMESPACE::raw::get_raw_event(object);
+    }
+
+    /// As `raw::create_sub_buffer`. Since OpenCL 1.1.
+    [[nodiscard]] static sub_buffer create_sub_buffer(nq::call_handle const& call_handle, _nq_cl_mem* handle) {
+        return VORN_MERO_NAMESPACE::raw::create_sub_buffer(call_handle, handle);
+    }
+#endif
+
+#if VORN_MERO_OPENCL >= 120
+    /// As `raw::create_image_1d`. Since OpenCL 1.2.
+    [[nodiscard]] static image_1d create_image_1d(nq::call_handle const& call_handle, _nq_cl_mem* handle) {
+        return VORN_MERO_NAMESPACE::raw::create_image_1d(call_handle, handle);
+    }
+
+    /// As `raw::create_image_1d_buffer`. Since OpenCL 1.2.
+    [[nodiscard]] static image_1d_buffer create_image_1d_buffer(nq::call_handle const& call_handle,
+                                                                _nq_cl_mem* handle) {
+        return VORN_MERO_NAMESPACE::raw::create_image_1d_buffer(call_handle, handle);
+    }
+
+    /// As `raw::create_image_1d_array`. Since OpenCL 1.2.
+    [[nodiscard]] static image_1d_array create_image_1d_array(nq::call_handle const& call_handle, _nq_cl_mem* handle) {
+        return VORN_MERO_NAMESPACE::raw::create_image_1d_array(call_handle, handle);
+    }
+
+    /// As `raw::create_image_2d_array`. Since OpenCL 1.2.
+    [[nodiscard]] static image_2d_array create_image_2d_array(nq::call_handle const& call_handle, _nq_cl_mem* handle) {
+        return VORN_MERO_NAMESPACE::raw::create_image_2d_array(call_handle, handle);
+    }
+#endif
+
+#if VORN_MERO_OPENCL >= 200
+    /// As `raw::create_pipe`. Since OpenCL 2.0.
+    [[nodiscard]] static pipe create_pipe(nq::call_handle const& call_handle, _nq_cl_mem* handle) {
+        return VORN_MERO_NAMESPACE::raw::create_pipe(call_handle, handle);
+    }
+
+    /// As `raw::get_raw_command_queue`. Since OpenCL 2.0.
+    [[nodiscard]] static _nq_cl_command_queue*
+    get_raw_command_queue(device_command_queue const& object VORN_MERO_LIFETIMEBOUND) noexcept {
+        return VORN_MERO_NAMESPACE::raw::get_raw_command_queue(object);
+    }
+
+    /// As `raw::create_device_command_queue`. Since OpenCL 2.0.
+    [[nodiscard]] static device_command_queue create_device_command_queue(nq::call_handle const& call_handle,
+                                                                          _nq_cl_command_queue* handle) {
+        return VORN_MERO_NAMESPACE::raw::create_device_command_queue(call_handle, handle);
+    }
+#endif
 
     /// A context of one device, without properties or callback.
     [[nodiscard]] static context create_context(device const& target) {

@@ -17,7 +17,8 @@ public:
     /// `destination` must live, and the program must not use it, until the event is complete. Enqueueing throws
     /// `common::invalid_value` for a region outside the buffer or a null `destination`, `common::invalid_operation` if
     /// the buffer's flags forbid the host to read.
-    read_buffer(buffer const& source, bool blocking, std::size_t offset, std::size_t size, void* destination)
+    read_buffer(buffer const& source VORN_MERO_LIFETIMEBOUND, bool blocking, std::size_t offset, std::size_t size,
+                void* destination VORN_MERO_LIFETIMEBOUND)
         : source_(mero::internal::owner_access::raw(source)), blocking_(blocking), offset_(offset), size_(size),
           destination_(destination) {}
     void call(nq::call_handle const& handle, _nq_cl_command_queue* queue, unsigned int num_events_in_wait_list,
@@ -37,7 +38,8 @@ public:
     /// Copies `size` bytes to `offset`. If `blocking`, the program may change `source` when enqueueing returns,
     /// although the event may complete a moment later; otherwise only when the event is complete. Throws as
     /// `read_buffer`.
-    write_buffer(buffer& destination, bool blocking, std::size_t offset, std::size_t size, void const* source)
+    write_buffer(buffer& destination VORN_MERO_LIFETIMEBOUND, bool blocking, std::size_t offset, std::size_t size,
+                 void const* source VORN_MERO_LIFETIMEBOUND)
         : destination_(mero::internal::owner_access::raw(destination)), blocking_(blocking), offset_(offset),
           size_(size), source_(source) {}
     void call(nq::call_handle const& handle, _nq_cl_command_queue* queue, unsigned int num_events_in_wait_list,
@@ -56,8 +58,8 @@ class VORN_MERO_EXPORT copy_buffer : public command {
 public:
     /// Copies `size` bytes; some implementations refuse 0. Enqueueing throws `common::mem_copy_overlap` if the regions
     /// overlap in one buffer, `common::invalid_value` for a region outside its buffer.
-    copy_buffer(buffer const& source, buffer& destination, std::size_t source_offset, std::size_t destination_offset,
-                std::size_t size)
+    copy_buffer(buffer const& source VORN_MERO_LIFETIMEBOUND, buffer& destination VORN_MERO_LIFETIMEBOUND,
+                std::size_t source_offset, std::size_t destination_offset, std::size_t size)
         : source_(mero::internal::owner_access::raw(source)),
           destination_(mero::internal::owner_access::raw(destination)), source_offset_(source_offset),
           destination_offset_(destination_offset), size_(size) {}
@@ -88,7 +90,8 @@ public:
     /// Maps `size` bytes from `offset`. Unless `blocking`, the host may use them when the event is complete. Enqueueing
     /// throws `common::map_failure` if the region cannot be mapped, `common::invalid_value` for a region outside the
     /// buffer.
-    map_buffer(void*& mapped, buffer& source, bool blocking, map_flags flags, std::size_t offset, std::size_t size)
+    map_buffer(void*& mapped VORN_MERO_LIFETIMEBOUND, buffer& source VORN_MERO_LIFETIMEBOUND, bool blocking,
+               map_flags flags, std::size_t offset, std::size_t size)
         : mapped_(&mapped), source_(mero::internal::owner_access::raw(source)), blocking_(blocking), flags_(flags),
           offset_(offset), size_(size) {}
     void call(nq::call_handle const& handle, _nq_cl_command_queue* queue, unsigned int num_events_in_wait_list,
@@ -108,7 +111,7 @@ class VORN_MERO_EXPORT unmap_mem_object : public command {
 public:
     /// `mapped` is the address from the map command; the program must not use it once this is enqueued. Enqueueing
     /// throws `common::invalid_value` for another address.
-    unmap_mem_object(memory_object const& object, void* mapped)
+    unmap_mem_object(memory_object const& object VORN_MERO_LIFETIMEBOUND, void* mapped VORN_MERO_LIFETIMEBOUND)
         : object_(mero::internal::owner_access::raw(object)), mapped_(mapped) {}
     void call(nq::call_handle const& handle, _nq_cl_command_queue* queue, unsigned int num_events_in_wait_list,
               _nq_cl_event* const* event_wait_list, _nq_cl_event** event) const override;
@@ -131,10 +134,11 @@ private:
 class VORN_MERO_EXPORT read_buffer_rect : public command {
 public:
     /// Copies to `host_origin` in the memory at `destination`. Otherwise as `read_buffer`.
-    read_buffer_rect(buffer const& source, bool blocking, std::array<std::size_t, 3> buffer_origin,
-                     std::array<std::size_t, 3> host_origin, std::array<std::size_t, 3> region,
-                     std::size_t buffer_row_pitch, std::size_t buffer_slice_pitch, std::size_t host_row_pitch,
-                     std::size_t host_slice_pitch, void* destination)
+    read_buffer_rect(buffer const& source VORN_MERO_LIFETIMEBOUND, bool blocking,
+                     std::array<std::size_t, 3> buffer_origin, std::array<std::size_t, 3> host_origin,
+                     std::array<std::size_t, 3> region, std::size_t buffer_row_pitch, std::size_t buffer_slice_pitch,
+                     std::size_t host_row_pitch, std::size_t host_slice_pitch,
+                     void* destination VORN_MERO_LIFETIMEBOUND)
         : source_(mero::internal::owner_access::raw(source)), blocking_(blocking), buffer_origin_(buffer_origin),
           host_origin_(host_origin), region_(region), buffer_row_pitch_(buffer_row_pitch),
           buffer_slice_pitch_(buffer_slice_pitch), host_row_pitch_(host_row_pitch), host_slice_pitch_(host_slice_pitch),
@@ -159,10 +163,11 @@ private:
 class VORN_MERO_EXPORT write_buffer_rect : public command {
 public:
     /// Copies from `host_origin` in the memory at `source`. Otherwise as `write_buffer`.
-    write_buffer_rect(buffer& destination, bool blocking, std::array<std::size_t, 3> buffer_origin,
-                      std::array<std::size_t, 3> host_origin, std::array<std::size_t, 3> region,
-                      std::size_t buffer_row_pitch, std::size_t buffer_slice_pitch, std::size_t host_row_pitch,
-                      std::size_t host_slice_pitch, void const* source)
+    write_buffer_rect(buffer& destination VORN_MERO_LIFETIMEBOUND, bool blocking,
+                      std::array<std::size_t, 3> buffer_origin, std::array<std::size_t, 3> host_origin,
+                      std::array<std::size_t, 3> region, std::size_t buffer_row_pitch, std::size_t buffer_slice_pitch,
+                      std::size_t host_row_pitch, std::size_t host_slice_pitch,
+                      void const* source VORN_MERO_LIFETIMEBOUND)
         : destination_(mero::internal::owner_access::raw(destination)), blocking_(blocking),
           buffer_origin_(buffer_origin), host_origin_(host_origin), region_(region),
           buffer_row_pitch_(buffer_row_pitch), buffer_slice_pitch_(buffer_slice_pitch), host_row_pitch_(host_row_pitch),
@@ -189,10 +194,10 @@ class VORN_MERO_EXPORT copy_buffer_rect : public command {
 public:
     /// Within one buffer, source and destination pitches must be equal. Enqueueing throws `common::mem_copy_overlap` if
     /// the boxes overlap in one buffer, `common::invalid_value` for a box outside its buffer.
-    copy_buffer_rect(buffer const& source, buffer& destination, std::array<std::size_t, 3> source_origin,
-                     std::array<std::size_t, 3> destination_origin, std::array<std::size_t, 3> region,
-                     std::size_t source_row_pitch, std::size_t source_slice_pitch, std::size_t destination_row_pitch,
-                     std::size_t destination_slice_pitch)
+    copy_buffer_rect(buffer const& source VORN_MERO_LIFETIMEBOUND, buffer& destination VORN_MERO_LIFETIMEBOUND,
+                     std::array<std::size_t, 3> source_origin, std::array<std::size_t, 3> destination_origin,
+                     std::array<std::size_t, 3> region, std::size_t source_row_pitch, std::size_t source_slice_pitch,
+                     std::size_t destination_row_pitch, std::size_t destination_slice_pitch)
         : source_(mero::internal::owner_access::raw(source)),
           destination_(mero::internal::owner_access::raw(destination)), source_origin_(source_origin),
           destination_origin_(destination_origin), region_(region), source_row_pitch_(source_row_pitch),
@@ -221,8 +226,8 @@ class VORN_MERO_EXPORT fill_buffer_base : public command {
 public:
     /// `pattern_size` is a power of two from 1 to 128 bytes; `offset`, in bytes, is a multiple of it. `count` is in
     /// patterns, not bytes. Otherwise enqueueing throws `common::invalid_value`.
-    fill_buffer_base(buffer& destination, void const* pattern, std::size_t pattern_size, std::size_t offset,
-                     std::size_t count)
+    fill_buffer_base(buffer& destination VORN_MERO_LIFETIMEBOUND, void const* pattern VORN_MERO_LIFETIMEBOUND,
+                     std::size_t pattern_size, std::size_t offset, std::size_t count)
         : destination_(mero::internal::owner_access::raw(destination)), pattern_(pattern), pattern_size_(pattern_size),
           offset_(offset), count_(count) {}
 
@@ -246,8 +251,8 @@ class VORN_MERO_EXPORT fill_buffer_bytes : public command {
 public:
     /// The size of the pattern is a power of two from 1 to 128 bytes; `offset`, in bytes, is a multiple of it. `count`
     /// is in patterns. Otherwise, and for an empty pattern, enqueueing throws `common::invalid_value`.
-    fill_buffer_bytes(buffer& destination, std::vector<unsigned char> const& pattern, std::size_t offset,
-                      std::size_t count);
+    fill_buffer_bytes(buffer& destination VORN_MERO_LIFETIMEBOUND, std::vector<unsigned char> const& pattern,
+                      std::size_t offset, std::size_t count);
     void call(nq::call_handle const& handle, _nq_cl_command_queue* queue, unsigned int num_events_in_wait_list,
               _nq_cl_event* const* event_wait_list, _nq_cl_event** event) const override;
 
@@ -282,7 +287,7 @@ class fill_buffer
     : public mero::internal::kept_pattern<fill_buffer_base, T, &fill_buffer_base::update_pattern_pointer> {
 public:
     /// `offset` is in bytes and a multiple of `sizeof(T)`; `count` is in elements.
-    fill_buffer(buffer& destination, T const& pattern, std::size_t offset, std::size_t count)
+    fill_buffer(buffer& destination VORN_MERO_LIFETIMEBOUND, T const& pattern, std::size_t offset, std::size_t count)
         : fill_buffer::kept_pattern(pattern, destination, nullptr, sizeof(T), offset, count) {}
 };
 #endif

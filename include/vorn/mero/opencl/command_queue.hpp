@@ -136,10 +136,12 @@ public:
 namespace raw {
 
 /// The raw handle, null if the object was moved from.
-[[nodiscard]] VORN_MERO_EXPORT _nq_cl_command_queue* get_raw_command_queue(internal::host_queue const& object) noexcept;
+[[nodiscard]] VORN_MERO_EXPORT _nq_cl_command_queue*
+get_raw_command_queue(internal::host_queue const& object VORN_MERO_LIFETIMEBOUND) noexcept;
 
 /// The call handle of the object.
-[[nodiscard]] VORN_MERO_EXPORT nq::call_handle const& get_call_handle(internal::host_queue const& object) noexcept;
+[[nodiscard]] VORN_MERO_EXPORT nq::call_handle const&
+get_call_handle(internal::host_queue const& object VORN_MERO_LIFETIMEBOUND) noexcept;
 
 /// Adds a reference that the caller must release.
 VORN_MERO_EXPORT void retain(internal::host_queue const& object);
@@ -161,10 +163,12 @@ VORN_MERO_EXPORT void release(internal::host_queue const& object);
                                                                             _nq_cl_command_queue* handle);
 
 /// The raw handle, null if the object was moved from. Since OpenCL 2.0.
-[[nodiscard]] VORN_MERO_EXPORT _nq_cl_command_queue* get_raw_command_queue(device_command_queue const& object) noexcept;
+[[nodiscard]] VORN_MERO_EXPORT _nq_cl_command_queue*
+get_raw_command_queue(device_command_queue const& object VORN_MERO_LIFETIMEBOUND) noexcept;
 
 /// The call handle of the object. Since OpenCL 2.0.
-[[nodiscard]] VORN_MERO_EXPORT nq::call_handle const& get_call_handle(device_command_queue const& object) noexcept;
+[[nodiscard]] VORN_MERO_EXPORT nq::call_handle const&
+get_call_handle(device_command_queue const& object VORN_MERO_LIFETIMEBOUND) noexcept;
 
 /// Adds a reference that the caller must release. Since OpenCL 2.0.
 VORN_MERO_EXPORT void retain(device_command_queue const& object);

@@ -245,10 +245,11 @@ public:
 namespace raw {
 
 /// The raw handle, null if the object was moved from.
-[[nodiscard]] VORN_MERO_EXPORT _nq_cl_context* get_raw_context(context const& object) noexcept;
+[[nodiscard]] VORN_MERO_EXPORT _nq_cl_context* get_raw_context(context const& object VORN_MERO_LIFETIMEBOUND) noexcept;
 
 /// The call handle of the object.
-[[nodiscard]] VORN_MERO_EXPORT nq::call_handle const& get_call_handle(context const& object) noexcept;
+[[nodiscard]] VORN_MERO_EXPORT nq::call_handle const&
+get_call_handle(context const& object VORN_MERO_LIFETIMEBOUND) noexcept;
 
 /// Adds a reference that the caller must release.
 VORN_MERO_EXPORT void retain(context const& object);

@@ -11,6 +11,7 @@
 #include <vorn/mero/internal/find_devices.hpp>
 #include <vorn/mero/internal/handle.hpp>
 #include <vorn/mero/internal/kept_pattern.hpp>
+#include <vorn/mero/internal/lifetimebound.hpp>
 #include <vorn/mero/internal/strings.hpp>
 
 #include <array>

@@ -376,7 +376,8 @@ namespace raw {
 [[nodiscard]] VORN_MERO_EXPORT _nq_cl_device_id* get_raw_device_id(device const& object) noexcept;
 
 /// The call handle of the object.
-[[nodiscard]] VORN_MERO_EXPORT nq::call_handle const& get_call_handle(device const& object) noexcept;
+[[nodiscard]] VORN_MERO_EXPORT nq::call_handle const&
+get_call_handle(device const& object VORN_MERO_LIFETIMEBOUND) noexcept;
 
 /// Adds a reference that the caller must release. Does nothing before OpenCL 1.2.
 VORN_MERO_EXPORT void retain(device const& object);

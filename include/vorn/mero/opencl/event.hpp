@@ -110,12 +110,13 @@ namespace raw {
 
 /// The raw handle, for wait lists; null if the object was moved from. Valid while the object or another reference
 /// lives.
-[[nodiscard]] inline _nq_cl_event* get_raw_event(event const& object) noexcept {
+[[nodiscard]] inline _nq_cl_event* get_raw_event(event const& object VORN_MERO_LIFETIMEBOUND) noexcept {
     return mero::internal::owner_access::raw(object);
 }
 
 /// The call handle of the object.
-[[nodiscard]] VORN_MERO_EXPORT nq::call_handle const& get_call_handle(event const& object) noexcept;
+[[nodiscard]] VORN_MERO_EXPORT nq::call_handle const&
+get_call_handle(event const& object VORN_MERO_LIFETIMEBOUND) noexcept;
 
 /// Adds a reference that the caller must release.
 VORN_MERO_EXPORT void retain(event const& object);
@@ -131,12 +132,13 @@ VORN_MERO_EXPORT void release(event const& object);
 
 #if VORN_MERO_OPENCL >= 110
 /// The raw handle of the user event, null if the object was moved from. Since OpenCL 1.1.
-[[nodiscard]] inline _nq_cl_event* get_raw_event(event_promise const& object) noexcept {
+[[nodiscard]] inline _nq_cl_event* get_raw_event(event_promise const& object VORN_MERO_LIFETIMEBOUND) noexcept {
     return mero::internal::owner_access::raw(object);
 }
 
 /// The call handle of the object. Since OpenCL 1.1.
-[[nodiscard]] VORN_MERO_EXPORT nq::call_handle const& get_call_handle(event_promise const& object) noexcept;
+[[nodiscard]] VORN_MERO_EXPORT nq::call_handle const&
+get_call_handle(event_promise const& object VORN_MERO_LIFETIMEBOUND) noexcept;
 
 /// Adds a reference that the caller must release. Since OpenCL 1.1.
 VORN_MERO_EXPORT void retain(event_promise const& object);

@@ -21,8 +21,9 @@ public:
     /// must not use it, until the event is complete. Enqueueing throws `common::invalid_value` for a box outside the
     /// image or a pitch too small, `common::invalid_operation` if the image's flags forbid the host to read or the
     /// device has no images.
-    read_image(image const& source, bool blocking, std::array<std::size_t, 3> origin, std::array<std::size_t, 3> region,
-               std::size_t row_pitch, std::size_t slice_pitch, void* destination)
+    read_image(image const& source VORN_MERO_LIFETIMEBOUND, bool blocking, std::array<std::size_t, 3> origin,
+               std::array<std::size_t, 3> region, std::size_t row_pitch, std::size_t slice_pitch,
+               void* destination VORN_MERO_LIFETIMEBOUND)
         : source_(mero::internal::owner_access::raw(source)), blocking_(blocking), origin_(origin), region_(region),
           row_pitch_(row_pitch), slice_pitch_(slice_pitch), destination_(destination) {}
     void call(nq::call_handle const& handle, _nq_cl_command_queue* queue, unsigned int num_events_in_wait_list,
@@ -43,8 +44,9 @@ class VORN_MERO_EXPORT write_image : public command {
 public:
     /// If `blocking`, the program may change `source` when enqueueing returns; otherwise only when the event is
     /// complete. Throws as `read_image`.
-    write_image(image& destination, bool blocking, std::array<std::size_t, 3> origin, std::array<std::size_t, 3> region,
-                std::size_t input_row_pitch, std::size_t input_slice_pitch, void const* source)
+    write_image(image& destination VORN_MERO_LIFETIMEBOUND, bool blocking, std::array<std::size_t, 3> origin,
+                std::array<std::size_t, 3> region, std::size_t input_row_pitch, std::size_t input_slice_pitch,
+                void const* source VORN_MERO_LIFETIMEBOUND)
         : destination_(mero::internal::owner_access::raw(destination)), blocking_(blocking), origin_(origin),
           region_(region), input_row_pitch_(input_row_pitch), input_slice_pitch_(input_slice_pitch), source_(source) {}
     void call(nq::call_handle const& handle, _nq_cl_command_queue* queue, unsigned int num_events_in_wait_list,
@@ -66,8 +68,9 @@ class VORN_MERO_EXPORT copy_image : public command {
 public:
     /// Enqueueing throws `common::image_format_mismatch` if the formats differ, `common::mem_copy_overlap` if the boxes
     /// overlap in one image, `common::invalid_value` for a box outside its image.
-    copy_image(image const& source, image& destination, std::array<std::size_t, 3> source_origin,
-               std::array<std::size_t, 3> destination_origin, std::array<std::size_t, 3> region)
+    copy_image(image const& source VORN_MERO_LIFETIMEBOUND, image& destination VORN_MERO_LIFETIMEBOUND,
+               std::array<std::size_t, 3> source_origin, std::array<std::size_t, 3> destination_origin,
+               std::array<std::size_t, 3> region)
         : source_(mero::internal::owner_access::raw(source)),
           destination_(mero::internal::owner_access::raw(destination)), source_origin_(source_origin),
           destination_origin_(destination_origin), region_(region) {}
@@ -86,8 +89,9 @@ private:
 class VORN_MERO_EXPORT copy_image_to_buffer : public command {
 public:
     /// `destination_offset` is in bytes. Enqueueing throws `common::invalid_value` for a region outside its object.
-    copy_image_to_buffer(image const& source, buffer& destination, std::array<std::size_t, 3> source_origin,
-                         std::array<std::size_t, 3> region, std::size_t destination_offset)
+    copy_image_to_buffer(image const& source VORN_MERO_LIFETIMEBOUND, buffer& destination VORN_MERO_LIFETIMEBOUND,
+                         std::array<std::size_t, 3> source_origin, std::array<std::size_t, 3> region,
+                         std::size_t destination_offset)
         : source_(mero::internal::owner_access::raw(source)),
           destination_(mero::internal::owner_access::raw(destination)), source_origin_(source_origin), region_(region),
           destination_offset_(destination_offset) {}
@@ -107,8 +111,9 @@ private:
 class VORN_MERO_EXPORT copy_buffer_to_image : public command {
 public:
     /// `source_offset` is in bytes. Enqueueing throws `common::invalid_value` for a region outside its object.
-    copy_buffer_to_image(buffer const& source, image& destination, std::size_t source_offset,
-                         std::array<std::size_t, 3> destination_origin, std::array<std::size_t, 3> region)
+    copy_buffer_to_image(buffer const& source VORN_MERO_LIFETIMEBOUND, image& destination VORN_MERO_LIFETIMEBOUND,
+                         std::size_t source_offset, std::array<std::size_t, 3> destination_origin,
+                         std::array<std::size_t, 3> region)
         : source_(mero::internal::owner_access::raw(source)),
           destination_(mero::internal::owner_access::raw(destination)), source_offset_(source_offset),
           destination_origin_(destination_origin), region_(region) {}
@@ -138,8 +143,9 @@ class VORN_MERO_EXPORT map_image : public command {
 public:
     /// Unless `blocking`, the host may use the memory when the event is complete. Enqueueing throws
     /// `common::map_failure` if the box cannot be mapped, `common::invalid_value` for a box outside the image.
-    map_image(void*& mapped, image& source, bool blocking, map_flags flags, std::array<std::size_t, 3> origin,
-              std::array<std::size_t, 3> region, std::size_t& row_pitch, std::size_t& slice_pitch)
+    map_image(void*& mapped VORN_MERO_LIFETIMEBOUND, image& source VORN_MERO_LIFETIMEBOUND, bool blocking,
+              map_flags flags, std::array<std::size_t, 3> origin, std::array<std::size_t, 3> region,
+              std::size_t& row_pitch VORN_MERO_LIFETIMEBOUND, std::size_t& slice_pitch VORN_MERO_LIFETIMEBOUND)
         : mapped_(&mapped), source_(mero::internal::owner_access::raw(source)), blocking_(blocking), flags_(flags),
           origin_(origin), region_(region), row_pitch_(&row_pitch), slice_pitch_(&slice_pitch) {}
     void call(nq::call_handle const& handle, _nq_cl_command_queue* queue, unsigned int num_events_in_wait_list,
@@ -163,8 +169,8 @@ class VORN_MERO_EXPORT fill_image_base : public command {
 public:
     /// The colour is red, green, blue and alpha in this order, whatever the order of the channels. For a depth image it
     /// is one floating-point value.
-    fill_image_base(image& destination, void const* fill_color, std::array<std::size_t, 3> origin,
-                    std::array<std::size_t, 3> region)
+    fill_image_base(image& destination VORN_MERO_LIFETIMEBOUND, void const* fill_color VORN_MERO_LIFETIMEBOUND,
+                    std::array<std::size_t, 3> origin, std::array<std::size_t, 3> region)
         : destination_(mero::internal::owner_access::raw(destination)), fill_color_(fill_color), origin_(origin),
           region_(region) {}
 
@@ -191,8 +197,8 @@ class fill_image : public mero::internal::kept_pattern<fill_image_base, std::arr
                                                        &fill_image_base::update_fill_color_pointer> {
 public:
     /// The colour is red, green, blue and alpha, in this order.
-    fill_image(image& destination, std::array<Channel, 4> color, std::array<std::size_t, 3> origin,
-               std::array<std::size_t, 3> region)
+    fill_image(image& destination VORN_MERO_LIFETIMEBOUND, std::array<Channel, 4> color,
+               std::array<std::size_t, 3> origin, std::array<std::size_t, 3> region)
         : fill_image::kept_pattern(color, destination, nullptr, origin, region) {}
 
 private:

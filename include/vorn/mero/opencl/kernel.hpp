@@ -184,10 +184,11 @@ public:
 namespace raw {
 
 /// The raw handle, null if the object was moved from.
-[[nodiscard]] VORN_MERO_EXPORT _nq_cl_kernel* get_raw_kernel(kernel const& object) noexcept;
+[[nodiscard]] VORN_MERO_EXPORT _nq_cl_kernel* get_raw_kernel(kernel const& object VORN_MERO_LIFETIMEBOUND) noexcept;
 
 /// The call handle of the object.
-[[nodiscard]] VORN_MERO_EXPORT nq::call_handle const& get_call_handle(kernel const& object) noexcept;
+[[nodiscard]] VORN_MERO_EXPORT nq::call_handle const&
+get_call_handle(kernel const& object VORN_MERO_LIFETIMEBOUND) noexcept;
 
 /// Adds a reference that the caller must release.
 VORN_MERO_EXPORT void retain(kernel const& object);

@@ -27,15 +27,16 @@ public:
 #if VORN_MERO_OPENCL < 110
     /// Sizes are in work-items. The kernel must live until the launch has been enqueued; arguments set on it afterwards
     /// do not affect the launch. In OpenCL 1.0 only.
-    nd_range_kernel(kernel const& function, unsigned int work_dim, std::array<std::size_t, 3> global_size,
-                    std::array<std::size_t, 3> local_size)
+    nd_range_kernel(kernel const& function VORN_MERO_LIFETIMEBOUND, unsigned int work_dim,
+                    std::array<std::size_t, 3> global_size, std::array<std::size_t, 3> local_size)
         : function_(mero::internal::owner_access::raw(function)), work_dim_(work_dim), global_size_(global_size),
           local_size_(local_size) {}
 #else
     /// Sizes and offset are in work-items; `get_global_id` counts from the offset. The kernel must live until the
     /// launch has been enqueued; arguments set on it afterwards do not affect the launch. Since OpenCL 1.1.
-    nd_range_kernel(kernel const& function, unsigned int work_dim, std::array<std::size_t, 3> global_offset,
-                    std::array<std::size_t, 3> global_size, std::array<std::size_t, 3> local_size)
+    nd_range_kernel(kernel const& function VORN_MERO_LIFETIMEBOUND, unsigned int work_dim,
+                    std::array<std::size_t, 3> global_offset, std::array<std::size_t, 3> global_size,
+                    std::array<std::size_t, 3> local_size)
         : function_(mero::internal::owner_access::raw(function)), work_dim_(work_dim), global_offset_(global_offset),
           global_size_(global_size), local_size_(local_size) {}
 #endif
@@ -65,7 +66,8 @@ private:
 class VORN_MERO_EXPORT task_kernel : public command {
 public:
     /// The kernel must live until the launch has been enqueued.
-    explicit task_kernel(kernel const& function) : function_(mero::internal::owner_access::raw(function)) {}
+    explicit task_kernel(kernel const& function VORN_MERO_LIFETIMEBOUND)
+        : function_(mero::internal::owner_access::raw(function)) {}
     task_kernel(task_kernel&&) noexcept = default;
     task_kernel& operator=(task_kernel&&) noexcept = default;
     task_kernel(task_kernel const&) = delete;
@@ -94,8 +96,9 @@ class VORN_MERO_EXPORT native_kernel : public command {
 public:
     /// `mem_list` has `num_mem_objects` raw handles, and `args_mem_loc` as many places; both are null if there is none.
     /// `args` is null if there are no arguments. The arrays must live until the command has been enqueued.
-    native_kernel(void (*user_func)(void*), void* args, std::size_t args_size, unsigned int num_mem_objects,
-                  _nq_cl_mem* const* mem_list, void const** args_mem_loc)
+    native_kernel(void (*user_func)(void*), void* args VORN_MERO_LIFETIMEBOUND, std::size_t args_size,
+                  unsigned int num_mem_objects, _nq_cl_mem* const* mem_list VORN_MERO_LIFETIMEBOUND,
+                  void const** args_mem_loc VORN_MERO_LIFETIMEBOUND)
         : user_func_(user_func), args_(args), args_size_(args_size), num_mem_objects_(num_mem_objects),
           mem_list_(mem_list), args_mem_loc_(args_mem_loc) {}
     void call(nq::call_handle const& handle, _nq_cl_command_queue* queue, unsigned int num_events_in_wait_list,

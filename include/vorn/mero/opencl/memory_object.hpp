@@ -55,7 +55,7 @@ public:
     using memory_object::memory_object;
 
     /// Where the region starts in its buffer, in bytes.
-    std::size_t offset() const;
+    [[nodiscard]] std::size_t offset() const;
 
     /// The buffer that contains the region. Three calls.
     [[nodiscard]] buffer parent_buffer();
@@ -176,10 +176,12 @@ get_image_formats(nq::call_handle const& call_handle, _nq_cl_context* context, m
 namespace raw {
 
 /// The raw handle, null if the object was moved from.
-[[nodiscard]] VORN_MERO_EXPORT _nq_cl_mem* get_raw_memory_object(memory_object const& object) noexcept;
+[[nodiscard]] VORN_MERO_EXPORT _nq_cl_mem*
+get_raw_memory_object(memory_object const& object VORN_MERO_LIFETIMEBOUND) noexcept;
 
 /// The call handle of the object.
-[[nodiscard]] VORN_MERO_EXPORT nq::call_handle const& get_call_handle(memory_object const& object) noexcept;
+[[nodiscard]] VORN_MERO_EXPORT nq::call_handle const&
+get_call_handle(memory_object const& object VORN_MERO_LIFETIMEBOUND) noexcept;
 
 /// Adds a reference that the caller must release.
 VORN_MERO_EXPORT void retain(memory_object const& object);

@@ -74,7 +74,8 @@ namespace raw {
 [[nodiscard]] VORN_MERO_EXPORT _nq_cl_platform_id* get_raw_platform_id(platform const& object) noexcept;
 
 /// The call handle of the object.
-[[nodiscard]] VORN_MERO_EXPORT nq::call_handle const& get_call_handle(platform const& object) noexcept;
+[[nodiscard]] VORN_MERO_EXPORT nq::call_handle const&
+get_call_handle(platform const& object VORN_MERO_LIFETIMEBOUND) noexcept;
 
 /// Does nothing: OpenCL does not count references to platforms.
 VORN_MERO_EXPORT void retain(platform const& object);

@@ -35,10 +35,11 @@ public:
 namespace raw {
 
 /// The raw handle, null if the object was moved from.
-[[nodiscard]] VORN_MERO_EXPORT _nq_cl_sampler* get_raw_sampler(sampler const& object) noexcept;
+[[nodiscard]] VORN_MERO_EXPORT _nq_cl_sampler* get_raw_sampler(sampler const& object VORN_MERO_LIFETIMEBOUND) noexcept;
 
 /// The call handle of the object.
-[[nodiscard]] VORN_MERO_EXPORT nq::call_handle const& get_call_handle(sampler const& object) noexcept;
+[[nodiscard]] VORN_MERO_EXPORT nq::call_handle const&
+get_call_handle(sampler const& object VORN_MERO_LIFETIMEBOUND) noexcept;
 
 /// Adds a reference that the caller must release.
 VORN_MERO_EXPORT void retain(sampler const& object);

@@ -26,7 +26,7 @@ public:
     /// `callback` gets the queue, the number of pointers, the pointers, and `user_data`, which must stay valid until
     /// then.
     svm_free(std::vector<void*> const& pointers, void (*callback)(_nq_cl_command_queue*, std::uint32_t, void**, void*),
-             void* user_data);
+             void* user_data VORN_MERO_LIFETIMEBOUND);
     void call(nq::call_handle const& handle, _nq_cl_command_queue* queue, unsigned int num_events_in_wait_list,
               _nq_cl_event* const* event_wait_list, _nq_cl_event** event) const override;
 
@@ -41,7 +41,8 @@ class VORN_MERO_EXPORT svm_memcpy : public command {
 public:
     /// `size` is in bytes. `blocking` is 1 or 0, passed on unchanged. Enqueueing throws `common::mem_copy_overlap` if
     /// the regions overlap.
-    svm_memcpy(std::uint32_t blocking, void* destination, void const* source, std::size_t size)
+    svm_memcpy(std::uint32_t blocking, void* destination VORN_MERO_LIFETIMEBOUND,
+               void const* source VORN_MERO_LIFETIMEBOUND, std::size_t size)
         : blocking_(blocking), destination_(destination), source_(source), size_(size) {}
     void call(nq::call_handle const& handle, _nq_cl_command_queue* queue, unsigned int num_events_in_wait_list,
               _nq_cl_event* const* event_wait_list, _nq_cl_event** event) const override;
@@ -59,7 +60,8 @@ class VORN_MERO_EXPORT fill_svm_base : public command {
 public:
     /// `pattern_size` is a power of two from 1 to 128 bytes; the address `destination` is a multiple of it. `count` is
     /// in patterns, not bytes.
-    fill_svm_base(void* destination, void const* pattern, std::size_t pattern_size, std::size_t count)
+    fill_svm_base(void* destination VORN_MERO_LIFETIMEBOUND, void const* pattern VORN_MERO_LIFETIMEBOUND,
+                  std::size_t pattern_size, std::size_t count)
         : destination_(destination), pattern_(pattern), pattern_size_(pattern_size), count_(count) {}
 
     /// Sets the address of the pattern for later enqueueings. Must not run while another thread enqueues this object.
@@ -84,7 +86,7 @@ private:
 class VORN_MERO_EXPORT svm_map : public command {
 public:
     /// Maps `size` bytes at `pointer`. Unless `blocking`, the host may use them when the event is complete.
-    svm_map(bool blocking, map_flags flags, void* pointer, std::size_t size)
+    svm_map(bool blocking, map_flags flags, void* pointer VORN_MERO_LIFETIMEBOUND, std::size_t size)
         : blocking_(blocking), flags_(flags), pointer_(pointer), size_(size) {}
     void call(nq::call_handle const& handle, _nq_cl_command_queue* queue, unsigned int num_events_in_wait_list,
               _nq_cl_event* const* event_wait_list, _nq_cl_event** event) const override;
@@ -100,7 +102,7 @@ private:
 class VORN_MERO_EXPORT svm_unmap : public command {
 public:
     /// `pointer` is that given to `svm_map`.
-    explicit svm_unmap(void* pointer) : pointer_(pointer) {}
+    explicit svm_unmap(void* pointer VORN_MERO_LIFETIMEBOUND) : pointer_(pointer) {}
     void call(nq::call_handle const& handle, _nq_cl_command_queue* queue, unsigned int num_events_in_wait_list,
               _nq_cl_event* const* event_wait_list, _nq_cl_event** event) const override;
 
@@ -114,7 +116,7 @@ template <class T>
 class fill_svm : public mero::internal::kept_pattern<fill_svm_base, T, &fill_svm_base::update_pattern_pointer> {
 public:
     /// `destination` is aligned to `sizeof(T)` bytes; `count` is in elements.
-    fill_svm(void* destination, T const& pattern, std::size_t count)
+    fill_svm(void* destination VORN_MERO_LIFETIMEBOUND, T const& pattern, std::size_t count)
         : fill_svm::kept_pattern(pattern, destination, nullptr, sizeof(T), count) {}
 };
 #endif
