@@ -49,6 +49,7 @@ struct embedded {
     std::string_view source;                  ///< OpenCL C.
     embedded_list<embedded_kernel> kernels{}; ///< In the order of the source; none if they are not known.
     embedded_list<unsigned char> il{};        ///< The same program in SPIR-V; none if there is only source.
+    std::string_view options{};               ///< What it must be built with, beside those of the caller.
 
     /// The kernel of this name, null if there is none: `static_assert(blur.find("blur")->arguments == 4)`.
     [[nodiscard]] constexpr embedded_kernel const* find(std::string_view wanted) const noexcept {
