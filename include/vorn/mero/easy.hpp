@@ -22,6 +22,7 @@
 #include <vorn/mero/easy/error.hpp>
 #include <vorn/mero/easy/event.hpp>
 #include <vorn/mero/easy/kernel.hpp>
+#include <vorn/mero/easy/order.hpp>
 #include <vorn/mero/easy/program.hpp>
 #include <vorn/mero/easy/range.hpp>
 #include <vorn/mero/easy/session.hpp>

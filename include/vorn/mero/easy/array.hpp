@@ -63,6 +63,12 @@ public:
     /// The number of elements.
     [[nodiscard]] std::size_t size() const noexcept { return size_; }
 
+    /// The same elements, by way of another session's queue; of the same context.
+    template <class Session>
+    [[nodiscard]] basic_array on(Session const& other) const {
+        return {other.state(), exact_, size_};
+    }
+
     /// A copy of all elements.
     [[nodiscard]] std::vector<T> read() const {
         std::vector<T> values(size_);

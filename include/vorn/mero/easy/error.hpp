@@ -100,4 +100,10 @@ public:
     using error::error;
 };
 
+/// Events are used in an order that cannot work.
+class order_error : public error {
+public:
+    using error::error;
+};
+
 } // namespace vorn::mero::easy

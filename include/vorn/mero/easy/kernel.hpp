@@ -85,7 +85,7 @@ public:
     /// The same, to start when the listed commands have ended.
     template <std::size_t Count, class... Arguments>
     event_type operator()(range const& over, wait_list<Version, Count> const& list, Arguments const&... arguments) {
-        return enqueue(over, static_cast<unsigned>(Count), list.raws().data(), arguments...);
+        return enqueue(over, list.size(), list.data(), arguments...);
     }
 
     /// Sets the arguments without a launch.

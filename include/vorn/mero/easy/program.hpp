@@ -44,6 +44,12 @@ public:
     /// The same of an object that does not change.
     [[nodiscard]] exact_type const& exact() const noexcept { return exact_; }
 
+    /// The same program, whose kernels use the queue of another session of its device and context.
+    template <class Session>
+    [[nodiscard]] basic_program on(Session const& other) const {
+        return {other.state(), exact_};
+    }
+
     /// The kernel of this name, without arguments. Throws `no_kernel` when the program has none of it.
     [[nodiscard]] basic_kernel<Version> operator[](std::string const& name) const {
         try {

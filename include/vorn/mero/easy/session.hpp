@@ -48,7 +48,8 @@ public:
 
     /// On a queue that there is.
     basic_session(device_type device, context_type context, queue_type queue)
-        : state_(std::make_shared<state>(state{std::move(device), std::move(context), std::move(queue)})) {}
+        : state_(std::make_shared<detail::session_state<Version>>(
+              detail::session_state<Version>{std::move(device), std::move(context), std::move(queue)})) {}
 
     /// The device of the exact interface.
     [[nodiscard]] device_type& device() const noexcept { return state_->device; }
@@ -84,8 +85,28 @@ public:
     /// Blocks until everything enqueued so far has ended.
     void finish() const { queue().finish(); }
 
+    /// Has everything enqueued so far run, without waiting: before another queue waits for it, and before polling.
+    void flush() const { queue().flush(); }
+
+    /// A session on a further queue of the same device and context, in order and with profiling. Arrays and programs of
+    /// this session are used there by their member `on`. Flush a queue that another one's commands wait for.
+    [[nodiscard]] basic_session another_queue() const { return {device(), context()}; }
+
+    /// The same with a queue that runs commands in any order, but for what they wait for: give each a list of `after`.
+    /// Throws `unsupported` if the device has no such queue.
+    [[nodiscard]] basic_session out_of_order() const {
+        try {
+            return {device(), context(), exact_api::create_queue(context(), device(), true, true)};
+        } catch (common::invalid_queue_properties const&) {
+            throw unsupported(detail::joined({device().name(), " has no out-of-order queues: use several queues of "
+                                                               "`another_queue`, or choose a device that has them"}));
+        }
+    }
+
+    /// What the session shares with its objects; for other headers of this layer.
+    [[nodiscard]] std::shared_ptr<detail::session_state<Version>> const& state() const noexcept { return state_; }
+
 private:
-    using state = detail::session_state<Version>;
     using flags = typename exact_api::mem_flags;
 
     template <class T>
@@ -94,7 +115,7 @@ private:
         return {state_, context().create_buffer(how, bytes, values), count};
     }
 
-    std::shared_ptr<state> state_;
+    std::shared_ptr<detail::session_state<Version>> state_;
 };
 
 /// `basic_session` of the default version.
