@@ -1,0 +1,2 @@
+#pragma once
+typedef float element;
