@@ -15,6 +15,9 @@ public:
     template <std::size_t Count>
     constexpr embedded_list(T const (&values)[Count]) noexcept : data_(values), size_(Count) {}
 
+    /// Of `size` elements, which must live as long as this.
+    constexpr embedded_list(T const* data, std::size_t size) noexcept : data_(data), size_(size) {}
+
     /// The first element; null for an empty list.
     [[nodiscard]] constexpr T const* data() const noexcept { return data_; }
     /// The number of elements.
@@ -33,8 +36,8 @@ private:
 
 /// A kernel of an embedded program.
 struct embedded_kernel {
-    std::string_view name;
-    unsigned arguments; ///< How many it takes.
+    std::string_view name; ///< In the source.
+    unsigned arguments;    ///< How many it takes.
 };
 
 /// A program as constant data of the host program: its source, and what is known of it beforehand. Plain data without

@@ -5,6 +5,7 @@
 #include <string>
 #include <string_view>
 #include <utility>
+#include <vector>
 
 namespace vorn::mero::easy {
 
@@ -33,29 +34,49 @@ public:
     using error::error;
 };
 
-/// A program does not build. The message contains the device, the options and the log.
+/// A program does not build. The message contains the devices, the options and what the compiler said for each.
 class build_failure : public error {
 public:
+    /// What the compiler said for a device.
+    struct report {
+        std::string device; ///< Its name.
+        std::string log;    ///< Empty when the compiler said nothing.
+    };
+
     /// `log` is the compiler's own text.
     build_failure(std::string device, std::string options, std::string log)
-        : error(detail::joined({"The program does not build for ", device, options.empty() ? "" : " with '", options,
-                                options.empty() ? "" : "'", ":\n",
-                                log.empty() ? std::string_view("(the compiler gave no reason)") : log})),
-          device_(std::move(device)), options_(std::move(options)), log_(std::move(log)) {}
+        : build_failure("The program", {{std::move(device), std::move(log)}}, std::move(options)) {}
 
-    /// The name of the device.
-    std::string const& device() const noexcept { return device_; }
+    /// Of a program that has a name, for one device or several.
+    build_failure(std::string const& program, std::vector<report> reports, std::string options)
+        : error(text(program, reports, options)), options_(std::move(options)), reports_(std::move(reports)) {}
+
+    /// The name of the first device that it does not build for.
+    std::string const& device() const noexcept { return reports_.front().device; }
 
     /// The options of the build.
     std::string const& options() const noexcept { return options_; }
 
-    /// What the compiler said; empty when it said nothing.
-    std::string const& log() const noexcept { return log_; }
+    /// What the compiler said for the first device; empty when it said nothing.
+    std::string const& log() const noexcept { return reports_.front().log; }
+
+    /// The devices that it does not build for, at least one.
+    std::vector<report> const& reports() const noexcept { return reports_; }
 
 private:
-    std::string device_;
+    static std::string text(std::string const& program, std::vector<report> const& reports,
+                            std::string const& options) {
+        std::string all;
+        for (report const& each : reports) {
+            all += detail::joined({all.empty() ? "" : "\n", program, " does not build for ", each.device,
+                                   options.empty() ? "" : " with '", options, options.empty() ? "" : "'", ":\n",
+                                   each.log.empty() ? std::string_view("(the compiler gave no reason)") : each.log});
+        }
+        return all;
+    }
+
     std::string options_;
-    std::string log_;
+    std::vector<report> reports_;
 };
 
 /// The device, or its implementation, lacks what the program asks for. The message says what to use instead.

@@ -1,29 +1,84 @@
 #pragma once
 
 #include <vorn/mero/easy/kernel.hpp>
+#include <vorn/mero/easy/options.hpp>
 
+#include <exception>
 #include <memory>
 #include <string>
+#include <string_view>
 #include <utility>
+#include <vector>
 
 namespace vorn::mero::easy {
 
-/// Builds a program of the exact interface for a device. Throws `build_failure` with the log when it does not build.
-/// The options are OpenCL's.
+namespace detail {
+
+/// What the compiler said where a build or a compilation of a program failed, one for each such device; `otherwise`
+/// where it said nothing.
+template <int Version>
+std::vector<build_failure::report> reports_of(typename api<Version>::program const& made,
+                                              std::vector<typename api<Version>::device> const& devices,
+                                              std::string const& otherwise = {}) {
+    std::vector<build_failure::report> reports;
+    for (auto const& each : devices) {
+        if (made.build_status(each) != api<Version>::program_build_status::success) {
+            std::string log = made.build_log(each);
+            reports.push_back({each.name(), log.empty() ? otherwise : std::move(log)});
+        }
+    }
+    return reports;
+}
+
+/// Performs `action`, which builds or compiles a program. Throws `build_failure` when it does not, with OpenCL's own
+/// exception nested if there is one.
+template <int Version, class Action>
+void build_by(Action const& action, typename api<Version>::program const& made,
+              std::vector<typename api<Version>::device> const& devices, std::string const& options,
+              std::string const& name) {
+    std::vector<build_failure::report> reports;
+    try {
+        action();
+        reports = reports_of<Version>(made, devices);
+    } catch (common::opencl_error const& refused) {
+        std::string const reason = refused.what(); // options that OpenCL does not know, a binary of another device
+        try {
+            reports = reports_of<Version>(made, devices, reason);
+        } catch (common::opencl_error const&) { // then what it said first
+        }
+        if (reports.empty()) {
+            reports.push_back({devices.front().name(), reason});
+        }
+        std::throw_with_nested(build_failure(name, std::move(reports), options));
+    }
+    if (!reports.empty()) {
+        throw build_failure(name, std::move(reports), options);
+    }
+}
+
+} // namespace detail
+
+/// Builds a program of the exact interface for devices of its context, at least one. Throws `build_failure` with the
+/// log of each device that it does not build for; `name` is for the message.
+template <int Version>
+void build(typename api<Version>::program& program, std::vector<typename api<Version>::device> const& devices,
+           build_options const& options = {}, std::string const& name = "The program") {
+    detail::build_by<Version>([&] { program.build(devices, options.text(), nullptr, nullptr); }, program, devices,
+                              options.text(), name);
+}
+
+/// The same for one device.
 template <int Version>
 void build(typename api<Version>::program& program, typename api<Version>::device const& device,
-           std::string const& options = {}) {
-    program.build({device}, options, nullptr, nullptr);
-    if (program.build_status(device) != api<Version>::program_build_status::success) {
-        throw build_failure(device.name(), options, program.build_log(device));
-    }
+           build_options const& options = {}) {
+    build<Version>(program, std::vector<typename api<Version>::device>{device}, options);
 }
 
 /// A program of the exact interface from source, built for a device. Throws `build_failure` as above.
 template <int Version>
 [[nodiscard]] typename api<Version>::program build(typename api<Version>::context& context,
                                                    typename api<Version>::device const& device,
-                                                   std::string const& source, std::string const& options = {}) {
+                                                   std::string const& source, build_options const& options = {}) {
     auto made = context.create_program_from_source(source);
     build<Version>(made, device, options);
     return made;
@@ -57,6 +112,16 @@ public:
         } catch (common::invalid_kernel_name const&) {
             throw no_kernel(detail::joined({"The program has no kernel '", name, "'", names()}));
         }
+    }
+
+    /// The binary for the session's device, for `session::build_binary` on the same device with the same driver.
+    [[nodiscard]] std::vector<unsigned char> binary() const {
+        for (auto& each : exact_.binaries()) {
+            if (each.device == session_->device) {
+                return std::move(each.binary);
+            }
+        }
+        return {};
     }
 
 private:

@@ -1,7 +1,8 @@
 #pragma once
 
+#include <vorn/mero/easy/array.hpp>
+#include <vorn/mero/easy/builder.hpp>
 #include <vorn/mero/easy/device.hpp>
-#include <vorn/mero/easy/program.hpp>
 
 #include <memory>
 #include <string>
@@ -17,10 +18,11 @@ namespace vorn::mero::easy {
 ///     ez::session simulator("oclgrind");
 ///     ez::session wide([](auto const& device) { return device.max_compute_units() >= 16; });
 ///
-/// Throws `no_device` when there is none as asked for. A copy names the same device, context and queue; what a session
-/// made keeps them alive. Threads may share a session as far as the OpenCL implementation lets them share a queue.
+/// Builds programs by the members of `basic_builder`. Throws `no_device` when there is none as asked for. A copy names
+/// the same device, context and queue; what a session made keeps them alive. Threads may share a session as far as the
+/// OpenCL implementation lets them share a queue.
 template <int Version>
-class basic_session {
+class basic_session : public basic_builder<Version> {
 public:
     using exact_api = api<Version>;
     using device_type = typename exact_api::device;
@@ -48,7 +50,7 @@ public:
 
     /// On a queue that there is.
     basic_session(device_type device, context_type context, queue_type queue)
-        : state_(std::make_shared<detail::session_state<Version>>(
+        : basic_builder<Version>(std::make_shared<detail::session_state<Version>>(
               detail::session_state<Version>{std::move(device), std::move(context), std::move(queue)})) {}
 
     /// The device of the exact interface.
@@ -57,16 +59,6 @@ public:
     [[nodiscard]] context_type& context() const noexcept { return state_->context; }
     /// The queue of the exact interface, in order and with profiling.
     [[nodiscard]] queue_type& queue() const noexcept { return state_->queue; }
-
-    /// A program from source, built for the device. Adds the option `-cl-kernel-arg-info`, so that arguments can be
-    /// checked. Throws `build_failure` with the log when it does not build.
-    [[nodiscard]] basic_program<Version> build(std::string const& source, std::string const& options = {}) const {
-        auto made = easy::build<Version>(context(), device(), source,
-                                         Version < 120     ? options
-                                         : options.empty() ? "-cl-kernel-arg-info"
-                                                           : options + " -cl-kernel-arg-info");
-        return basic_program<Version>(state_, std::move(made));
-    }
 
     /// `count` elements that nothing has been written to. `count` may be 0.
     template <class T>
@@ -115,7 +107,7 @@ private:
         return {state_, context().create_buffer(how, bytes, values), count};
     }
 
-    std::shared_ptr<detail::session_state<Version>> state_;
+    using basic_builder<Version>::state_;
 };
 
 /// `basic_session` of the default version.
