@@ -26,4 +26,5 @@
 #include <vorn/mero/easy/program.hpp>
 #include <vorn/mero/easy/range.hpp>
 #include <vorn/mero/easy/session.hpp>
+#include <vorn/mero/easy/transfer.hpp>
 #include <vorn/mero/easy/versions.hpp>

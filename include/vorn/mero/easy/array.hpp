@@ -2,11 +2,13 @@
 
 #include <vorn/mero/easy/argument.hpp>
 #include <vorn/mero/easy/error.hpp>
-#include <vorn/mero/easy/event.hpp>
+#include <vorn/mero/easy/transfer.hpp>
 
+#include <cstddef>
 #include <memory>
 #include <string>
 #include <type_traits>
+#include <utility>
 #include <vector>
 #if __cplusplus >= 202002L
 #include <span>
@@ -15,14 +17,6 @@
 namespace vorn::mero::easy {
 
 namespace detail {
-
-/// What the objects of a session share.
-template <int Version>
-struct session_state {
-    typename api<Version>::device device;
-    typename api<Version>::context context;
-    typename api<Version>::host_queue queue;
-};
 
 inline void check_bounds(std::size_t offset, std::size_t count, std::size_t size) {
     if (offset > size || count > size - offset) {
@@ -33,16 +27,16 @@ inline void check_bounds(std::size_t offset, std::size_t count, std::size_t size
 
 } // namespace detail
 
-template <class T, int Version>
-class mapped_array;
-
 /// `size()` elements in a buffer, made by a session. A copy names the same memory. Offsets and counts are in elements.
 ///
 ///     auto numbers = gpu.array(std::vector<int>{1, 2, 3});
 ///     numbers.write({7, 8}, 1);                  // 1 7 8
 ///     std::vector<int> const all = numbers.read();
+///     auto last = numbers.part(2, 1);            // the same memory as the last element
 ///
-/// Every transfer blocks, on the queue of the session. Throws `bounds_error` for a region that leaves the array.
+/// `read`, `write` and the `map` functions block; the rest returns an event. All use the queue of the session. Each
+/// takes a list of `after` as its last argument, for commands of other queues. Throws `bounds_error` for a region that
+/// leaves the array.
 template <class T, int Version>
 class basic_array {
     static_assert(std::is_trivially_copyable<T>::value, "OpenCL copies the elements byte by byte");
@@ -50,10 +44,13 @@ class basic_array {
 public:
     using value_type = T;
     using exact_type = typename api<Version>::buffer;
+    using event_type = basic_event<Version>;
+    using transfer_type = basic_transfer<Version>;
+    using waits_type = waits<Version>;
 
     /// Of a session's device; `exact` must have room for `size` elements.
-    basic_array(std::shared_ptr<detail::session_state<Version>> session, exact_type exact, std::size_t size) noexcept
-        : session_(std::move(session)), exact_(std::move(exact)), size_(size) {}
+    basic_array(std::shared_ptr<detail::session_state<Version>> state, exact_type exact, std::size_t size) noexcept
+        : state_(std::move(state)), exact_(std::move(exact)), size_(size) {}
 
     /// The buffer of the exact interface.
     [[nodiscard]] exact_type& exact() noexcept { return exact_; }
@@ -66,124 +63,242 @@ public:
     /// The same elements, by way of another session's queue; of the same context.
     template <class Session>
     [[nodiscard]] basic_array on(Session const& other) const {
-        return {other.state(), exact_, size_};
+        basic_array made(other.state(), exact_, size_);
+        made.is_part_ = is_part_;
+        return made;
     }
 
+    /// `count` elements from `offset` on as an array by itself, in the same memory, which it keeps alive. Throws
+    /// `bounds_error` where the device cannot begin a part at `offset`. Since OpenCL 1.1.
+    [[nodiscard]] basic_array part(std::size_t offset, std::size_t count);
+
     /// A copy of all elements.
-    [[nodiscard]] std::vector<T> read() const {
+    [[nodiscard]] std::vector<T> read(waits_type const& earlier = {}) const {
         std::vector<T> values(size_);
-        read(values.data(), size_);
+        read(values.data(), size_, 0, earlier);
         return values;
     }
 
     /// Copies `count` elements from `offset` on to the host.
-    void read(T* destination, std::size_t count, std::size_t offset = 0) const {
+    void read(T* destination, std::size_t count, std::size_t offset = 0, waits_type const& earlier = {}) const {
         detail::check_bounds(offset, count, size_);
-        if (count != 0) {
-            session_->queue.enqueue_command_without_event(
+        if (earlier.size() != 0) { // some block for ever on an event that fails
+            enqueue_read(destination, count, offset, earlier).wait();
+        } else if (count != 0) {
+            state_->queue.enqueue_command_without_event(
                 typename api<Version>::read_buffer(exact_, true, offset * sizeof(T), count * sizeof(T), destination));
         }
     }
 
     /// Copies `count` elements of the host to `offset` and behind.
-    void write(T const* source, std::size_t count, std::size_t offset = 0) {
+    void write(T const* source, std::size_t count, std::size_t offset = 0, waits_type const& earlier = {}) {
         detail::check_bounds(offset, count, size_);
-        if (count != 0) {
-            session_->queue.enqueue_command_without_event(
+        if (earlier.size() != 0) {
+            enqueue_write(source, count, offset, earlier).wait();
+        } else if (count != 0) {
+            state_->queue.enqueue_command_without_event(
                 typename api<Version>::write_buffer(exact_, true, offset * sizeof(T), count * sizeof(T), source));
         }
     }
 
     /// Copies the elements of a list to `offset` and behind.
-    void write(std::vector<T> const& values, std::size_t offset = 0) { write(values.data(), values.size(), offset); }
+    void write(std::vector<T> const& values, std::size_t offset = 0, waits_type const& earlier = {}) {
+        write(values.data(), values.size(), offset, earlier);
+    }
+
+    /// Reads all elements into memory of the result's own, without blocking.
+    basic_reading<T, Version> read_async(waits_type const& earlier = {}) const {
+        return basic_reading<T, Version>(size_,
+                                         [&](T* destination) { return enqueue_read(destination, size_, 0, earlier); });
+    }
+
+    /// Reads `count` elements from `offset` on into the program's memory. Does not block; the result's destructor does.
+    transfer_type read_async(T* destination, std::size_t count, std::size_t offset = 0,
+                             waits_type const& earlier = {}) const {
+        detail::check_bounds(offset, count, size_);
+        return transfer_type(enqueue_read(destination, count, offset, earlier));
+    }
+
+    /// Writes the elements of a list that the session keeps until they are written. Does not block. The memory goes
+    /// with a later asynchronous write, `session::finish` or the session.
+    event_type write_async(std::vector<T>&& values, std::size_t offset = 0, waits_type const& earlier = {}) {
+        detail::check_bounds(offset, values.size(), size_);
+        auto const kept = std::make_shared<std::vector<T>>(std::move(values));
+        auto written = enqueue_write(kept->data(), kept->size(), offset, earlier);
+        try {
+            state_->keep(written, kept);
+        } catch (...) { // no memory to note it
+            written.wait();
+            throw;
+        }
+        return written;
+    }
+
+    /// Writes `count` elements of the program's memory. Does not block; the result's destructor does.
+    transfer_type write_async(T const* source, std::size_t count, std::size_t offset = 0,
+                              waits_type const& earlier = {}) {
+        detail::check_bounds(offset, count, size_);
+        return transfer_type(enqueue_write(source, count, offset, earlier));
+    }
+
+    /// Writes the elements of a list that outlives the result. Does not block; the result's destructor does.
+    transfer_type write_async(std::vector<T> const& values, std::size_t offset = 0, waits_type const& earlier = {}) {
+        return write_async(values.data(), values.size(), offset, earlier);
+    }
 
 #if __cplusplus >= 202002L
     /// Copies as many elements to the host as the span has.
-    void read(std::span<T> destination, std::size_t offset = 0) const {
-        read(destination.data(), destination.size(), offset);
+    void read(std::span<T> destination, std::size_t offset = 0, waits_type const& earlier = {}) const {
+        read(destination.data(), destination.size(), offset, earlier);
     }
 
     /// Copies the elements of the span to `offset` and behind.
-    void write(std::span<T const> source, std::size_t offset = 0) { write(source.data(), source.size(), offset); }
+    void write(std::span<T const> source, std::size_t offset = 0, waits_type const& earlier = {}) {
+        write(source.data(), source.size(), offset, earlier);
+    }
+
+    /// The same without blocking; the result's destructor does.
+    transfer_type read_async(std::span<T> destination, std::size_t offset = 0, waits_type const& earlier = {}) const {
+        return read_async(destination.data(), destination.size(), offset, earlier);
+    }
+
+    /// The same without blocking; the result's destructor does.
+    transfer_type write_async(std::span<T const> source, std::size_t offset = 0, waits_type const& earlier = {}) {
+        return write_async(source.data(), source.size(), offset, earlier);
+    }
 #endif
 
     /// Sets every element. Does not block.
-    basic_event<Version> fill(T const& value) {
+    event_type fill(T const& value, waits_type const& earlier = {}) { return fill(value, 0, size_, earlier); }
+
+    /// Sets `count` elements from `offset` on. Does not block.
+    event_type fill(T const& value, std::size_t offset, std::size_t count, waits_type const& earlier = {}) {
         static_assert(Version >= 120, "OpenCL fills since 1.2; write a vector instead");
         static_assert(sizeof(T) <= 128 && (sizeof(T) & (sizeof(T) - 1)) == 0,
                       "OpenCL fills with patterns of 1, 2, 4, ... 128 bytes");
+        detail::check_bounds(offset, count, size_);
         using fill_buffer = typename api<Version>::template fill_buffer<T>;
-        return basic_event<Version>(session_->queue.enqueue_command(fill_buffer(exact_, value, 0, size_)));
+        return count == 0 ? state_->enqueue_nothing(earlier)
+                          : state_->enqueue(fill_buffer(exact_, value, offset * sizeof(T), count), earlier);
     }
 
     /// Copies all elements to the front of another array, on the device. Does not block.
-    basic_event<Version> copy_to(basic_array& destination) const {
-        detail::check_bounds(0, size_, destination.size());
-        return basic_event<Version>(session_->queue.enqueue_command(
-            typename api<Version>::copy_buffer(exact_, destination.exact(), 0, 0, size_ * sizeof(T))));
+    event_type copy_to(basic_array& destination, waits_type const& earlier = {}) const {
+        return copy_to(destination, 0, 0, size_, earlier);
+    }
+
+    /// Copies `count` elements from `from` on to another array, there from `to` on. Does not block.
+    event_type copy_to(basic_array& destination, std::size_t from, std::size_t to, std::size_t count,
+                       waits_type const& earlier = {}) const {
+        detail::check_bounds(from, count, size_);
+        detail::check_bounds(to, count, destination.size_);
+        using copy_buffer = typename api<Version>::copy_buffer;
+        return count == 0 ? state_->enqueue_nothing(earlier)
+                          : state_->enqueue(copy_buffer(exact_, destination.exact_, from * sizeof(T), to * sizeof(T),
+                                                        count * sizeof(T)),
+                                            earlier);
     }
 
     /// Gives the host the elements in place, for reading and writing, until the result is destroyed; kernels must not
     /// use the array meanwhile. Blocks until the elements are there.
-    [[nodiscard]] mapped_array<T, Version> map() { return mapped_array<T, Version>(*this, session_); }
-
-private:
-    std::shared_ptr<detail::session_state<Version>> session_;
-    exact_type exact_;
-    std::size_t size_;
-};
-
-/// The elements of an array in the host's reach, a range for loops. The destructor gives them back to the device; it
-/// drops a failure, which later commands on the array then meet.
-template <class T, int Version>
-class mapped_array {
-public:
-    /// Blocks until the elements are there; `basic_array::map` calls it.
-    mapped_array(basic_array<T, Version>& array, std::shared_ptr<detail::session_state<Version>> session)
-        : session_(std::move(session)), exact_(array.exact()), size_(array.size()) {
-        using flags = typename api<Version>::map_flags;
-        void* mapped = nullptr;
-        session_->queue.enqueue_command_without_event(
-            typename api<Version>::map_buffer(mapped, exact_, true, flags::read | flags::write, 0, size_ * sizeof(T)));
-        elements_ = static_cast<T*>(mapped);
+    mapped_array<T, Version> map(waits_type const& earlier = {}) { return map(0, size_, earlier); }
+    /// The same of `count` elements from `offset` on.
+    mapped_array<T, Version> map(std::size_t offset, std::size_t count, waits_type const& earlier = {}) {
+        return map_as<T>(flags::read | flags::write, offset, count, earlier);
     }
 
-    mapped_array(mapped_array&& other) noexcept
-        : session_(std::move(other.session_)), exact_(std::move(other.exact_)), size_(std::exchange(other.size_, 0)),
-          elements_(std::exchange(other.elements_, nullptr)) {}
+    /// The same for reading only; kernels may read the array meanwhile.
+    mapped_array<T const, Version> map_read(waits_type const& earlier = {}) const {
+        return map_read(0, size_, earlier);
+    }
+    /// The same of `count` elements from `offset` on.
+    mapped_array<T const, Version> map_read(std::size_t offset, std::size_t count,
+                                            waits_type const& earlier = {}) const {
+        return map_as<T const>(flags::read, offset, count, earlier);
+    }
 
-    mapped_array(mapped_array const&) = delete;
-    mapped_array& operator=(mapped_array const&) = delete;
-    mapped_array& operator=(mapped_array&&) = delete;
-
-    ~mapped_array() {
-        if (elements_ != nullptr) {
-            try {
-                session_->queue.enqueue_command_without_event(
-                    typename api<Version>::unmap_mem_object(exact_, elements_));
-            } catch (std::exception const&) { // nothing can be done about it here
-            }
+    /// The same for writing all of the elements: what was there may be gone. Spares copying it to the host, since
+    /// OpenCL 1.2.
+    mapped_array<T, Version> map_write(waits_type const& earlier = {}) { return map_write(0, size_, earlier); }
+    /// The same of `count` elements from `offset` on.
+    mapped_array<T, Version> map_write(std::size_t offset, std::size_t count, waits_type const& earlier = {}) {
+        if constexpr (Version >= 120) {
+            return map_as<T>(flags::write_invalidate_region, offset, count, earlier);
+        } else {
+            return map_as<T>(flags::write, offset, count, earlier);
         }
     }
 
-    /// The first element.
-    [[nodiscard]] T* begin() const noexcept { return elements_; }
-    /// Behind the last element.
-    [[nodiscard]] T* end() const noexcept { return elements_ + size_; }
-    /// The first element.
-    [[nodiscard]] T* data() const noexcept { return elements_; }
-    /// The number of elements.
-    [[nodiscard]] std::size_t size() const noexcept { return size_; }
-
-    /// The element; `index` must be less than `size()`.
-    [[nodiscard]] T& operator[](std::size_t index) const noexcept { return elements_[index]; }
-
 private:
-    std::shared_ptr<detail::session_state<Version>> session_;
-    typename api<Version>::buffer exact_;
+    using flags = typename api<Version>::map_flags;
+
+    event_type enqueue_read(T* destination, std::size_t count, std::size_t offset, waits_type const& earlier) const {
+        using read_buffer = typename api<Version>::read_buffer;
+        return count == 0
+                   ? state_->enqueue_nothing(earlier)
+                   : state_->enqueue(read_buffer(exact_, false, offset * sizeof(T), count * sizeof(T), destination),
+                                     earlier);
+    }
+
+    event_type enqueue_write(T const* source, std::size_t count, std::size_t offset, waits_type const& earlier) {
+        using write_buffer = typename api<Version>::write_buffer;
+        return count == 0 ? state_->enqueue_nothing(earlier)
+                          : state_->enqueue(write_buffer(exact_, false, offset * sizeof(T), count * sizeof(T), source),
+                                            earlier);
+    }
+
+    template <class Element>
+    mapped_array<Element, Version> map_as(flags how, std::size_t offset, std::size_t count,
+                                          waits_type const& earlier) const {
+        detail::check_bounds(offset, count, size_);
+        return {state_, exact_, how, offset, count, earlier};
+    }
+
+    [[noreturn, gnu::cold, gnu::noinline]] void refuse_offset(std::size_t offset) const {
+        std::size_t const step = state_->device.mem_base_addr_align() / 8;
+        std::size_t elements = 1;
+        while (elements * sizeof(T) % step != 0) {
+            ++elements;
+        }
+        throw bounds_error(
+            detail::joined({"a part cannot begin at element ", std::to_string(offset), ": ", state_->device.name(),
+                            " begins them at multiples of ", std::to_string(elements), " elements of ",
+                            std::to_string(sizeof(T)), " bytes; a kernel can take the offset as an argument instead"}));
+    }
+
+    std::shared_ptr<detail::session_state<Version>> state_;
+    exact_type exact_;
     std::size_t size_;
-    T* elements_ = nullptr;
+    bool is_part_ = false;
 };
+
+template <class T, int Version>
+basic_array<T, Version> basic_array<T, Version>::part(std::size_t offset, std::size_t count) {
+    static_assert(Version >= 110, "OpenCL has parts of buffers since 1.1");
+    detail::check_bounds(offset, count, size_);
+    if (count == 0) { // OpenCL has no empty ones
+        return {state_, exact_, 0};
+    }
+    using sub_buffer = typename api<Version>::sub_buffer;
+    using create_reference = typename api<Version>::create_reference;
+    auto const& handle = internal::owner_access::call_handle(exact_);
+    exact_type whole = exact_;
+    std::size_t begin = offset * sizeof(T);
+    if (is_part_) { // OpenCL has no parts of parts
+        sub_buffer self(handle, detail::raw_of(exact_), create_reference{});
+        begin += self.offset();
+        whole = self.parent_buffer();
+    }
+    try {
+        auto const made =
+            state_->context.create_sub_buffer(whole, typename api<Version>::mem_flags{}, begin, count * sizeof(T));
+        basic_array part(state_, exact_type(handle, detail::raw_of(made), create_reference{}), count);
+        part.is_part_ = true;
+        return part;
+    } catch (common::misaligned_sub_buffer_offset const&) {
+        refuse_offset(offset);
+    }
+}
 
 /// An array is memory to a kernel.
 template <class T, int Version>

@@ -50,8 +50,8 @@ public:
 
     /// On a queue that there is.
     basic_session(device_type device, context_type context, queue_type queue)
-        : basic_builder<Version>(std::make_shared<detail::session_state<Version>>(
-              detail::session_state<Version>{std::move(device), std::move(context), std::move(queue)})) {}
+        : basic_builder<Version>(std::make_shared<detail::session_state<Version>>(std::move(device), std::move(context),
+                                                                                  std::move(queue))) {}
 
     /// The device of the exact interface.
     [[nodiscard]] device_type& device() const noexcept { return state_->device; }
@@ -74,8 +74,23 @@ public:
                                               const_cast<T*>(values.data())); // OpenCL only reads it
     }
 
+    /// An array in the program's own memory, which must outlive it: devices that share the host's memory copy nothing.
+    /// The program may touch the elements only through `map` while the array lives.
+    template <class T>
+    [[nodiscard]] basic_array<T, Version> array_over(T* memory, std::size_t count) const {
+        return count == 0 ? array<T>(0) : make_array<T>(flags::read_write | flags::use_host_ptr, count, memory);
+    }
+    /// The same in the memory of a list that keeps its size.
+    template <class T>
+    [[nodiscard]] basic_array<T, Version> array_over(std::vector<T>& values) const {
+        return array_over(values.data(), values.size());
+    }
+
     /// Blocks until everything enqueued so far has ended.
-    void finish() const { queue().finish(); }
+    void finish() const {
+        queue().finish();
+        state_->forget();
+    }
 
     /// Has everything enqueued so far run, without waiting: before another queue waits for it, and before polling.
     void flush() const { queue().flush(); }

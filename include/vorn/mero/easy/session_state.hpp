@@ -1,0 +1,81 @@
+#pragma once
+
+// What a session shares with the arrays, programs and kernels that it made.
+
+#include <vorn/mero/easy/event.hpp>
+
+#include <deque>
+#include <exception>
+#include <memory>
+#include <mutex>
+#include <utility>
+
+namespace vorn::mero::easy::detail {
+
+/// A device, its context and queue, and the host memory that commands of the queue use.
+template <int Version>
+class session_state {
+public:
+    session_state(typename api<Version>::device its_device, typename api<Version>::context its_context,
+                  typename api<Version>::host_queue its_queue) noexcept
+        : device(std::move(its_device)), context(std::move(its_context)), queue(std::move(its_queue)) {}
+
+    session_state(session_state const&) = delete;
+    session_state& operator=(session_state const&) = delete;
+
+    /// Waits for the commands that use kept memory.
+    ~session_state() {
+        for (auto const& [command, memory] : kept_) {
+            try {
+                command.wait();
+            } catch (std::exception const&) { // it has ended, and its own event tells how
+            }
+        }
+    }
+
+    typename api<Version>::device device;
+    typename api<Version>::context context;
+    typename api<Version>::host_queue queue;
+
+    /// Enqueues a command after what it waits for.
+    basic_event<Version> enqueue(typename api<Version>::command const& command, waits<Version> const& earlier) {
+        return basic_event<Version>(earlier.size() == 0
+                                        ? queue.enqueue_command(command)
+                                        : queue.enqueue_command(command, earlier.size(), earlier.data()));
+    }
+
+    /// An event for a command that has nothing to do.
+    basic_event<Version> enqueue_nothing(waits<Version> const& earlier) {
+        if constexpr (Version >= 120) {
+            return basic_event<Version>(queue.enqueue_marker(earlier.size(), earlier.data()));
+        } else {
+            for (unsigned i = 0; i != earlier.size(); ++i) { // markers have no lists yet
+                typename api<Version>::event one(internal::owner_access::call_handle(queue), earlier.data()[i],
+                                                 typename api<Version>::create_reference{});
+                wait_for<Version>(one);
+            }
+            return basic_event<Version>(queue.enqueue_marker());
+        }
+    }
+
+    /// Keeps memory until the command has ended: it goes at the next `keep` or `forget` after that.
+    void keep(basic_event<Version> command, std::shared_ptr<void const> memory) {
+        forget();
+        std::lock_guard<std::mutex> const lock(guard_);
+        kept_.emplace_back(std::move(command), std::move(memory));
+    }
+
+    /// Lets memory go whose commands have ended, oldest first.
+    void forget() {
+        std::lock_guard<std::mutex> const lock(guard_);
+        while (!kept_.empty() && kept_.front().first.done()) {
+            kept_.pop_front();
+        }
+    }
+
+private:
+    std::mutex guard_;
+    std::deque<std::pair<basic_event<Version>, std::shared_ptr<void const>>> kept_;
+};
+
+} // namespace vorn::mero::easy::detail

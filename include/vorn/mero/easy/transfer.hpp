@@ -1,0 +1,151 @@
+#pragma once
+
+// Transfers that go on while the program does, and elements in the host's reach.
+
+#include <vorn/mero/easy/session_state.hpp>
+
+#include <cstddef>
+#include <exception>
+#include <memory>
+#include <optional>
+#include <type_traits>
+#include <utility>
+#include <vector>
+
+namespace vorn::mero::easy {
+
+/// A transfer from or to memory of the program, which must not go or change before the transfer has ended: the
+/// destructor waits for that. Declare what it uses before it. Move-only.
+///
+///     std::vector<float> values(n);
+///     auto const reading = a.read_async(values.data(), n);
+///     work_that_may_throw();
+///     reading.wait();
+template <int Version>
+class [[nodiscard]] basic_transfer {
+public:
+    /// Of a command that was enqueued.
+    explicit basic_transfer(basic_event<Version> command) : command_(std::move(command)) {}
+
+    basic_transfer(basic_transfer&& other) noexcept : command_(std::exchange(other.command_, std::nullopt)) {}
+    basic_transfer(basic_transfer const&) = delete;
+    basic_transfer& operator=(basic_transfer const&) = delete;
+    basic_transfer& operator=(basic_transfer&&) = delete;
+
+    ~basic_transfer() {
+        if (command_) {
+            try {
+                command_->wait();
+            } catch (std::exception const&) { // it has ended, and its event tells how
+            }
+        }
+    }
+
+    /// The event of the transfer, which does not keep the memory.
+    [[nodiscard]] basic_event<Version> const& event() const noexcept { return *command_; }
+
+    /// Blocks until the transfer has ended. Throws the exception of its status when it failed.
+    void wait() const { command_->wait(); }
+
+    /// Whether the transfer has ended, see `basic_event::done`.
+    [[nodiscard]] bool done() const { return command_->done(); }
+
+private:
+    std::optional<basic_event<Version>> command_;
+};
+
+/// Elements on their way to the host, in memory of their own. The destructor waits for the transfer. Move-only.
+///
+///     auto reading = c.read_async();
+///     other_work();
+///     std::vector<float> const result = reading.get();
+template <class T, int Version>
+class [[nodiscard]] basic_reading {
+public:
+    /// Has `start(destination)` enqueue the transfer of `count` elements.
+    template <class Start>
+    basic_reading(std::size_t count, Start start) : values_(count), transfer_(start(values_.data())) {}
+
+    /// The event of the transfer.
+    [[nodiscard]] basic_event<Version> const& event() const noexcept { return transfer_.event(); }
+
+    /// Whether the elements are there, see `basic_event::done`.
+    [[nodiscard]] bool done() const { return transfer_.done(); }
+
+    /// Blocks until the elements are there, and gives them away, once. Throws the exception of the transfer's status
+    /// when it failed.
+    [[nodiscard]] std::vector<T> get() {
+        transfer_.wait();
+        return std::move(values_);
+    }
+
+private:
+    std::vector<T> values_;
+    basic_transfer<Version> transfer_; // destroyed first
+};
+
+/// Elements of an array in the host's reach, a range for loops; `T` is const for those that are only read. The
+/// destructor gives them back to the device; it drops a failure, which later commands on the array then meet.
+template <class T, int Version>
+class [[nodiscard]] mapped_array {
+public:
+    using flags_type = typename api<Version>::map_flags;
+    using buffer_type = typename api<Version>::buffer;
+
+    /// Blocks until the elements are there; the `map` functions of an array call it. Offset and count are in elements.
+    mapped_array(std::shared_ptr<detail::session_state<Version>> state, buffer_type buffer, flags_type how,
+                 std::size_t offset, std::size_t count, waits<Version> const& earlier)
+        : state_(std::move(state)), buffer_(std::move(buffer)), size_(count) {
+        if (count == 0) {
+            return;
+        }
+        void* mapped = nullptr;
+        bool const blocking = earlier.size() == 0; // some block for ever on an event that fails
+        typename api<Version>::map_buffer const map(mapped, buffer_, blocking, how, offset * sizeof(T),
+                                                    count * sizeof(T));
+        if (blocking) {
+            state_->queue.enqueue_command_without_event(map);
+        } else {
+            state_->enqueue(map, earlier).wait();
+        }
+        elements_ = static_cast<T*>(mapped);
+    }
+
+    mapped_array(mapped_array&& other) noexcept
+        : state_(std::move(other.state_)), buffer_(std::move(other.buffer_)), size_(std::exchange(other.size_, 0)),
+          elements_(std::exchange(other.elements_, nullptr)) {}
+
+    mapped_array(mapped_array const&) = delete;
+    mapped_array& operator=(mapped_array const&) = delete;
+    mapped_array& operator=(mapped_array&&) = delete;
+
+    ~mapped_array() {
+        if (elements_ != nullptr) {
+            try {
+                state_->queue.enqueue_command_without_event(
+                    typename api<Version>::unmap_mem_object(buffer_, const_cast<std::remove_const_t<T>*>(elements_)));
+            } catch (std::exception const&) { // nothing can be done about it here
+            }
+        }
+    }
+
+    /// The first element.
+    [[nodiscard]] T* begin() const noexcept { return elements_; }
+    /// Behind the last element.
+    [[nodiscard]] T* end() const noexcept { return elements_ + size_; }
+    /// The first element.
+    [[nodiscard]] T* data() const noexcept { return elements_; }
+    /// The number of elements.
+    [[nodiscard]] std::size_t size() const noexcept { return size_; }
+
+    /// The element; `index` must be less than `size()`.
+    [[nodiscard]] T& operator[](std::size_t index) const noexcept { return elements_[index]; }
+
+private:
+    std::shared_ptr<detail::session_state<Version>> state_;
+    buffer_type buffer_;
+    std::size_t size_;
+    T* elements_ = nullptr;
+};
+
+} // namespace vorn::mero::easy
