@@ -18,10 +18,13 @@
 /// of `vorn::mero::common`, as in the exact interface.
 
 #include <vorn/mero/easy/array.hpp>
+#include <vorn/mero/easy/builder.hpp>
 #include <vorn/mero/easy/device.hpp>
 #include <vorn/mero/easy/error.hpp>
 #include <vorn/mero/easy/event.hpp>
 #include <vorn/mero/easy/kernel.hpp>
+#include <vorn/mero/easy/needs.hpp>
+#include <vorn/mero/easy/options.hpp>
 #include <vorn/mero/easy/order.hpp>
 #include <vorn/mero/easy/program.hpp>
 #include <vorn/mero/easy/range.hpp>

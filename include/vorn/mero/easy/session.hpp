@@ -16,6 +16,7 @@ namespace vorn::mero::easy {
 ///
 ///     ez::session gpu;                // the device that MERO_DEVICE means, else the first
 ///     ez::session simulator("oclgrind");
+///     ez::session exact(ez::needs::fp64 | ez::needs::images);
 ///     ez::session wide([](auto const& device) { return device.max_compute_units() >= 16; });
 ///
 /// Builds programs by the members of `basic_builder`. Throws `no_device` when there is none as asked for. A copy names
@@ -36,6 +37,12 @@ public:
     explicit basic_session(std::string const& text) : basic_session(find_device<Version>(text)) {}
     /// The same.
     explicit basic_session(char const* text) : basic_session(std::string(text)) {}
+
+    /// On the first device that MERO_DEVICE means and that has what is needed.
+    explicit basic_session(needs what) : basic_session(default_device<Version>(what)) {}
+
+    /// On the first device that the text means and that has what is needed.
+    basic_session(std::string const& text, needs what) : basic_session(find_device<Version>(text, what)) {}
 
     /// On a device of the exact interface.
     explicit basic_session(device_type device) : basic_session(device, exact_api::create_context(device)) {}

@@ -2,6 +2,7 @@
 
 #include <vorn/mero/opencl.hpp>
 
+#include <string>
 #include <type_traits>
 
 namespace vorn::mero::easy {
@@ -21,6 +22,11 @@ void call_if_built(Action& action) {
     if constexpr (is_built<Api>) {
         action(Api{});
     }
+}
+
+/// "1.2" of 120.
+inline std::string version_text(int version) {
+    return std::to_string(version / 100) + "." + std::to_string(version / 10 % 10);
 }
 
 } // namespace detail
