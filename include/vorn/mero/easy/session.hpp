@@ -12,6 +12,14 @@
 
 namespace vorn::mero::easy {
 
+namespace detail {
+
+/// Finds the functions of <vorn/mero/easy/borders.hpp> where that is included.
+template <int Version>
+struct adopted_as {};
+
+} // namespace detail
+
 /// A device, a context for it and a queue with profiling: what a program needs to begin.
 ///
 ///     ez::session gpu;                // the device that MERO_DEVICE means, else the first
@@ -59,6 +67,14 @@ public:
     basic_session(device_type device, context_type context, queue_type queue)
         : basic_builder<Version>(std::make_shared<detail::session_state<Version>>(std::move(device), std::move(context),
                                                                                   std::move(queue))) {}
+
+    /// In a context of another library, a `cl_context`, which is retained: on its first device, or on the one that is
+    /// given as `cl_device_id`, with a queue of its own. Include <vorn/mero/easy/borders.hpp> for it. Throws
+    /// `no_device` where libnq does not offer the device for this OpenCL version.
+    template <class Context, class... Device>
+    [[nodiscard]] static basic_session on_device_of(Context context, Device... device) {
+        return session_in(detail::adopted_as<Version>{}, context, device...);
+    }
 
     /// The device of the exact interface.
     [[nodiscard]] device_type& device() const noexcept { return state_->device; }
