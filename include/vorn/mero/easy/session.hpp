@@ -3,6 +3,7 @@
 #include <vorn/mero/easy/array.hpp>
 #include <vorn/mero/easy/builder.hpp>
 #include <vorn/mero/easy/device.hpp>
+#include <vorn/mero/easy/sampler.hpp>
 
 #include <memory>
 #include <string>
@@ -19,6 +20,12 @@ template <int Version>
 struct adopted_as {};
 
 } // namespace detail
+
+/// The dimensions of an image.
+enum class image_kind { one, two, three, one_array, two_array };
+
+template <class Format, image_kind Kind, int Version>
+class basic_image;
 
 /// A device, a context for it and a queue with profiling: what a program needs to begin.
 ///
@@ -107,6 +114,44 @@ public:
     template <class T>
     [[nodiscard]] basic_array<T, Version> array_over(std::vector<T>& values) const {
         return array_over(values.data(), values.size());
+    }
+
+    /// An image of `width` x `height` pixels that nothing has been written to: `gpu.image<ez::rgba8>(640, 480)`. For
+    /// this and its siblings include `vorn/mero/easy/image.hpp`, which says more.
+    template <class Format>
+    [[nodiscard]] basic_image<Format, image_kind::two, Version> image(std::size_t width, std::size_t height) const {
+        return {state_, {width, height, 1}};
+    }
+    /// The same in three dimensions.
+    template <class Format>
+    [[nodiscard]] basic_image<Format, image_kind::three, Version> image(std::size_t width, std::size_t height,
+                                                                        std::size_t depth) const {
+        return {state_, {width, height, depth}};
+    }
+    /// The same in one dimension. Since OpenCL 1.2.
+    template <class Format>
+    [[nodiscard]] basic_image<Format, image_kind::one, Version> image(std::size_t width) const {
+        return {state_, {width, 1, 1}};
+    }
+    /// An array of two-dimensional images. Since OpenCL 1.2.
+    template <class Format>
+    [[nodiscard]] basic_image<Format, image_kind::two_array, Version> image_array(std::size_t width, std::size_t height,
+                                                                                  std::size_t images) const {
+        return {state_, {width, height, images}};
+    }
+    /// An array of one-dimensional images. Since OpenCL 1.2.
+    template <class Format>
+    [[nodiscard]] basic_image<Format, image_kind::one_array, Version> image_array(std::size_t width,
+                                                                                  std::size_t images) const {
+        return {state_, {width, images, 1}};
+    }
+
+    /// A sampler for images.
+    [[nodiscard]] basic_sampler<Version> sampler(address outside = address::edge, filter between = filter::nearest,
+                                                 coordinates unit = coordinates::pixels) const {
+        return context().create_sampler(unit == coordinates::normalized,
+                                        typename exact_api::sampler_addressing_mode(outside),
+                                        typename exact_api::sampler_filter_mode(between));
     }
 
     /// Blocks until everything enqueued so far has ended.
