@@ -190,6 +190,7 @@ int perform_mode(std::vector<std::string> const& words) {
     return mode == "nulled"              ? run_nulled(words.at(1))
            : mode == "count_devices"     ? count_devices()
            : mode == "threads"           ? discover_from_threads()
+           : mode == "cache"             ? share_cache(words.at(1), words.at(2))
            : mode == "fork_before"       ? fork_before(words.at(1))
            : mode == "fork_after"        ? fork_after(words.at(1), true)
            : mode == "fork_after_broken" ? fork_after(words.at(1), false)

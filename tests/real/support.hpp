@@ -137,6 +137,9 @@ void add_test(scenario_name const& name, std::function<void()> body);
 /// environment or may not come back. It must end with 0. Its output.
 std::string expect_ends_well(std::string const& mode, std::string const& environment = {});
 
+/// The mode that builds through a cache of binaries while other processes do; on the device of this number.
+int share_cache(std::string const& folder, std::string const& device);
+
 /// Performs a mode: its exit status.
 int perform_mode(std::vector<std::string> const& words);
 
