@@ -123,7 +123,7 @@ Exact owning(nq::call_handle const& where, typename kind_t<Exact>::raw_type* raw
 template <class Exact>
 Exact owning(nq::call_handle const& where, typename kind_t<Exact>::raw_type* raw, retain_t) {
     internal::owner<kind_t<Exact>> counted(where, raw, typename kind_t<Exact>::create_reference{});
-    Exact made = owning<Exact>(where, raw, take_over);
+    auto made = owning<Exact>(where, raw, take_over);
     *internal::owner_access::place(counted) = nullptr;
     return made;
 }
@@ -139,7 +139,7 @@ typename api<Version>::device device_of(std::vector<typename api<Version>::devic
         }
     }
     if constexpr (Version >= 120) {
-        exact const part = owning<exact>(internal::owner_access::call_handle(devices.front()), raw, retain);
+        auto const part = owning<exact>(internal::owner_access::call_handle(devices.front()), raw, retain);
         if (!part.is_root_device()) {
             auto const whole = device_of<Version>(devices, raw_of(part.parent_device()));
             return owning<exact>(internal::owner_access::call_handle(whole), raw, retain);
@@ -148,8 +148,7 @@ typename api<Version>::device device_of(std::vector<typename api<Version>::devic
     throw no_device(
         joined({"libnq does not offer the device of this handle for OpenCL ", std::to_string(Version / 100), ".",
                 std::to_string(Version / 10 % 10),
-                ". The device must have that version, and the library that made the handle must use the same "
-                "OpenCL library as libnq. There are:\n",
+                ". It must have that version, and libnq must use the OpenCL that made the handle. There are:\n",
                 list_devices<Version>()}));
 }
 
