@@ -230,6 +230,10 @@ basic_session<Version> session_on(cl_command_queue foreign, Ownership ownership)
 ///     auto buffer = ez::from_cl<vorn::mero::opencl_1_2::buffer>(their_memory, gpu.context(), ez::retain);
 template <class Object, class Handle, class Kind, class Ownership, std::enable_if_t<detail::is_exact<Object>, int> = 0>
 [[nodiscard]] Object from_cl(Handle handle, internal::owner<Kind> const& where, Ownership ownership) {
+    static_assert(std::is_same<decltype(detail::raw_side(handle)), typename detail::kind_t<Object>::raw_type*>::value,
+                  "a handle of this type names no such object");
+    static_assert(std::is_same<Ownership, retain_t>::value || std::is_same<Ownership, take_over_t>::value,
+                  "say ez::retain, if the caller keeps its reference, or ez::take_over");
     detail::check_handle(handle);
     return detail::owning<Object>(internal::owner_access::call_handle(where), from_cl(handle), ownership);
 }
