@@ -196,6 +196,7 @@ inline constexpr vorn::mero::easy::embedded ${name}{
 #pragma clang diagnostic pop
 #endif
 ")
-list(TRANSFORM read REPLACE " " "\\\\ ")
-list(JOIN read " \\\n  " read)
-file(WRITE ${part}.d "${part}.hpp: ${read}\n")
+list(JOIN read "\n" read)
+string(REPLACE " " "\\ " rule "${part}.hpp:\n${read}")
+string(REPLACE "\n" " \\\n  " rule "${rule}")
+file(WRITE ${part}.d "${rule}\n")

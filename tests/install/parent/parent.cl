@@ -1,0 +1,1 @@
+kernel void greet(global char* name) { name[0] = 0; }
