@@ -82,22 +82,20 @@ public:
     /// Copies `count` elements from `offset` on to the host.
     void read(T* destination, std::size_t count, std::size_t offset = 0, waits_type const& earlier = {}) const {
         detail::check_bounds(offset, count, size_);
-        if (earlier.size() != 0) { // some block for ever on an event that fails
-            enqueue_read(destination, count, offset, earlier).wait();
-        } else if (count != 0) {
-            state_->queue.enqueue_command_without_event(
-                typename api<Version>::read_buffer(exact_, true, offset * sizeof(T), count * sizeof(T), destination));
+        if (count != 0) {
+            state_->enqueue_and_wait(typename api<Version>::read_buffer(exact_, earlier.size() == 0, offset * sizeof(T),
+                                                                        count * sizeof(T), destination),
+                                     earlier);
         }
     }
 
     /// Copies `count` elements of the host to `offset` and behind.
     void write(T const* source, std::size_t count, std::size_t offset = 0, waits_type const& earlier = {}) {
         detail::check_bounds(offset, count, size_);
-        if (earlier.size() != 0) {
-            enqueue_write(source, count, offset, earlier).wait();
-        } else if (count != 0) {
-            state_->queue.enqueue_command_without_event(
-                typename api<Version>::write_buffer(exact_, true, offset * sizeof(T), count * sizeof(T), source));
+        if (count != 0) {
+            state_->enqueue_and_wait(typename api<Version>::write_buffer(exact_, earlier.size() == 0,
+                                                                         offset * sizeof(T), count * sizeof(T), source),
+                                     earlier);
         }
     }
 

@@ -175,9 +175,9 @@ public:
     [[nodiscard]] std::vector<pixel_type> read(image_region const& region, waits_type const& earlier = {}) const {
         detail::check_region(region, size_);
         std::vector<pixel_type> pixels(region.size[0] * region.size[1] * region.size[2]);
-        bool const blocking = earlier.size() == 0; // some block for ever on an event that fails
-        enqueue(typename api<Version>::read_image(exact_, blocking, region.origin, region.size, 0, 0, pixels.data()),
-                blocking, earlier);
+        state_->enqueue_and_wait(typename api<Version>::read_image(exact_, earlier.size() == 0, region.origin,
+                                                                   region.size, 0, 0, pixels.data()),
+                                 earlier);
         return pixels;
     }
 
@@ -193,9 +193,9 @@ public:
             throw bounds_error(detail::joined(
                 {std::to_string(pixels.size()), " pixels do not make a region of ", detail::size_text(region.size)}));
         }
-        bool const blocking = earlier.size() == 0;
-        enqueue(typename api<Version>::write_image(exact_, blocking, region.origin, region.size, 0, 0, pixels.data()),
-                blocking, earlier);
+        state_->enqueue_and_wait(typename api<Version>::write_image(exact_, earlier.size() == 0, region.origin,
+                                                                    region.size, 0, 0, pixels.data()),
+                                 earlier);
     }
 
     /// Sets every pixel to a colour, as a kernel would write it. Does not block.
@@ -309,14 +309,6 @@ private:
                     std::size_t offset) const {
         detail::check_region(region, size_);
         detail::check_bounds(offset, region.size[0] * region.size[1] * region.size[2], other.size());
-    }
-
-    void enqueue(typename api<Version>::command const& command, bool blocking, waits_type const& earlier) const {
-        if (blocking) {
-            state_->queue.enqueue_command_without_event(command);
-        } else {
-            state_->enqueue(command, earlier).wait();
-        }
     }
 
     template <class Pixel>

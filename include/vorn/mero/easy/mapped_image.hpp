@@ -1,6 +1,6 @@
 #pragma once
 
-#include <vorn/mero/easy/session_state.hpp>
+#include <vorn/mero/easy/transfer.hpp>
 
 #include <array>
 #include <cstddef>
@@ -16,27 +16,6 @@ namespace vorn::mero::easy {
 struct image_region {
     std::array<std::size_t, 3> origin; ///< {column, row, layer}
     std::array<std::size_t, 3> size;   ///< {width, height, depth}
-};
-
-/// Pixels side by side, a range for loops.
-template <class Pixel>
-class pixel_row {
-public:
-    /// `count` pixels from `first` on.
-    pixel_row(Pixel* first, std::size_t count) noexcept : first_(first), count_(count) {}
-
-    /// The first pixel.
-    [[nodiscard]] Pixel* begin() const noexcept { return first_; }
-    /// Behind the last pixel.
-    [[nodiscard]] Pixel* end() const noexcept { return first_ + count_; }
-    /// The number of pixels.
-    [[nodiscard]] std::size_t size() const noexcept { return count_; }
-    /// The pixel; `x` must be less than `size()`.
-    [[nodiscard]] Pixel& operator[](std::size_t x) const noexcept { return first_[x]; }
-
-private:
-    Pixel* first_;
-    std::size_t count_;
 };
 
 /// A region of an image in the host's reach; `Pixel` is const for one that is only read. Rows and layers may be further
@@ -56,14 +35,9 @@ public:
           row_pitch_(size_[0] * sizeof(Pixel)), // implementations leave out pitches that the image does not need
           slice_pitch_(row_pitch_ * (has_rows ? size_[1] : 1)) {
         void* mapped = nullptr;
-        bool const blocking = earlier.size() == 0; // some block for ever on an event that fails
-        typename api<Version>::map_image const map(mapped, image_, blocking, how, region.origin, size_, row_pitch_,
-                                                   slice_pitch_);
-        if (blocking) {
-            state_->queue.enqueue_command_without_event(map);
-        } else {
-            state_->enqueue(map, earlier).wait();
-        }
+        state_->enqueue_and_wait(typename api<Version>::map_image(mapped, image_, earlier.size() == 0, how,
+                                                                  region.origin, size_, row_pitch_, slice_pitch_),
+                                 earlier);
         if (!has_rows) {
             row_pitch_ = slice_pitch_;
         }
@@ -98,10 +72,10 @@ public:
 
     /// The pixels of a row; `y` and `z` count from the region's origin and must be less than its size. Not
     /// of a temporary, which would end before a loop over the row begins.
-    [[nodiscard]] pixel_row<Pixel> row(std::size_t y = 0, std::size_t z = 0) const& noexcept {
+    [[nodiscard]] element_range<Pixel> row(std::size_t y = 0, std::size_t z = 0) const& noexcept {
         return {reinterpret_cast<Pixel*>(bytes_ + z * slice_pitch_ + y * row_pitch_), size_[0]};
     }
-    pixel_row<Pixel> row(std::size_t y = 0, std::size_t z = 0) const&& = delete;
+    element_range<Pixel> row(std::size_t y = 0, std::size_t z = 0) const&& = delete;
 
 private:
     using byte = std::conditional_t<std::is_const<Pixel>::value, std::byte const, std::byte>;

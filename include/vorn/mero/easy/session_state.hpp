@@ -44,6 +44,16 @@ public:
                                         : queue.enqueue_command(command, earlier.size(), earlier.data()));
     }
 
+    /// Enqueues a command that blocks by itself if there is nothing to wait for, and only then: some implementations
+    /// never return from a blocking command that waits for what fails.
+    void enqueue_and_wait(typename api<Version>::command const& command, waits<Version> const& earlier) {
+        if (earlier.size() == 0) {
+            queue.enqueue_command_without_event(command);
+        } else {
+            enqueue(command, earlier).wait();
+        }
+    }
+
     /// An event for a command that has nothing to do.
     basic_event<Version> enqueue_nothing(waits<Version> const& earlier) {
         if constexpr (Version >= 120) {

@@ -84,10 +84,34 @@ private:
     basic_transfer<Version> transfer_; // destroyed first
 };
 
-/// Elements of an array in the host's reach, a range for loops; `T` is const for those that are only read. The
-/// destructor gives them back to the device; it drops a failure, which later commands on the array then meet.
+/// Elements in the host's reach, a range for loops.
+template <class T>
+class element_range {
+public:
+    /// `count` elements from `first` on.
+    element_range(T* first, std::size_t count) noexcept : first_(first), count_(count) {}
+
+    /// The first element.
+    [[nodiscard]] T* begin() const noexcept { return first_; }
+    /// Behind the last element.
+    [[nodiscard]] T* end() const noexcept { return first_ + count_; }
+    /// The first element.
+    [[nodiscard]] T* data() const noexcept { return first_; }
+    /// The number of elements.
+    [[nodiscard]] std::size_t size() const noexcept { return count_; }
+
+    /// The element; `index` must be less than `size()`.
+    [[nodiscard]] T& operator[](std::size_t index) const noexcept { return first_[index]; }
+
+private:
+    T* first_;
+    std::size_t count_;
+};
+
+/// Elements of an array in the host's reach; `T` is const for those that are only read. The destructor gives them back
+/// to the device; it drops a failure, which later commands on the array then meet.
 template <class T, int Version>
-class [[nodiscard]] mapped_array {
+class [[nodiscard]] mapped_array : public element_range<T> {
 public:
     using flags_type = typename api<Version>::map_flags;
     using buffer_type = typename api<Version>::buffer;
@@ -95,57 +119,44 @@ public:
     /// Blocks until the elements are there; the `map` functions of an array call it. Offset and count are in elements.
     mapped_array(std::shared_ptr<detail::session_state<Version>> state, buffer_type buffer, flags_type how,
                  std::size_t offset, std::size_t count, waits<Version> const& earlier)
-        : state_(std::move(state)), buffer_(std::move(buffer)), size_(count) {
-        if (count == 0) {
-            return;
-        }
-        void* mapped = nullptr;
-        bool const blocking = earlier.size() == 0; // some block for ever on an event that fails
-        typename api<Version>::map_buffer const map(mapped, buffer_, blocking, how, offset * sizeof(T),
-                                                    count * sizeof(T));
-        if (blocking) {
-            state_->queue.enqueue_command_without_event(map);
-        } else {
-            state_->enqueue(map, earlier).wait();
-        }
-        elements_ = static_cast<T*>(mapped);
-    }
+        : element_range<T>(mapped(*state, buffer, how, offset, count, earlier), count), state_(std::move(state)),
+          buffer_(std::move(buffer)), is_mapped_(count != 0) {}
 
     mapped_array(mapped_array&& other) noexcept
-        : state_(std::move(other.state_)), buffer_(std::move(other.buffer_)), size_(std::exchange(other.size_, 0)),
-          elements_(std::exchange(other.elements_, nullptr)) {}
+        : element_range<T>(std::exchange(static_cast<element_range<T>&>(other), element_range<T>(nullptr, 0))),
+          state_(std::move(other.state_)), buffer_(std::move(other.buffer_)),
+          is_mapped_(std::exchange(other.is_mapped_, false)) {}
 
     mapped_array(mapped_array const&) = delete;
     mapped_array& operator=(mapped_array const&) = delete;
     mapped_array& operator=(mapped_array&&) = delete;
 
     ~mapped_array() {
-        if (elements_ != nullptr) {
+        if (is_mapped_) {
             try {
-                state_->queue.enqueue_command_without_event(
-                    typename api<Version>::unmap_mem_object(buffer_, const_cast<std::remove_const_t<T>*>(elements_)));
+                state_->queue.enqueue_command_without_event(typename api<Version>::unmap_mem_object(
+                    buffer_, const_cast<std::remove_const_t<T>*>(this->data())));
             } catch (std::exception const&) { // nothing can be done about it here
             }
         }
     }
 
-    /// The first element.
-    [[nodiscard]] T* begin() const noexcept { return elements_; }
-    /// Behind the last element.
-    [[nodiscard]] T* end() const noexcept { return elements_ + size_; }
-    /// The first element.
-    [[nodiscard]] T* data() const noexcept { return elements_; }
-    /// The number of elements.
-    [[nodiscard]] std::size_t size() const noexcept { return size_; }
-
-    /// The element; `index` must be less than `size()`.
-    [[nodiscard]] T& operator[](std::size_t index) const noexcept { return elements_[index]; }
-
 private:
+    static T* mapped(detail::session_state<Version>& state, buffer_type& buffer, flags_type how, std::size_t offset,
+                     std::size_t count, waits<Version> const& earlier) {
+        void* first = nullptr;
+        bool const blocking = earlier.size() == 0; // some block for ever on an event that fails
+        if (count != 0) {
+            state.enqueue_and_wait(
+                typename api<Version>::map_buffer(first, buffer, blocking, how, offset * sizeof(T), count * sizeof(T)),
+                earlier);
+        }
+        return static_cast<T*>(first);
+    }
+
     std::shared_ptr<detail::session_state<Version>> state_;
     buffer_type buffer_;
-    std::size_t size_;
-    T* elements_ = nullptr;
+    bool is_mapped_;
 };
 
 } // namespace vorn::mero::easy
