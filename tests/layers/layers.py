@@ -116,6 +116,18 @@ def breaches_of_command(command, program):
             yield "the trace of a program that did not come to its end is not whole"
 
 
+def breaches_of_manual(command):
+    """The manual page has the options that the command has."""
+    page = (pathlib.Path(__file__).parents[2] / "command/vorn-mero.1").read_text().replace("\\-", "-")
+    subcommands = re.findall(r"^  (\w+)  ", subprocess.run([command, "--help"], capture_output=True, text=True).stdout, re.M)
+    helps = [subprocess.run([command, *each], capture_output=True, text=True).stdout
+             for each in (["--help"], *([subcommand, "--help"] for subcommand in subcommands))]
+    options = {option for each in helps for option in re.findall(r"(?<!\S)(?:-\w,)?(--[a-z-]+)", each)}
+    if set(re.findall(r"--[a-z-]+", page)) != options or not options or not subcommands:
+        yield f"the manual page and --help differ: {set(re.findall(r'--[a-z-]+', page)) ^ options}"
+    yield from (f"no {each} in the manual page" for each in subcommands if f"vorn-mero {each}" not in page)
+
+
 def main():
     program, folder, table = sys.argv[1], pathlib.Path(sys.argv[2]), pathlib.Path(sys.argv[3])
     if run(program, "none")[0] == SKIPPED:
@@ -129,6 +141,7 @@ def main():
     wholes = {"trace": breaches_of_trace(program, folder)}
     if len(sys.argv) > 4:
         wholes["command"] = breaches_of_command(sys.argv[4], program)
+        wholes["manual"] = breaches_of_manual(sys.argv[4])
     for name, breaches_found in wholes.items():
         found = list(breaches_found)
         failed += bool(found)
