@@ -67,6 +67,23 @@ SCENARIO(easy_borders_objects, "easy layer", 110) {
     EXPECT_NE(refusal<ez::argument_error>([&] { ez::from_cl<array>(cl_mem(nullptr), gpu, ez::retain); }), "nothing");
 }
 
+SCENARIO(easy_borders_images, "images", 120) {
+    ez::basic_session<Api::number> const gpu(b.device, b.context, b.queue);
+    auto picture = gpu.template image<ez::rgba8>(3, 2);
+    std::vector<std::array<std::uint8_t, 4>> const pixels(6, {1, 2, 3, 4});
+    picture.write(pixels);
+    using image = ez::basic_image<ez::rgba8, ez::image_kind::two, Api::number>;
+    auto const same = ez::from_cl<image>(ez::to_cl(picture), gpu, ez::retain);
+    EXPECT_EQ(same.size(), picture.size());
+    EXPECT_EQ(same.read(), pixels);
+    using other = ez::basic_image<ez::r32f, ez::image_kind::two, Api::number>;
+    EXPECT_EQ(refusal<ez::argument_error>([&] { ez::from_cl<other>(ez::to_cl(picture), gpu, ez::retain); }),
+              "The image from another library has the format rgba unorm_int8, and not r float");
+    auto const rows = gpu.template image_array<ez::rgba8>(4, 3);
+    using images = ez::basic_image<ez::rgba8, ez::image_kind::one_array, Api::number>;
+    EXPECT_EQ(ez::from_cl<images>(ez::to_cl(rows), gpu, ez::retain).size(), rows.size());
+}
+
 SCENARIO(easy_borders_of_a_part, "sub-devices", 120) {
     auto const parts = b.device.partition_equally(1);
     auto const context = Api::create_context(parts.back()); // PoCL says that it is of the whole device

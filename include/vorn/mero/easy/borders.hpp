@@ -14,6 +14,7 @@
 /// A handle means the same on both sides where libnq is the bridge and the other library uses the same OpenCL
 /// implementation in the process: see "Other libraries" in the guide.
 
+#include <vorn/mero/easy/image.hpp>
 #include <vorn/mero/easy/session.hpp>
 #include <vorn/mero/internal/lifetimebound.hpp>
 
@@ -23,6 +24,7 @@
 #include <CL/cl.h>
 
 #include <cstddef>
+#include <cstdint>
 #include <memory>
 #include <type_traits>
 #include <utility>
@@ -139,10 +141,13 @@ typename api<Version>::device device_of(std::vector<typename api<Version>::devic
         }
     }
     if constexpr (Version >= 120) {
-        auto const part = owning<exact>(internal::owner_access::call_handle(devices.front()), raw, retain);
-        if (!part.is_root_device()) {
-            auto const whole = device_of<Version>(devices, raw_of(part.parent_device()));
-            return owning<exact>(internal::owner_access::call_handle(whole), raw, retain);
+        try {
+            auto const part = owning<exact>(internal::owner_access::call_handle(devices.front()), raw, retain);
+            if (!part.is_root_device()) {
+                auto const whole = device_of<Version>(devices, raw_of(part.parent_device()));
+                return owning<exact>(internal::owner_access::call_handle(whole), raw, retain);
+            }
+        } catch (common::invalid_device const&) { // of another OpenCL
         }
     }
     throw no_device(
@@ -181,16 +186,44 @@ struct adoption {
     }
 };
 
+template <int Version>
+void check_context(basic_session<Version> const& gpu, typename api<Version>::memory_object const& exact) {
+    if (raw_of(exact.get_context()) != raw_of(gpu.context())) {
+        throw argument_error("The memory from another library belongs to another context than the session: make the "
+                             "session by `on_device_of(context)`");
+    }
+}
+
 template <class T, int Version>
 struct adoption<basic_array<T, Version>> {
     static basic_array<T, Version> make(basic_session<Version> const& gpu, typename api<Version>::buffer exact) {
-        if (raw_of(exact.get_context()) != raw_of(gpu.context())) {
-            throw argument_error(
-                "The memory from another library belongs to another context than the session: make the "
-                "session by `on_device_of(context)`");
-        }
+        check_context(gpu, exact);
         std::size_t const size = exact.size() / sizeof(T);
         return {gpu.state(), std::move(exact), size};
+    }
+};
+
+template <class Format, image_kind Kind, int Version>
+struct adoption<basic_image<Format, Kind, Version>> {
+    using made = basic_image<Format, Kind, Version>;
+
+    static made make(basic_session<Version> const& gpu, typename made::exact_type exact) {
+        check_context(gpu, exact);
+        auto const format = exact.get_image_format();
+        auto const order = static_cast<std::uint32_t>(format.channel_order);
+        auto const type = static_cast<std::uint32_t>(format.channel_data_type);
+        if (order != Format::order || type != Format::type) {
+            throw argument_error(joined({"The image from another library has the format ", format_name(order, type),
+                                         ", and not ", format_name(Format::order, Format::type)}));
+        }
+        typename made::size_type size{exact.width(), exact.height(), exact.depth()};
+        if constexpr (Kind == image_kind::one_array || Kind == image_kind::two_array) {
+            size[Kind == image_kind::one_array ? 1 : 2] = exact.array_size();
+        }
+        for (std::size_t& each : size) {
+            each = each != 0 ? each : 1; // directions that the image lacks
+        }
+        return made(gpu.state(), std::move(exact), size);
     }
 };
 

@@ -147,6 +147,10 @@ public:
     basic_image(std::shared_ptr<detail::session_state<Version>> state, size_type const& size)
         : state_(std::move(state)), exact_(made(size)), size_(size) {}
 
+    /// Of an image of the exact interface, which must have the format and this size.
+    basic_image(std::shared_ptr<detail::session_state<Version>> state, exact_type exact, size_type const& size) noexcept
+        : state_(std::move(state)), exact_(std::move(exact)), size_(size) {}
+
     /// The image of the exact interface.
     [[nodiscard]] exact_type& exact() noexcept { return exact_; }
     /// The same of an object that does not change.
