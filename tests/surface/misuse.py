@@ -19,7 +19,7 @@ def compiler(command, include, scratch):
     scratch.mkdir(parents=True, exist_ok=True)
     header = scratch / "all.hpp"
     header.write_text("#include <nq/commands.hpp>\n#include <vorn/mero/easy.hpp>\n"
-                      "#include <vorn/mero/easy/borders.hpp>\n")
+                      "#include <vorn/mero/easy/borders.hpp>\n#include <vorn/mero/easy/shared.hpp>\n")
     flags = [command, "-std=c++20", "-Werror", f"-I{include}"]
     compiled = scratch / ("all.pch" if clang else "all.hpp.gch")
     subprocess.run([*flags, "-x", "c++-header", str(header), "-o", str(compiled)], check=True)

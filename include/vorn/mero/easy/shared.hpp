@@ -131,6 +131,7 @@ private:
 /// destructor finishes the queue of the session; finish other queues before.
 template <class T, int Version = 200>
 class basic_shared {
+    static_assert(Version >= 200, "OpenCL has shared virtual memory since 2.0: use basic_session<200>");
     static_assert(std::is_trivially_copyable<T>::value, "host and device see the same bytes");
 
 public:
