@@ -14,7 +14,7 @@ vorn_mero_add_headers(nq/describe enqueues field format memory names objects que
 vorn_mero_add_headers(vorn/mero easy version)
 vorn_mero_add_headers(vorn/mero/easy argument array binary_cache borders builder device embedded error event host_event
   image included_files kernel mapped_image needs options order parameter pixel program range sampler session
-  session_state shared transfer versions)
+  session_state shared transfer tune versions)
 vorn_mero_add_headers(vorn/mero/common error error_base error_code export)
 vorn_mero_add_headers(vorn/mero/internal call_capability check_error find_devices handle kept_pattern
   lifetimebound logger strings)

@@ -75,6 +75,12 @@ public:
     /// The same of an object that does not change.
     [[nodiscard]] exact_type const& exact() const noexcept { return exact_; }
 
+    /// The name of the function.
+    [[nodiscard]] std::string const& name() const noexcept { return name_; }
+
+    /// The device that it runs on, of the exact interface.
+    [[nodiscard]] typename api<Version>::device const& device() const noexcept { return session_->device; }
+
     /// Sets the arguments and enqueues a launch on the session's queue. Does not block. Throws `argument_error` when an
     /// argument does not fit and `launch_error` when OpenCL refuses the launch; OpenCL's own exception is nested.
     template <class... Arguments>
