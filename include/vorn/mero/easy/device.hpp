@@ -62,8 +62,8 @@ template <int Version, class Why>
         there += joined({line_of<Version>(device, number++), ": ", meant ? why(device) : "another name", "\n"});
     }
     if (there.empty()) {
-        throw no_device(joined({"There is no device of OpenCL ", version_text(Version),
-                                ". NQ_BRIDGE_VERBOSE=1 in the environment says why."}));
+        throw no_device(joined({"There is no OpenCL device. None offers OpenCL ", version_text(Version),
+                                "; NQ_BRIDGE_VERBOSE=1 in the environment says why."}));
     }
     throw no_device(joined({"No OpenCL device ", text.empty() ? "" : "fits '", text, text.empty() ? "" : "'",
                             text.empty() || asked_for.empty() ? "" : " and ", asked_for, ". There are:\n", there,
