@@ -1,0 +1,70 @@
+// A search by several devices for the number whose hash is least.
+
+#include "support.hpp"
+
+namespace ez = vorn::mero::easy;
+
+static char const* const source = R"(
+// The least hash of a stretch, with its number in the lower half.
+kernel void search(global ulong* least, uint stretch, uint begin) {
+    ulong best = ULONG_MAX;
+    for (uint i = 0; i < stretch; ++i) {
+        uint n = begin + get_global_id(0) * stretch + i, hash = n ^ 0x9E3779B9u;
+        for (int round = 0; round < 8; ++round) {
+            hash ^= hash >> 16;
+            hash *= 0x7FEB352Du;
+            hash ^= hash >> 15;
+            hash *= 0x846CA68Bu;
+        }
+        best = min(best, (ulong)hash << 32 | n);
+    }
+    least[get_global_id(0)] = best;
+}
+)";
+
+// A device with its own context, queue and kernel.
+struct worker {
+    worker(ez::session const& session, std::size_t items)
+        : gpu(session), search(gpu.build(source)["search"]), least(gpu.array<std::uint64_t>(items)) {}
+
+    ez::session gpu;
+    ez::kernel search;
+    ez::array<std::uint64_t> least;
+};
+
+static void several_devices(cookbook::recipe const& here) {
+    std::size_t const stretch = here.size(1 << 12, 1 << 6);
+    std::size_t const items = 1024;
+    std::vector<worker> workers;
+    ez::session const whole;
+    if (whole.device().max_compute_units() > 1 && whole.device().partition_max_sub_devices() > 1) {
+        for (auto const& part : whole.device().partition_equally(1)) {
+            workers.emplace_back(ez::session(part), items);
+        }
+    } else { // a list of ez::find_devices() may stand here
+        workers.emplace_back(whole, items);
+    }
+
+    auto const find_least = [&](std::size_t used) {
+        std::size_t const each = items / used;
+        for (std::size_t i = 0; i != used; ++i) {
+            auto const begin = static_cast<std::uint32_t>(i * each * stretch);
+            workers[i].search(ez::range(each), workers[i].least, std::uint32_t(stretch), begin);
+            workers[i].gpu.queue().flush(); // now all work
+        }
+        std::uint64_t best = UINT64_MAX;
+        for (std::size_t i = 0; i != used; ++i) {
+            auto const found = workers[i].least.read();
+            best = std::min(best, *std::min_element(found.begin(), found.begin() + static_cast<std::ptrdiff_t>(each)));
+        }
+        return best;
+    };
+    std::uint64_t one = 0;
+    std::uint64_t all = 0;
+    here.compare([&] { one = find_least(1); }, [&] { all = find_least(workers.size()); });
+    here.check(one == all, "the devices find another number");
+    std::printf("%zu devices: of %zu numbers, %u has the least hash\n", workers.size(), items * stretch,
+                std::uint32_t(all));
+}
+
+int main(int count, char** arguments) { return cookbook::run("several_devices", several_devices, count, arguments); }
