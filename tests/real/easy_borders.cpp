@@ -19,6 +19,7 @@ SCENARIO(easy_borders_sessions, "easy layer", 100) {
     {
         auto const own_queue = session::on_device_of(theirs, ez::to_cl(b.device));
         EXPECT_EQ(own_queue.device(), b.device);
+        EXPECT_EQ(ez::find_device<Api::number>(ez::to_cl(b.device)), b.device);
         EXPECT_EQ(own_queue.context(), b.context);
         EXPECT_NE(own_queue.queue(), b.queue);
         auto const same_queue = ez::from_cl<session>(ez::to_cl(b.queue), ez::retain);

@@ -285,6 +285,14 @@ template <class Object, class Handle, int Version, class Ownership,
     return detail::adoption<Object>::make(gpu, from_cl<typename Object::exact_type>(handle, gpu.context(), ownership));
 }
 
+/// The device of OpenCL's handle, for a session of its own. Throws `no_device` where libnq does not offer it for this
+/// OpenCL version.
+template <int Version = default_version>
+[[nodiscard]] typename api<Version>::device find_device(cl_device_id handle) {
+    detail::check_handle(handle);
+    return detail::device_of<Version>(detail::devices_to_ask<Version>(), from_cl(handle));
+}
+
 /// A session on a queue that there is, in the queue's context. Its events have times only if the queue has profiling.
 /// Throws `no_device` where libnq does not offer the queue's device for the session's OpenCL version.
 template <class Session, class Ownership, class Api = typename Session::exact_api>
