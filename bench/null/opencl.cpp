@@ -170,6 +170,8 @@ INFO(clGetKernelInfo, cl_kernel) {
 cl_int clGetKernelArgInfo(cl_kernel, cl_uint, cl_uint param, std::size_t size, void* value, std::size_t* size_ret) {
     return param == CL_KERNEL_ARG_ADDRESS_QUALIFIER
                ? reply(size, value, size_ret, cl_uint{CL_KERNEL_ARG_ADDRESS_GLOBAL})
+           : param == CL_KERNEL_ARG_TYPE_QUALIFIER
+               ? reply(size, value, size_ret, cl_kernel_arg_type_qualifier{CL_KERNEL_ARG_TYPE_NONE})
                : reply(size, value, size_ret, std::string_view(param == CL_KERNEL_ARG_TYPE_NAME ? "float*" : "a"));
 }
 

@@ -101,21 +101,22 @@ SCENARIO(easy_defines_exact_values, "easy builds", 100) {
     auto const options = ez::build_options()
                              .define("A", "1 + 2")
                              .define("B")
+                             .define("D", "")
                              .define("C", std::numeric_limits<std::uint64_t>::max())
                              .fast_math()
                              .warnings_as_errors()
                              .standard("CL1.2")
                              .add("-cl-mad-enable");
     EXPECT_EQ(options.text(),
-              "-D \"A=1 + 2\" -DB -DC=18446744073709551615UL -cl-fast-relaxed-math -Werror -cl-std=CL1.2 "
+              "-D \"A=1 + 2\" -DB -DD= -DC=18446744073709551615UL -cl-fast-relaxed-math -Werror -cl-std=CL1.2 "
               "-cl-mad-enable");
-    EXPECT_EQ(result_of(gpu, gpu.build("kernel void f(global int* v) { v[0] = A * B + (C == ~0UL); }", options)), 4);
+    EXPECT_EQ(result_of(gpu, gpu.build("kernel void f(global int* v) { v[0] = A * B + (C == ~0UL) D; }", options)), 4);
     EXPECT_EQ(ez::build_options().include("a b").include("c").debug().text(), "-I\"a b\" -Ic -g");
     for (auto const& wrong : {"two words", "", "X=1"}) {
         EXPECT_NE(refusal<ez::option_error>([&] { ez::build_options().define(wrong, 1); }), "nothing") << wrong;
     }
     EXPECT_EQ(refusal<ez::option_error>([] { ez::build_options().define("X", "\"text\""); }),
-              "'=\"text\"' cannot be the value of a macro in the options of a build: put it into the source instead");
+              "'\"text\"' cannot be the value of a macro in the options of a build: put it into the source instead");
 }
 
 SCENARIO(easy_compiles_and_links, "easy links", 120) {
@@ -138,6 +139,25 @@ SCENARIO(easy_compiles_and_links, "easy links", 120) {
     auto const callee = gpu.compile("int twice(int value) { return 2 * value; }");
     EXPECT_EQ(result_of(gpu, gpu.link({caller, callee}), 4), 8);
     EXPECT_EQ(result_of(gpu, gpu.link({caller, gpu.link_library({callee})}), 5), 10);
+}
+
+SCENARIO(easy_logs_of_all_devices, "sub-devices", 120, 120) {
+    auto devices = b.device.partition_equally(1);
+    devices.resize(std::min<std::size_t>(devices.size(), 2), b.device);
+    auto context = opencl_1_2::create_context({}, devices, nullptr, nullptr);
+    auto broken = context.create_program_from_source("kernel void f( {");
+    try {
+        ez::build<120>(broken, devices, "-DX");
+        ADD_FAILURE() << "nothing is thrown";
+    } catch (ez::build_failure const& failed) {
+        ASSERT_EQ(failed.reports().size(), devices.size());
+        for (auto const& [device, log] : failed.reports()) {
+            EXPECT_EQ(device, b.device.name());
+            EXPECT_NE(log.find("error"), std::string::npos) << log;
+        }
+    }
+    auto good = context.create_program_from_source(adds_n);
+    ez::build<120>(good, devices, "-DN=1");
 }
 
 SCENARIO(easy_builds_intermediate_language, "easy intermediate language", 210) {

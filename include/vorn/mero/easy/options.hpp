@@ -29,12 +29,10 @@ public:
     build_options(char const* text) : text_(text) {}
 
     /// Defines a macro as 1.
-    build_options& define(std::string_view name) { return add_macro(name, ""); }
+    build_options& define(std::string_view name) { return add_macro(name, "", "1"); }
 
     /// Defines a macro as a text, which may contain blanks and no quotation marks: a name, a type, an expression.
-    build_options& define(std::string_view name, std::string_view value) {
-        return add_macro(name, detail::joined({"=", value}));
-    }
+    build_options& define(std::string_view name, std::string_view value) { return add_macro(name, "=", value); }
     /// The same.
     build_options& define(std::string_view name, char const* value) { return define(name, std::string_view(value)); }
 
@@ -82,19 +80,21 @@ public:
     [[nodiscard]] std::string const& text() const noexcept { return text_; }
 
 private:
-    static void refuse_in(std::string_view text, char const* unwanted, char const* what) {
+    static void refuse_in(std::string_view text, char const* unwanted, char const* what, bool may_be_empty = false) {
         std::size_t const found = text.find_first_of(std::string_view(unwanted));
-        if (found != std::string_view::npos || text.empty()) {
+        if (found != std::string_view::npos || (text.empty() && !may_be_empty)) {
             throw option_error(detail::joined(
                 {"'", text, "' cannot be ", what, " in the options of a build: put it into the source instead"}));
         }
     }
 
-    build_options& add_macro(std::string_view name, std::string const& value) {
+    /// The value is left out where there is no `equals`.
+    build_options& add_macro(std::string_view name, std::string_view equals, std::string_view value) {
         refuse_in(name, " \t\n\"=\\", "the name of a macro");
-        refuse_in(value.empty() ? "1" : std::string_view(value), "\n\"\\", "the value of a macro");
-        bool const is_plain = value.find_first_of(" \t'") == std::string::npos;
-        return add(is_plain ? detail::joined({"-D", name, value}) : detail::joined({"-D \"", name, value, "\""}));
+        refuse_in(value, "\n\"\\", "the value of a macro", true);
+        bool const is_plain = value.find_first_of(" \t'") == std::string_view::npos;
+        std::string const macro = detail::joined({name, equals, equals.empty() ? "" : value});
+        return add(is_plain ? detail::joined({"-D", macro}) : detail::joined({"-D \"", macro, "\""}));
     }
 
     static std::string floating_text(double value, bool is_float) {

@@ -134,7 +134,7 @@ std::vector<parameter> parameters_of(typename api<Version>::kernel const& kernel
                 parameters[i] = parameter(kernel.argument_name(i), kernel.argument_type_name(i),
                                           space < spaces.size() ? spaces[space] : address_space::unknown, is_pipe);
             }
-        } catch (common::opencl_error const&) { // a program from a binary, for one: the rest stays unknown
+        } catch (common::error const&) { // a program from a binary, for one: the rest stays unknown
         }
     }
     return parameters;
