@@ -1,5 +1,6 @@
 // Images in the convenient layer.
 
+#include "interposer.hpp"
 #include "support.hpp"
 
 #include <vorn/mero/easy.hpp>
@@ -80,6 +81,9 @@ SCENARIO(easy_images_by_kind, "easy images", 100) {
     auto const gpu = session_of(b);
     if (!b.device.image_support()) {
         skip("the device has no images");
+    }
+    if (b.name == "pocl" && is_nulling()) {
+        skip("crashed once in five runs, after a write with a list but without an event");
     }
     using r32u = ez::r32u;
     use(gpu, gpu.template image<r32u>(8, 6), gpu.template image<r32u>(8, 6), true);

@@ -166,6 +166,9 @@ public:
     }
 #endif
 
+    /// As `session::flush`, of the queue that the array uses.
+    void flush() const { state_->queue.flush(); }
+
     /// Sets every element. Does not block.
     event_type fill(T const& value, waits_type const& earlier = {}) { return fill(value, 0, size_, earlier); }
 
