@@ -2,6 +2,8 @@
 
 #include "support.hpp"
 
+#include <vorn/mero/easy/devices.hpp>
+
 namespace ez = vorn::mero::easy;
 
 static char const* const source = R"(
@@ -22,7 +24,7 @@ kernel void search(global ulong* least, uint stretch, uint begin) {
 }
 )";
 
-// A device with its own context, queue and kernel.
+// A device with its own queue, kernel and results.
 struct worker {
     worker(ez::session const& session, std::size_t items)
         : gpu(session), search(gpu.build(source)["search"]), least(gpu.array<std::uint64_t>(items)) {}
@@ -35,14 +37,12 @@ struct worker {
 static void several_devices(cookbook::recipe const& here) {
     std::size_t const stretch = here.size(1 << 12, 1 << 6);
     std::size_t const items = 1024;
-    std::vector<worker> workers;
     ez::session const whole;
-    if (whole.device().max_compute_units() > 1 && whole.device().partition_max_sub_devices() > 1) {
-        for (auto const& part : whole.device().partition_equally(1)) {
-            workers.emplace_back(ez::session(part), items);
-        }
-    } else { // a list of ez::find_devices() may stand here
-        workers.emplace_back(whole, items);
+    bool const divides = whole.device().max_compute_units() > 1 && whole.device().partition_max_sub_devices() > 1;
+    ez::devices const parts(divides ? whole.device().partition_equally(1) : std::vector{whole.device()});
+    std::vector<worker> workers; // for every device of the machine: of ez::devices() instead
+    for (auto const& part : parts) {
+        workers.emplace_back(part, items);
     }
 
     auto const find_least = [&](std::size_t used) {
@@ -50,7 +50,7 @@ static void several_devices(cookbook::recipe const& here) {
         for (std::size_t i = 0; i != used; ++i) {
             auto const begin = static_cast<std::uint32_t>(i * each * stretch);
             workers[i].search(ez::range(each), workers[i].least, std::uint32_t(stretch), begin);
-            workers[i].gpu.queue().flush(); // now all work
+            workers[i].gpu.flush(); // now all work
         }
         std::uint64_t best = UINT64_MAX;
         for (std::size_t i = 0; i != used; ++i) {
