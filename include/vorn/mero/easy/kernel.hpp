@@ -157,7 +157,7 @@ private:
     }
 
     /// What to do about sizes that the kernel cannot have; empty for those that it can.
-    std::string launch_advice(range const& over) const {
+    [[gnu::cold, gnu::noinline]] std::string launch_advice(range const& over) const {
         auto const* const local = over.local_size();
         if (local == nullptr) {
             return {};

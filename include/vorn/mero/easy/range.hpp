@@ -1,5 +1,7 @@
 #pragma once
 
+#include <vorn/mero/easy/error.hpp>
+
 #include <array>
 #include <cstddef>
 #include <string>
@@ -59,20 +61,22 @@ public:
     }
 
     /// For messages: "640 x 480 work-items in groups of 16 x 16".
-    [[nodiscard]] std::string text() const {
-        auto const product = [this](std::array<std::size_t, 3> const& sizes) {
-            std::string listed = std::to_string(sizes[0]);
-            for (unsigned i = 1; i < dimensions_; ++i) {
-                listed += " x " + std::to_string(sizes[i]);
-            }
-            return listed;
-        };
+    [[nodiscard, gnu::cold, gnu::noinline]] std::string text() const {
         bool const is_moved = offset_ != std::array<std::size_t, 3>{};
-        return product(size_) + " work-items" + (has_local_ ? " in groups of " + product(local_) : "") +
-               (is_moved ? " from " + product(offset_) : "");
+        return detail::joined({product(size_), " work-items", has_local_ ? " in groups of " : "",
+                               has_local_ ? product(local_) : std::string(), is_moved ? " from " : "",
+                               is_moved ? product(offset_) : std::string()});
     }
 
 private:
+    [[gnu::cold, gnu::noinline]] std::string product(std::array<std::size_t, 3> const& sizes) const {
+        std::string listed;
+        for (unsigned i = 0; i < dimensions_; ++i) {
+            listed += detail::joined({i == 0 ? "" : " x ", std::to_string(sizes[i])});
+        }
+        return listed;
+    }
+
     unsigned dimensions_;
     std::array<std::size_t, 3> size_;
     std::array<std::size_t, 3> offset_{};
