@@ -92,6 +92,10 @@ SCENARIO(easy_says_what_devices_lack, "easy choice", 120, 120) {
     std::string const text = std::to_string(number);
     EXPECT_EQ(ez::find_device(text, needs::images), b.device);
     EXPECT_EQ(ez::session(text, needs::images).device(), b.device);
+    for (auto const& each : ez::find_devices("pocl")) { // which is in its platform's version only
+        EXPECT_EQ(each.get_platform().name(), "Portable Computing Language");
+    }
+    EXPECT_EQ(ez::find_devices("pocl").empty(), ez::find_devices("portable computing").empty());
     needs const much = needs::fp64 | needs::fp16 | needs::sub_groups | needs::out_of_order;
     std::string const lacked = ez::lacks(b.device, much);
     if (lacked.empty()) {

@@ -64,6 +64,21 @@ SCENARIO(easy_takes_images_and_vectors, "easy arguments", 100) {
     EXPECT_EQ(with.sums.read()[0], 9.0F);
 }
 
+SCENARIO(easy_refuses_arrays_of_other_contexts, "easy arguments", 100) {
+    pieces<Api> with(b);
+    ez::basic_session<Api::number> const other(b.device);
+    auto far = other.template array<float>(2);
+    cl_float4 const v{{1, 2, 3, 4}};
+    auto const refused = [&] {
+        return refusal<ez::argument_error>([&] { with.blend(ez::range(1), with.picture, with.how, far, v, v); });
+    };
+    EXPECT_NE(refused().find("was given an array of 2 elements of 4 bytes of another context: make it by"),
+              std::string::npos)
+        << refused();
+    auto const near = std::move(far);
+    EXPECT_NE(refused().find("that was moved from"), std::string::npos) << refused();
+}
+
 SCENARIO(easy_tells_arguments_apart, "easy arguments", 120) {
     pieces<Api> with(b);
     cl_float4 const v{{1, 2, 3, 4}};

@@ -167,10 +167,17 @@ struct is_object<
     std::void_t<decltype(std::declval<typename api<Version>::kernel&>().set_argument(0U, std::declval<T&>()))>>
     : std::bool_constant<!std::is_arithmetic<T>::value> {};
 
+/// Whether the traits of a `T` tell the context that it belongs to.
+template <class Traits, class T, class = void>
+struct has_context : std::false_type {};
+template <class Traits, class T>
+struct has_context<Traits, T, std::void_t<decltype(Traits::context(std::declval<T const&>()))>> : std::true_type {};
+
 } // namespace detail
 
 /// How a kernel takes a `T`: specialise it to make a type an argument. `check` is called where the declaration is known
-/// and throws `argument_error`; `set` hands over; `text` describes what was given, for messages.
+/// and throws `argument_error`; `set` hands over; `text` describes what was given, for messages. A function `context`
+/// may return the raw handle of the context that it belongs to, which must be the kernel's.
 ///
 ///     template <int Version>
 ///     struct ez::argument_traits<my::matrix, Version> {

@@ -60,6 +60,11 @@ public:
     /// The number of elements.
     [[nodiscard]] std::size_t size() const noexcept { return size_; }
 
+    /// The raw handle of its context, which kernels must share; null if it was moved from.
+    [[nodiscard]] _nq_cl_context* raw_context() const noexcept {
+        return state_ ? detail::raw_of(state_->context) : nullptr;
+    }
+
     /// The same elements, by way of another session's queue; of the same context.
     template <class Session>
     [[nodiscard]] basic_array on(Session const& other) const {
@@ -310,6 +315,7 @@ struct argument_traits<basic_array<T, Version>, Version> {
     static void set(typename api<Version>::kernel& target, unsigned index, basic_array<T, Version> const& array) {
         target.set_argument(index, const_cast<typename api<Version>::buffer&>(array.exact())); // only read
     }
+    static _nq_cl_context* context(basic_array<T, Version> const& array) noexcept { return array.raw_context(); }
     static std::string text(basic_array<T, Version> const& array) {
         return detail::joined(
             {"an array of ", std::to_string(array.size()), " elements of ", std::to_string(sizeof(T)), " bytes"});

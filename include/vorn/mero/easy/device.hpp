@@ -37,7 +37,7 @@ bool is_meant(typename api<Version>::device const& device, std::size_t number, s
     std::string const wanted = lower_case(text);
     auto const in = [&wanted](std::string const& name) { return lower_case(name).find(wanted) != std::string::npos; };
     return wanted == std::to_string(number) || wanted == type_name<Version>(device) || in(device.name()) ||
-           in(device.get_platform().name());
+           in(device.get_platform().name()) || in(device.get_platform().version()); // PoCL has its name there only
 }
 
 /// "0: rusticl: llvmpipe (cpu)".
@@ -91,7 +91,7 @@ template <int Version = default_version>
 
 /// The devices that a text means and that `accept` returns true for, in the order of `get_all_devices`; maybe none. A
 /// text means a number of `list_devices`, a type (`cpu`, `gpu`, `accelerator`), or a part of the device's name or of
-/// its platform's, in any case. An empty text means all.
+/// its platform's name or version ("pocl"), in any case. An empty text means all.
 template <int Version = default_version, class Accept, class = detail::accepts<Accept, typename api<Version>::device>>
 [[nodiscard]] std::vector<typename api<Version>::device> find_devices(std::string const& text, Accept&& accept) {
     std::vector<typename api<Version>::device> found;

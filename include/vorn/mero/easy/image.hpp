@@ -161,6 +161,11 @@ public:
     [[nodiscard]] size_type const& size() const noexcept { return size_; }
     /// The number of pixels.
     [[nodiscard]] std::size_t count() const noexcept { return size_[0] * size_[1] * size_[2]; }
+
+    /// The raw handle of its context, which kernels must share; null if it was moved from.
+    [[nodiscard]] _nq_cl_context* raw_context() const noexcept {
+        return state_ ? detail::raw_of(state_->context) : nullptr;
+    }
     /// All of the image.
     [[nodiscard]] image_region whole() const noexcept { return {{0, 0, 0}, size_}; }
 
@@ -336,6 +341,7 @@ struct argument_traits<basic_image<Format, Kind, Version>, Version> {
     static void set(typename api<Version>::kernel& target, unsigned index, image const& given) {
         exact::set(target, index, given.exact());
     }
+    static _nq_cl_context* context(image const& given) noexcept { return given.raw_context(); }
     static std::string text(image const& given) {
         return detail::joined(
             {"an image of ", detail::size_text(given.size()), ", ", detail::format_name(Format::order, Format::type)});

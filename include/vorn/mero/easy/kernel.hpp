@@ -136,11 +136,24 @@ private:
         if (at.declared.kind != detail::argument_kind::unknown) {
             traits::check(at, argument);
         }
+        if constexpr (detail::has_context<traits, Argument>::value) { // not every implementation compares them
+            if (auto const* const context = traits::context(argument); context != detail::raw_of(session_->context)) {
+                refuse_context(at, traits::text(argument), context == nullptr);
+            }
+        }
         try {
             traits::set(exact_, index, argument);
         } catch (common::opencl_error const& refused) {
             refuse_argument(at, traits::text(argument), refused);
         }
+    }
+
+    [[noreturn, gnu::cold, gnu::noinline]] static void refuse_context(argument_place const& at, std::string const& what,
+                                                                      bool is_empty) {
+        throw argument_error(detail::joined(
+            {at.text(), " was given ", what,
+             is_empty ? " that was moved from"
+                      : " of another context: make it by the kernel's session, or by one of its `another_queue`"}));
     }
 
     [[noreturn, gnu::cold, gnu::noinline]] static void
