@@ -34,10 +34,13 @@ char const* type_name(typename api<Version>::device const& device) {
 
 template <int Version>
 bool is_meant(typename api<Version>::device const& device, std::size_t number, std::string const& text) {
+    if (text.find_first_not_of("0123456789") == std::string::npos) {
+        return text == std::to_string(number);
+    }
     std::string const wanted = lower_case(text);
     auto const in = [&wanted](std::string const& name) { return lower_case(name).find(wanted) != std::string::npos; };
-    return wanted == std::to_string(number) || wanted == type_name<Version>(device) || in(device.name()) ||
-           in(device.get_platform().name()) || in(device.get_platform().version()); // PoCL has its name there only
+    return wanted == type_name<Version>(device) || in(device.name()) || in(device.get_platform().name()) ||
+           in(device.get_platform().version()); // PoCL has its name there only
 }
 
 /// "0: rusticl: llvmpipe (cpu)".
