@@ -248,7 +248,8 @@ public:
         number_ = callback_list::all().add(std::move(self));
         try {
             using when = typename api<Version>::commmand_exec_callback_type;
-            source_.set_callback(when::complete, callback_list::call, reinterpret_cast<void*>(number_));
+            void* const number = reinterpret_cast<void*>(number_); // NOLINT(performance-no-int-to-ptr): no address
+            source_.set_callback(when::complete, callback_list::call, number);
             if (source_.has_associated_command_queue()) {
                 source_.get_command_queue().flush(); // some run no command before
             }

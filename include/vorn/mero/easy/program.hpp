@@ -23,8 +23,10 @@ std::vector<build_failure::report> reports_of(typename api<Version>::program con
     std::vector<build_failure::report> reports;
     for (auto const& each : devices) {
         if (made.build_status(each) != api<Version>::program_build_status::success) {
-            std::string log = made.build_log(each);
-            reports.push_back({each.name(), log.empty() ? otherwise : std::move(log)});
+            reports.push_back({each.name(), made.build_log(each)});
+            if (reports.back().log.empty()) {
+                reports.back().log = otherwise;
+            }
         }
     }
     return reports;
