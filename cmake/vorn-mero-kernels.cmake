@@ -17,7 +17,12 @@
 #
 # A standard that is given, and the options, are noted in the object: the program is built with them on the device.
 #
+# The name of a file must not be a keyword of C++.
+#
 # VORN_MERO_KERNEL_CLANG, VORN_MERO_KERNEL_LLVM_SPIRV and VORN_MERO_KERNEL_SPIRV_CLANG name the tools.
+
+cmake_policy(PUSH)
+cmake_policy(VERSION 3.20) # whatever the project asks for: Ninja reads the paths of what a kernel includes by CMP0116
 
 # _vorn_mero_find_kernel_tool(VARIABLE PACKAGE WHAT NAME...)
 function(_vorn_mero_find_kernel_tool variable package what)
@@ -51,6 +56,19 @@ function(_vorn_mero_find_kernel_tools check spirv)
   set(llvm_spirv "${llvm_spirv}" PARENT_SCOPE)
 endfunction()
 
+# Refuses a name that the object of a file cannot have: the keywords of C++20, and the namespace in the header.
+function(_vorn_mero_check_kernel_name name source)
+  set(refused alignas alignof and and_eq asm auto bitand bitor bool break case catch char char8_t char16_t char32_t class
+    co_await co_return co_yield compl concept const const_cast consteval constexpr constinit continue decltype default delete
+    detail do double dynamic_cast else enum explicit export extern false float for friend goto if inline int long mutable
+    namespace new noexcept not not_eq nullptr operator or or_eq private protected public register reinterpret_cast requires
+    return short signed sizeof static static_assert static_cast struct switch template this thread_local throw true try
+    typedef typeid typename union unsigned using virtual void volatile wchar_t while xor xor_eq)
+  if(name IN_LIST refused)
+    message(FATAL_ERROR "vorn_mero_kernels: no object of C++ can be named '${name}': rename ${source}")
+  endif()
+endfunction()
+
 function(vorn_mero_kernels target)
   cmake_parse_arguments(PARSE_ARGV 1 arg "SPIRV" "HEADER;NAMESPACE;STANDARD;CHECK" "OPTIONS")
   if(NOT TARGET ${target} OR NOT arg_UNPARSED_ARGUMENTS)
@@ -68,7 +86,8 @@ function(vorn_mero_kernels target)
   set(namespace ${arg_NAMESPACE})
   set(passed ${arg_OPTIONS})
   list(FILTER passed EXCLUDE REGEX "^-I")
-  set(noted ${passed})
+  list(TRANSFORM passed REPLACE "^(-D *)?(.*[ \t'].*)$" "\\1 \"\\2\"" OUTPUT_VARIABLE noted) # as build_options does
+  list(TRANSFORM noted STRIP)
   set(folders "")
   foreach(option IN LISTS arg_OPTIONS)
     if(option MATCHES "^-I(.+)")
@@ -91,6 +110,7 @@ function(vorn_mero_kernels target)
     get_filename_component(source ${source} ABSOLUTE)
     get_filename_component(name ${source} NAME_WE)
     string(MAKE_C_IDENTIFIER ${name} name)
+    _vorn_mero_check_kernel_name(${name} ${source})
     set(part ${parts}/${name})
     if(${part}.hpp IN_LIST made)
       message(FATAL_ERROR "vorn_mero_kernels: two files of ${arg_HEADER} are named ${name}")
@@ -117,3 +137,5 @@ function(vorn_mero_kernels target)
     target_include_directories(${target} PRIVATE ${folder})
   endif()
 endfunction()
+
+cmake_policy(POP)

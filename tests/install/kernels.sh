@@ -30,6 +30,11 @@ if grep -q Embedding log; then cat log && echo "embeds without a change" && exit
 sleep 1
 sed -i 's/return a + b/return a + c/' source/include/sum.h
 refuse "a mistake in what a kernel includes" 'include/sum.h:5:[0-9]*: error: ' cmake --build build
+cp source/odd.cl source/double.cl
+sed 's/kernels odd.cl /kernels double.cl /' source/CMakeLists.txt >with-keyword
+mv with-keyword source/CMakeLists.txt
+refuse "a keyword" "can be named 'double': rename" cmake build
+cp "$project/CMakeLists.txt" source
 nothing_is_found="-DCMAKE_FIND_USE_SYSTEM_ENVIRONMENT_PATH=OFF -DCMAKE_FIND_USE_CMAKE_SYSTEM_PATH=OFF"
 # shellcheck disable=SC2086
 refuse "no clang" 'apt-get install clang' cmake build -U'VORN_MERO_KERNEL_*CLANG' $nothing_is_found

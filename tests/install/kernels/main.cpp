@@ -13,7 +13,8 @@
 namespace ez = vorn::mero::easy;
 
 static_assert(embedded::scale.kernels.size() == 2 && embedded::scale.find("nothing")->arguments == 0);
-static_assert(embedded::scale.find("scale")->arguments == 2 && embedded::scale.options == "-cl-std=CL1.2 -DFACTOR=3");
+static_assert(embedded::scale.find("scale")->arguments == 2 &&
+              embedded::scale.options == "-cl-std=CL1.2 -D \"FACTOR=1 + 2\"");
 static_assert(embedded::scale.name == "scale.cl" && embedded::scale.il.size() % 4 == 0 && !embedded::scale.il.empty());
 static_assert(kernels::odd.find("odd")->arguments == 3 && kernels::odd.il.empty() && kernels::odd.options.empty());
 static_assert(kernels::large.source.size() > 65536 && kernels::large.find("large")->arguments == 0);
