@@ -65,7 +65,25 @@ SCENARIO(easy_borders_objects, "easy layer", 110) {
                   ez::from_cl<array>(ez::to_cl(foreign), gpu, ez::retain);
               }).find("another context"),
               std::string::npos);
+    EXPECT_NE(refusal<ez::argument_error>([&] { ez::from_cl<array>(ez::to_cl(foreign), gpu, ez::take_over); }),
+              "nothing");
+    EXPECT_EQ(Api::refcount(foreign.exact()), 1U); // what is refused is not taken over
     EXPECT_NE(refusal<ez::argument_error>([&] { ez::from_cl<array>(cl_mem(nullptr), gpu, ez::retain); }), "nothing");
+}
+
+SCENARIO(easy_borders_parts, "easy layer", 110) {
+    ez::basic_session<Api::number> const gpu(b.device, b.context, b.queue);
+    std::size_t const step = b.device.mem_base_addr_align() / 8; // where parts may begin
+    auto all = gpu.array(counting<std::uint8_t>(2 * step + 4));
+    auto half = all.part(step, step + 4);
+    Api::retain(half.exact()); // what the next object takes over
+    auto const count = Api::refcount(half.exact());
+    {
+        auto same = ez::from_cl<ez::basic_array<std::uint8_t, Api::number>>(ez::to_cl(half), gpu, ez::take_over);
+        EXPECT_EQ(Api::refcount(half.exact()), count);
+        EXPECT_EQ(same.part(step, 4).read(), counting<std::uint8_t>(4, static_cast<std::uint8_t>(2 * step + 1)));
+    }
+    EXPECT_EQ(Api::refcount(half.exact()), count - 1);
 }
 
 SCENARIO(easy_borders_images, "images", 120) {

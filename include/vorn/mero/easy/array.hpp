@@ -48,9 +48,10 @@ public:
     using transfer_type = basic_transfer<Version>;
     using waits_type = waits<Version>;
 
-    /// Of a session's device; `exact` must have room for `size` elements.
-    basic_array(std::shared_ptr<detail::session_state<Version>> state, exact_type exact, std::size_t size) noexcept
-        : state_(std::move(state)), exact_(std::move(exact)), size_(size) {}
+    /// Of a session's device; `exact` must have room for `size` elements. `is_part` says that it is a sub-buffer.
+    basic_array(std::shared_ptr<detail::session_state<Version>> state, exact_type exact, std::size_t size,
+                bool is_part = false) noexcept
+        : state_(std::move(state)), exact_(std::move(exact)), size_(size), is_part_(is_part) {}
 
     /// The buffer of the exact interface.
     [[nodiscard]] exact_type& exact() noexcept { return exact_; }
@@ -275,7 +276,7 @@ private:
     std::shared_ptr<detail::session_state<Version>> state_;
     exact_type exact_;
     std::size_t size_;
-    bool is_part_ = false;
+    bool is_part_;
 };
 
 template <class T, int Version>

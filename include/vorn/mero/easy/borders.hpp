@@ -37,7 +37,8 @@ struct retain_t {};
 /// The same as an argument.
 inline constexpr retain_t retain{};
 
-/// For `from_cl`: the object gets the caller's reference, and releases it in the end.
+/// For `from_cl`: the object gets the caller's reference, and releases it in the end. Where `from_cl` throws, the
+/// caller keeps it.
 struct take_over_t {};
 /// The same as an argument.
 inline constexpr take_over_t take_over{};
@@ -130,6 +131,14 @@ Exact owning(nq::call_handle const& where, typename kind_t<Exact>::raw_type* raw
     return made;
 }
 
+/// Ends the caller's reference, now that the object that takes it over has one.
+template <class Exact>
+void end_reference(nq::call_handle const& where, typename kind_t<Exact>::raw_type* raw, take_over_t) {
+    static_cast<void>(owning<Exact>(where, raw, take_over));
+}
+template <class Exact>
+void end_reference(nq::call_handle const& /*where*/, typename kind_t<Exact>::raw_type* /*raw*/, retain_t) noexcept {}
+
 /// The device of a handle. OpenCL finds what belongs to a handle by itself, so any device of the process can ask.
 template <int Version>
 typename api<Version>::device device_of(std::vector<typename api<Version>::device> const& devices,
@@ -199,7 +208,23 @@ struct adoption<basic_array<T, Version>> {
     static basic_array<T, Version> make(basic_session<Version> const& gpu, typename api<Version>::buffer exact) {
         check_context(gpu, exact);
         std::size_t const size = exact.size() / sizeof(T);
-        return {gpu.state(), std::move(exact), size};
+        bool const is_part = is_sub_buffer(exact);
+        return {gpu.state(), std::move(exact), size, is_part};
+    }
+
+private:
+    static bool is_sub_buffer(typename api<Version>::buffer const& exact) {
+        nq::block::clGetMemObjectInfo block;
+        _nq_cl_mem* whole = nullptr;
+        block.memobj = raw_of(exact);
+        block.param_name = 0x1107; // CL_MEM_ASSOCIATED_MEMOBJECT, since OpenCL 1.1
+        block.param_value_size = sizeof whole;
+        block.param_value = &whole;
+        block.param_value_size_ret = nullptr;
+        if constexpr (Version >= 110) {
+            perform<Version>(exact, block);
+        }
+        return whole != nullptr;
     }
 };
 
@@ -251,8 +276,10 @@ basic_session<Version> session_on(cl_command_queue foreign, Ownership ownership)
     auto device = device_of<Version>(devices, raw_of(asked.get_device()));
     auto const& where = internal::owner_access::call_handle(device);
     auto context = owning<typename exact_api::context>(where, raw_of(asked.get_context()), retain);
-    auto queue = owning<typename exact_api::host_queue>(where, from_cl(foreign), ownership);
-    return basic_session<Version>(std::move(device), std::move(context), std::move(queue));
+    auto queue = owning<typename exact_api::host_queue>(where, from_cl(foreign), retain);
+    basic_session<Version> made(device, std::move(context), std::move(queue));
+    end_reference<typename exact_api::host_queue>(where, from_cl(foreign), ownership);
+    return made;
 }
 
 } // namespace detail
@@ -282,7 +309,10 @@ template <class Object, class Handle, int Version, class Ownership, std::enable_
 template <class Object, class Handle, int Version, class Ownership,
           std::enable_if_t<!detail::is_exact<Object>, int> = 0>
 [[nodiscard]] Object from_cl(Handle handle, basic_session<Version> const& gpu, Ownership ownership) {
-    return detail::adoption<Object>::make(gpu, from_cl<typename Object::exact_type>(handle, gpu.context(), ownership));
+    using exact = typename Object::exact_type;
+    auto made = detail::adoption<Object>::make(gpu, from_cl<exact>(handle, gpu.context(), retain));
+    detail::end_reference<exact>(internal::owner_access::call_handle(gpu.context()), from_cl(handle), ownership);
+    return made;
 }
 
 /// The device of OpenCL's handle, for a session of its own. Throws `no_device` where libnq does not offer it for this
