@@ -5,10 +5,13 @@
 #include <vorn/mero/easy.hpp>
 #include <vorn/mero/easy/binary_cache.hpp>
 
+#include <cstring>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <thread>
+
+#include <unistd.h>
 
 namespace real {
 namespace {
@@ -96,6 +99,19 @@ SCENARIO(easy_knows_included_files, "easy binary cache", 120, 120) {
     expect_build(false, 7);
     expect_build(false, 7);
     files::remove_all(sources);
+}
+
+SCENARIO(easy_reads_files_once, "easy binary cache", 120, 120) {
+    auto const gpu = ez::session(b.device, b.context);
+    cache_folder const folder;
+    ez::binary_cache cache(folder.path / "cache");
+    int ends[2] = {};
+    ASSERT_EQ(::pipe(ends), 0);
+    EXPECT_EQ(::write(ends[1], adds_n, std::strlen(adds_n)), static_cast<ssize_t>(std::strlen(adds_n)));
+    ::close(ends[1]); // whoever reads it again finds nothing
+    auto const path = "/proc/self/fd/" + std::to_string(ends[0]);
+    EXPECT_EQ(result_of(gpu, cache.build_file(gpu, path, "-DN=2")), 3);
+    ::close(ends[0]);
 }
 
 SCENARIO(easy_mends_entries, "easy binary cache", 120, 120) {

@@ -6,7 +6,9 @@
 #include <array>
 #include <atomic>
 #include <cerrno>
+#include <cstddef>
 #include <cstdint>
+#include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <memory>
@@ -32,8 +34,8 @@ namespace vorn::mero::easy {
 /// can be stored, every build compiles; `problem` says why.
 ///
 /// Sources whose `#include` names a macro are not kept. Some implementations do not tell how the arguments of a program
-/// from a binary are declared (Intel's), so that only their number is checked. Nothing removes old entries but `clear`.
-/// Thread-safe.
+/// from a binary are declared (Intel's), so that only their number is checked. Nothing removes old entries but
+/// `remove`. Thread-safe.
 class binary_cache {
 public:
     /// In the default folder.
@@ -63,7 +65,7 @@ public:
     [[nodiscard]] basic_program<Version> build_file(basic_session<Version> const& gpu, std::string const& path,
                                                     build_options options = {}) {
         std::string const source = detail::content_of(path);
-        auto const fresh = [&, given = options] { return gpu.build_file(path, given); };
+        auto const fresh = [&, given = options] { return gpu.build_read({{path, source}}, given); };
         return build_by(gpu, source, options.include(detail::folder_of(path)), fresh);
     }
 
@@ -202,7 +204,7 @@ private:
         std::vector<unsigned char> binary;
         try {
             binary = built.binary();
-        } catch (common::opencl_error const&) { // the implementation keeps it to itself
+        } catch (common::error const&) { // the implementation keeps it to itself
         }
         if (binary.empty()) {
             return;

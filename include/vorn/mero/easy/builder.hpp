@@ -5,8 +5,10 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <cstddef>
 #include <cstdio>
 #include <cstring>
+#include <initializer_list>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -14,6 +16,8 @@
 #include <vector>
 
 namespace vorn::mero::easy {
+
+class binary_cache;
 
 namespace detail {
 
@@ -97,12 +101,12 @@ public:
     /// From several sources, as if they were one text. Messages name them "source 1" and so on.
     [[nodiscard]] basic_program<Version> build(std::vector<std::string> const& sources,
                                                build_options const& options = {}) const {
-        std::string all;
-        std::size_t number = 0;
-        for (std::string const& each : sources) {
-            all += detail::named_part("source " + std::to_string(++number), each);
-        }
-        return build(all, options);
+        return build_parts(sources, options);
+    }
+    /// The same: `gpu.build({first, second})`.
+    [[nodiscard]] basic_program<Version> build(std::initializer_list<std::string_view> sources,
+                                               build_options const& options = {}) const {
+        return build_parts(sources, options);
     }
 
     /// From what a header of the build has. SPIR-V is used where there is some, the version and the device take it, and
@@ -132,20 +136,11 @@ public:
     /// From several files of source, as if they were one.
     [[nodiscard]] basic_program<Version> build_file(std::vector<std::string> const& paths,
                                                     build_options const& options = {}) const {
-        std::string source;
-        std::string names;
-        std::vector<std::string> folders;
-        build_options with = options;
+        std::vector<std::pair<std::string, std::string>> files;
         for (std::string const& each : paths) {
-            source += detail::named_part(each, detail::content_of(each));
-            names += detail::joined({names.empty() ? "'" : ", '", each, "'"});
-            std::string const folder = detail::folder_of(each);
-            if (std::find(folders.begin(), folders.end(), folder) == folders.end()) {
-                folders.push_back(folder);
-                with.include(folder);
-            }
+            files.emplace_back(each, detail::content_of(each));
         }
-        return made(state_->context.create_program_from_source(source), with, names);
+        return build_read(files, options);
     }
 
     /// From intermediate language, such as the bytes of a SPIR-V module. Throws `unsupported` on a device that takes
@@ -167,7 +162,7 @@ public:
                                                       build_options const& options = {}) const {
         try {
             return made(state_->context.create_program_from_binary({{state_->device, binary}}), options);
-        } catch (common::opencl_error const& refused) {
+        } catch (common::error const& refused) {
             std::throw_with_nested(build_failure(
                 state_->device.name(), options.text(),
                 detail::joined({refused.what(), " The binary is another device's or driver's: build from source."})));
@@ -224,6 +219,37 @@ protected:
     std::shared_ptr<detail::session_state<Version>> state_; ///< What the programs keep alive.
 
 private:
+    friend class binary_cache; // which has read the file
+
+    template <class Sources>
+    basic_program<Version> build_parts(Sources const& sources, build_options const& options) const {
+        std::string all;
+        std::size_t number = 0;
+        for (auto const& each : sources) {
+            all += detail::named_part("source " + std::to_string(++number), each);
+        }
+        return build(all, options);
+    }
+
+    /// From the texts of files, each behind its path.
+    basic_program<Version> build_read(std::vector<std::pair<std::string, std::string>> const& files,
+                                      build_options const& options) const {
+        std::string source;
+        std::string names;
+        std::vector<std::string> folders;
+        build_options with = options;
+        for (auto const& [each, text] : files) {
+            source += detail::named_part(each, text);
+            names += detail::joined({names.empty() ? "'" : ", '", each, "'"});
+            std::string const folder = detail::folder_of(each);
+            if (std::find(folders.begin(), folders.end(), folder) == folders.end()) {
+                folders.push_back(folder);
+                with.include(folder);
+            }
+        }
+        return made(state_->context.create_program_from_source(source), with, names);
+    }
+
     static build_options checked(build_options options) {
         return Version < 120 ? options : options.add("-cl-kernel-arg-info");
     }
@@ -238,7 +264,7 @@ private:
     std::string il_version() const {
         try {
             return state_->device.il_version();
-        } catch (common::opencl_error const&) {
+        } catch (common::error const&) {
             return {};
         }
     }
@@ -253,7 +279,7 @@ private:
         }
         try {
             return state_->context.link_programs({state_->device}, programs, options.text(), nullptr, nullptr);
-        } catch (common::opencl_error const& refused) { // OpenCL drops the linker's log with the program
+        } catch (common::error const& refused) { // OpenCL drops the linker's log with the program
             std::throw_with_nested(build_failure(state_->device.name(), options.text(), refused.what()));
         }
     }

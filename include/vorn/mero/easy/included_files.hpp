@@ -66,7 +66,7 @@ inline bool collect_includes(std::string_view source, std::vector<std::string>& 
     return true;
 }
 
-/// The names and texts of all files that a source includes, directly or not, wherever a folder has one of the name.
+/// The texts of all files that a source includes, directly or not, wherever a folder has one of the name.
 /// Nothing where they cannot be told because of a macro.
 inline std::optional<std::string> included_files(std::string_view source, std::string_view options) {
     auto const folders = include_folders(options);
