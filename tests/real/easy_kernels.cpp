@@ -15,6 +15,9 @@ struct vorn::mero::easy::argument_traits<weights, Version> {
     using value = argument_traits<std::array<float, 4>, Version>;
     static void check(argument_place const& at, weights const& w) { value::check(at, w.values); }
     static void set(typename api<Version>::kernel& kernel, unsigned index, weights const& w) {
+        if (w.is_empty) { // as if OpenCL had answered with a status of a vendor's own
+            throw common::unknown_opencl_error(-9999);
+        }
         value::set(kernel, index, w.values);
     }
     static std::string text(weights const&) { return "weights"; }
@@ -62,6 +65,22 @@ SCENARIO(easy_takes_images_and_vectors, "easy arguments", 100) {
     EXPECT_EQ(with.sums.read()[0], 59.0F);
     with.blend(ez::range(1), with.picture, with.how, with.sums, weights{{0, 0, 0, 0}, false}, scale);
     EXPECT_EQ(with.sums.read()[0], 9.0F);
+    EXPECT_NE(refusal<ez::argument_error>([&] {
+                  with.blend.set_arguments(with.picture, with.how, with.sums, weights{{}, true}, scale);
+              }).find("was given weights, which OpenCL refuses: "),
+              std::string::npos);
+}
+
+SCENARIO(easy_takes_structures_named_like_images, "easy arguments", 100) {
+    ez::basic_session<Api::number> const gpu(b.device, b.context);
+    auto area = gpu.build("typedef struct { int w, h; } image_size_t;"
+                          "kernel void f(image_size_t size, global int* v) { *v = size.w * size.h; }")["f"];
+    auto result = gpu.template array<int>(1);
+    struct {
+        std::int32_t w = 3, h = 4;
+    } const size;
+    area(ez::range(1), size, result);
+    EXPECT_EQ(result.read()[0], 12);
 }
 
 SCENARIO(easy_refuses_arrays_of_other_contexts, "easy arguments", 100) {

@@ -5,6 +5,8 @@
 #include <vorn/mero/easy/event.hpp>
 #include <vorn/mero/easy/range.hpp>
 
+#include <array>
+#include <cstddef>
 #include <exception>
 #include <memory>
 #include <string>
@@ -113,7 +115,7 @@ private:
         set_arguments(arguments...);
         try {
             return event_type(session_->queue.enqueue_command(detail::launch<Version>(exact_, over), count, list));
-        } catch (common::opencl_error const& refused) {
+        } catch (common::error const& refused) {
             refuse_launch(over, refused);
         }
     }
@@ -143,7 +145,7 @@ private:
         }
         try {
             traits::set(exact_, index, argument);
-        } catch (common::opencl_error const& refused) {
+        } catch (common::error const& refused) {
             refuse_argument(at, traits::text(argument), refused);
         }
     }
@@ -157,14 +159,13 @@ private:
     }
 
     [[noreturn, gnu::cold, gnu::noinline]] static void
-    refuse_argument(argument_place const& at, std::string const& what, common::opencl_error const& refused) {
+    refuse_argument(argument_place const& at, std::string const& what, common::error const& refused) {
         std::throw_with_nested(argument_error(
             detail::joined({at.text(), " was given ", what, ", which OpenCL refuses: ", refused.what()})));
     }
 
     /// Called while OpenCL's exception is handled.
-    [[noreturn, gnu::cold, gnu::noinline]] void refuse_launch(range const& over,
-                                                              common::opencl_error const& refused) const {
+    [[noreturn, gnu::cold, gnu::noinline]] void refuse_launch(range const& over, common::error const& refused) const {
         std::throw_with_nested(launch_error(
             detail::joined({"kernel '", name_, "' over ", over.text(), ": ", refused.what(), launch_advice(over)})));
     }
@@ -186,7 +187,7 @@ private:
                 return detail::joined(
                     {"; a group of this kernel has at most ", std::to_string(most), " work-items here"});
             }
-        } catch (common::opencl_error const&) { // then without advice
+        } catch (common::error const&) { // then without advice
         }
         for (unsigned i = 0; i != over.dimensions(); ++i) {
             if ((*local)[i] == 0 || over.size()[i] % (*local)[i] != 0) {

@@ -104,7 +104,7 @@ template <int Version = default_version>
         bool found = !contains(what, each.flag);
         try {
             found = found || detail::has<Version>(device, each.flag);
-        } catch (common::opencl_error const&) { // the device does not even know the question
+        } catch (common::error const&) { // the device does not even know the question
         }
         if (!found) {
             list += detail::joined({list.empty() ? "" : ", ", each.name});

@@ -5,6 +5,7 @@
 #include <vorn/mero/easy/error.hpp>
 #include <vorn/mero/easy/versions.hpp>
 
+#include <algorithm>
 #include <array>
 #include <cstddef>
 #include <cstdint>
@@ -12,6 +13,7 @@
 #include <cstring>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <type_traits>
 #include <utility>
 #include <vector>
@@ -92,16 +94,35 @@ enum class argument_kind { unknown, value, pointer, local, image, sampler, pipe,
 
 enum class address_space { unknown, global, constant, local, private_ };
 
-inline argument_kind kind_named(std::string const& type, address_space space, bool is_pipe) {
-    bool const is_opaque = type.size() > 2 && type.compare(type.size() - 2, 2, "_t") == 0;
-    return space == address_space::unknown                            ? argument_kind::unknown
-           : is_pipe                                                  ? argument_kind::pipe
-           : is_opaque && type.find("image") != std::string::npos     ? argument_kind::image
-           : type == "sampler_t"                                      ? argument_kind::sampler
-           : type == "queue_t"                                        ? argument_kind::queue
-           : space == address_space::local                            ? argument_kind::local
-           : space != address_space::private_ || (type.back() == '*') ? argument_kind::pointer
-                                                                      : argument_kind::value;
+/// Whether it is an image's type, "image2d_t" or a sibling; some compilers put the access before it.
+inline bool names_image(std::string_view type) noexcept {
+    constexpr std::array<std::string_view, 12> images{"image1d_t",
+                                                      "image1d_buffer_t",
+                                                      "image1d_array_t",
+                                                      "image2d_t",
+                                                      "image2d_array_t",
+                                                      "image2d_depth_t",
+                                                      "image2d_msaa_t",
+                                                      "image2d_array_depth_t",
+                                                      "image2d_array_msaa_t",
+                                                      "image2d_msaa_depth_t",
+                                                      "image2d_array_msaa_depth_t",
+                                                      "image3d_t"};
+    type.remove_prefix(type.rfind(' ') + 1); // all of it without a blank
+    return std::find(images.begin(), images.end(), type) != images.end();
+}
+
+inline bool names_pointer(std::string_view type) noexcept { return !type.empty() && type.back() == '*'; }
+
+inline argument_kind kind_named(std::string_view type, address_space space, bool is_pipe) {
+    return space == address_space::unknown                           ? argument_kind::unknown
+           : is_pipe                                                 ? argument_kind::pipe
+           : names_image(type)                                       ? argument_kind::image
+           : type == "sampler_t"                                     ? argument_kind::sampler
+           : type == "queue_t"                                       ? argument_kind::queue
+           : space == address_space::local                           ? argument_kind::local
+           : space != address_space::private_ || names_pointer(type) ? argument_kind::pointer
+                                                                     : argument_kind::value;
 }
 
 /// What the implementation tells of an argument; of `unknown` kind where it tells nothing.
@@ -109,7 +130,7 @@ struct parameter {
     parameter() = default;
     parameter(std::string its_name, std::string its_type, address_space space, bool is_pipe)
         : name(std::move(its_name)), type(std::move(its_type)), kind(kind_named(type, space, is_pipe)),
-          wanted(shape_named(!type.empty() && type.back() == '*' ? type.substr(0, type.size() - 1) : type)) {}
+          wanted(shape_named(names_pointer(type) ? type.substr(0, type.size() - 1) : type)) {}
 
     std::string name;
     std::string type;

@@ -42,11 +42,11 @@ void build_by(Action const& action, typename api<Version>::program const& made,
     try {
         action();
         reports = reports_of<Version>(made, devices);
-    } catch (common::opencl_error const& refused) {
+    } catch (common::error const& refused) {
         std::string const reason = refused.what(); // options that OpenCL does not know, a binary of another device
         try {
             reports = reports_of<Version>(made, devices, reason);
-        } catch (common::opencl_error const&) { // then what it said first
+        } catch (common::error const&) { // then what it said first
         }
         if (reports.empty()) {
             reports.push_back({devices.front().name(), reason});
