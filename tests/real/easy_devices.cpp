@@ -55,6 +55,7 @@ SCENARIO(easy_splits, "easy devices", 110) {
         EXPECT_THROW(a.scatter(numbers(1)), ez::bounds_error);
     }
     EXPECT_THROW(job.weigh({1}), ez::bounds_error);
+    EXPECT_THROW(job.template array<std::int32_t>(~std::size_t{0} / items + 1), ez::bounds_error);
 
     std::array<int, 2> calls{};
     auto const seconds = job.measure({4, 2}, [&](std::size_t k, ez::share const& part) {
@@ -91,7 +92,8 @@ TEST(wire, shares) {
                                                                        {10, 4, {1, 1}, {6, 4}},
                                                                        {3, 4, {1, 1, 1}, {3, 0, 0}},
                                                                        {0, 1, {1}, {0}},
-                                                                       {7, 1, {0, 1, 0}, {0, 7, 0}}}) {
+                                                                       {7, 1, {0, 1, 0}, {0, 7, 0}},
+                                                                       {8, 1, {1e308, 1e308}, {4, 4}}}) {
         auto const shares = ez::shares_of(count, weights, step);
         std::size_t next = 0;
         for (std::size_t i = 0; i < shares.size(); ++i) {
@@ -100,7 +102,8 @@ TEST(wire, shares) {
             next += shares[i].count;
         }
     }
-    for (auto const& wrong : std::vector<std::vector<double>>{{}, {0, 0}, {2, -1}, {std::nan("")}}) {
+    for (auto const& wrong :
+         std::vector<std::vector<double>>{{}, {0, 0}, {2, -1}, {std::nan("")}, {1, std::nan("")}, {1, HUGE_VAL}}) {
         EXPECT_THROW(ez::shares_of(1, wrong), ez::bounds_error);
     }
 }

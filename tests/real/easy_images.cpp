@@ -17,16 +17,6 @@ ez::basic_session<Api::number> session_of(bench<Api>& b) {
     return ez::basic_session<Api::number>(b.device, b.context, Api::create_queue(b.context, b.device, false, true));
 }
 
-template <class Exception, class Action>
-std::string refusal(Action action) {
-    try {
-        action();
-    } catch (Exception const& refused) {
-        return refused.what();
-    }
-    return "nothing";
-}
-
 /// Transfers, copies and maps of whole images and of a region; `part` has two pixels in each direction that there is.
 template <class Session, class Image>
 void use(Session const& gpu, Image image, Image other, bool with_maps) {
@@ -92,20 +82,61 @@ SCENARIO(easy_images_by_kind, "easy images", 100) {
         use(gpu, gpu.template image<r32u>(8), gpu.template image<r32u>(8), true);
         use(gpu, gpu.template image_array<r32u>(8, 6, 4), gpu.template image_array<r32u>(8, 6, 4), true);
         use(gpu, gpu.template image_array<r32u>(8, 6), gpu.template image_array<r32u>(8, 6), b.name != "rusticl");
+        if (b.name == "rusticl") {
+            skip("maps the wrong layer of an array of one-dimensional images");
+        }
     }
 }
 
-/// A pixel of each format that the device has, filled by the device and read by the host.
+/// What the host reads where the device has filled a channel with 1.
+constexpr auto filled(std::uint32_t type) {
+    switch (type) {
+    case 0x10D0:
+        return 127; // snorm
+    case 0x10D1:
+        return 32767;
+    case 0x10D2:
+        return 255; // unorm
+    case 0x10D3:
+        return 65535;
+    case 0x10DD:
+        return 0x3C00; // half
+    default:
+        return 1;
+    }
+}
+
+/// A pixel filled by the device and read by the host.
 template <class Format, class Session>
-void expect_fill(Session const& gpu, typename Format::pixel const& pixel) {
+void expect_fill(Session const& gpu) {
+    auto const formats = gpu.context().image_2d_supported_formats(Session::exact_api::mem_flags::read_write);
+    bool const is_listed = std::ranges::any_of(formats, [](auto const& each) {
+        return static_cast<std::uint32_t>(each.channel_order) == Format::order &&
+               static_cast<std::uint32_t>(each.channel_data_type) == Format::type;
+    });
+    typename Format::pixel pixel{};
+    if constexpr (requires { pixel.size(); }) {
+        using channel = typename Format::pixel::value_type;
+        for (std::size_t i = 0; i < pixel.size(); i += 2) {
+            pixel[i] = static_cast<channel>(filled(Format::type));
+        }
+    } else {
+        pixel = static_cast<typename Format::pixel>(filled(Format::type));
+    }
     try {
         auto image = gpu.template image<Format>(2, 2);
         image.fill({{1, 0, 1, 0}}, {{1, 0, 0}, {1, 1, 1}}).wait();
         EXPECT_EQ(image.read()[1], pixel) << Format::order << " " << Format::type;
     } catch (ez::unsupported const& lacks) {
+        EXPECT_FALSE(is_listed) << lacks.what();
         EXPECT_NE(std::string(lacks.what()).find(" has no images of this format; it has: "), std::string::npos)
             << lacks.what();
     }
+}
+
+template <class... Formats, class Session>
+void expect_fills(Session const& gpu) {
+    (expect_fill<Formats>(gpu), ...);
 }
 
 SCENARIO(easy_image_formats, "easy images", 120) {
@@ -113,22 +144,16 @@ SCENARIO(easy_image_formats, "easy images", 120) {
     if (!b.device.image_support()) {
         skip("the device has no images");
     }
-    expect_fill<ez::rgba8>(gpu, {255, 0, 255, 0});
-    expect_fill<ez::bgra8>(gpu, {255, 0, 255, 0});
-    expect_fill<ez::r8>(gpu, 255);
-    expect_fill<ez::rg8>(gpu, {255, 0});
-    expect_fill<ez::rgba16>(gpu, {65535, 0, 65535, 0});
-    expect_fill<ez::rgba8i>(gpu, {1, 0, 1, 0});
-    expect_fill<ez::rgba16u>(gpu, {1, 0, 1, 0});
-    expect_fill<ez::r32i>(gpu, 1);
-    expect_fill<ez::rgba16f>(gpu, {0x3C00, 0, 0x3C00, 0});
-    expect_fill<ez::r32f>(gpu, 1.0F);
-    expect_fill<ez::rgba32f>(gpu, {1.0F, 0.0F, 1.0F, 0.0F});
+    expect_fills<ez::r8, ez::rg8, ez::rgba8, ez::bgra8, ez::r16, ez::rg16, ez::rgba16, ez::rgba8_snorm,
+                 ez::rgba16_snorm, ez::r8i, ez::rg8i, ez::rgba8i, ez::r16i, ez::rg16i, ez::rgba16i, ez::r32i, ez::rg32i,
+                 ez::rgba32i, ez::r8u, ez::rg8u, ez::rgba8u, ez::r16u, ez::rg16u, ez::rgba16u, ez::r32u, ez::rg32u,
+                 ez::rgba32u, ez::r16f, ez::rg16f, ez::rgba16f, ez::r32f, ez::rg32f, ez::rgba32f>(gpu);
     struct odd : ez::pixel_format<0x10B4, 0x10DE, float, float> {}; // rgb with unpacked channels
-    if (b.name != "oclgrind") {                                     // takes any
-        EXPECT_NE(refusal<ez::unsupported>([&] { gpu.template image<odd>(2, 2); }).find("Wanted: rgb float"),
-                  std::string::npos);
+    if (b.name == "oclgrind") {
+        skip("takes any format");
     }
+    EXPECT_NE(refusal<ez::unsupported>([&] { gpu.template image<odd>(2, 2); }).find("Wanted: rgb float"),
+              std::string::npos);
 }
 
 SCENARIO(easy_images_in_kernels, "easy images", 120) {

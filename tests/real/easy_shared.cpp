@@ -46,6 +46,8 @@ SCENARIO(easy_shared_memory, "SVM", 200) {
             }
         }
         auto moved = std::move(links);
+        EXPECT_EQ(links.map().size(), 0U); // NOLINT(bugprone-use-after-move): is told
+        EXPECT_THROW(links.fill({}), ez::bounds_error);
         sum(ez::range(1), moved, total);
         ++moved.map()[0].value;
         sum(ez::range(1), moved, total); // still runs when the memory goes
@@ -59,6 +61,7 @@ SCENARIO(easy_shared_memory, "SVM", 200) {
     values.write({1, 2});
     EXPECT_EQ(values.map_read(ez::after(filled))[1], 2);
     EXPECT_THROW(values.write(numbers(5)), ez::bounds_error);
+    EXPECT_THROW((ez::basic_shared<int, version>(gpu, (std::size_t{1} << 62) + 4)), ez::bounds_error);
     EXPECT_THROW(sum(ez::range(1), 1, total), ez::argument_error);
     EXPECT_TRUE((ez::basic_shared<int, version>(gpu, 0).read().empty()));
 

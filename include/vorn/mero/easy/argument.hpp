@@ -219,7 +219,7 @@ struct argument_traits<local<T>, Version> {
         detail::check_memory(at, detail::argument_kind::local, detail::shape<T>::value);
     }
     static void set(typename api<Version>::kernel& target, unsigned index, local<T> const& memory) {
-        target.set_argument(index, typename api<Version>::local_memory(memory.count * sizeof(T)));
+        target.set_argument(index, typename api<Version>::local_memory(detail::product(memory.count, sizeof(T))));
     }
     static std::string text(local<T> const& memory) {
         return detail::joined(

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <initializer_list>
 #include <stdexcept>
 #include <string>
@@ -126,5 +127,18 @@ class order_error : public error {
 public:
     using error::error;
 };
+
+namespace detail {
+
+/// The product of a number of things and the number or size of what each has.
+constexpr std::size_t product(std::size_t count, std::size_t each) {
+    if (each != 0 && count > static_cast<std::size_t>(-1) / each) {
+        throw bounds_error(joined(
+            {std::to_string(count), " times ", std::to_string(each), " is more than memory can hold: ask for less"}));
+    }
+    return count * each;
+}
+
+} // namespace detail
 
 } // namespace vorn::mero::easy

@@ -54,8 +54,9 @@ public:
         }
     }
 
-    /// Whether the command has ended; it may have failed, which `wait` tells. Does not block. Some implementations run
-    /// no command before `session::flush` or a wait.
+    /// Whether the command has ended; it may have failed, which `wait` tells. Does not wait for commands, but of a
+    /// result of `then` it may call the function. Some implementations run no command before `session::flush` or a
+    /// wait.
     [[nodiscard]] bool done() const {
         return host_ ? host_->done() : exact_.execution_status() <= api<Version>::event_execution_status::complete;
     }
@@ -65,9 +66,10 @@ public:
     /// function is not called, and if the function throws; its `wait` rethrows the exception, which goes nowhere else.
     ///
     /// The function is moved or copied here, and destroyed after its call. It runs on any thread: one of the
-    /// implementation, or one that waits for an event or flushes. It must not wait for commands. On some
-    /// implementations (rusticl) it must not enqueue either: enqueue what follows beforehand, after the result. Since
-    /// OpenCL 1.1.
+    /// implementation, or one that waits for an event, flushes, or calls `done` or `after` of the result, or this
+    /// member, which does so at once where the command has ended: hold no lock that the function takes. It must not
+    /// wait for commands. On some implementations (rusticl) it must not enqueue either: enqueue what follows
+    /// beforehand, after the result. Since OpenCL 1.1.
     template <class Function>
     basic_event then(Function&& function) const {
         static_assert(Version >= 110, "OpenCL calls back since 1.1; wait for the event instead");
@@ -174,7 +176,7 @@ private:
     std::vector<_nq_cl_event*> raws_;
 };
 
-/// The list of these events. One retain for each.
+/// The list of these events. One retain for each. Of results of `then` it may call the functions.
 template <int Version, class... More>
 [[nodiscard]] wait_list<Version, 1 + sizeof...(More)> after(basic_event<Version> const& first, More const&... more) {
     return wait_list<Version, 1 + sizeof...(More)>({first, more...});

@@ -8,15 +8,16 @@
 #include <nq/commands.hpp>
 #include <vorn/mero/internal/call_capability.hpp>
 
+#include <array>
 #include <atomic>
 #include <condition_variable>
 #include <cstddef>
 #include <cstdint>
 #include <exception>
+#include <map>
 #include <memory>
 #include <mutex>
 #include <optional>
-#include <unordered_map>
 #include <utility>
 #include <vector>
 
@@ -46,15 +47,19 @@ void wait_for(typename api<Version>::event& event) {
     try {
         perform<Version>(event, block);
     } catch (common::exec_status_error_for_events_in_wait_list const&) {
-        event.check(); // names the status of the command itself, where the implementation keeps it
+        if (event.error_code() != common::error_code::device_not_found) { // some (PoCL) have only -1 for what failed
+            event.check(); // names the status of the command itself, where the implementation keeps it
+        }
         throw;
     }
 }
 
-/// The exception of a negative status.
+/// The exception of a command's negative status.
 inline std::exception_ptr exception_of(std::int32_t status) noexcept {
     try {
-        internal::check_error(status);
+        bool const is_bare = status == -1; // only that it failed, not that a device was not found
+        internal::check_error(is_bare ? std::int32_t(common::error_code::exec_status_error_for_events_in_wait_list)
+                                      : status);
     } catch (...) {
         return std::current_exception();
     }
@@ -80,6 +85,8 @@ public:
     follower& operator=(follower const&) = delete;
     virtual ~follower() = default;
     virtual void ended(std::exception_ptr const& failure) noexcept = 0;
+    /// Finds out by itself that the command has failed.
+    virtual void look() noexcept {}
 };
 
 /// The host's side of an event that the host ends. Threads may share it.
@@ -186,14 +193,28 @@ private:
     std::vector<std::shared_ptr<follower>> followers_;
 };
 
-/// What OpenCL calls back for. Not every callback comes: so OpenCL is given a number, not an address, and what no
-/// longer waits for its callback takes itself off the list.
+/// What OpenCL calls back for. Not every callback comes: so OpenCL is given a number, not an address, what no longer
+/// waits for its callback takes itself off the list, and each addition has two of the others look for themselves.
 class callback_list {
 public:
-    std::uintptr_t add(std::shared_ptr<follower> each) {
-        std::lock_guard<std::mutex> const lock(guard_);
-        followers_.emplace(++last_, std::move(each));
-        return last_;
+    /// Sets the follower's number.
+    void add(std::shared_ptr<follower> each, std::uintptr_t& number) {
+        std::array<std::shared_ptr<follower>, 2> others;
+        {
+            std::lock_guard<std::mutex> const lock(guard_);
+            for (auto& other : others) {
+                auto const next = followers_.upper_bound(looked_);
+                looked_ = next == followers_.end() ? 0 : next->first;
+                other = next == followers_.end() ? nullptr : next->second;
+            }
+            followers_.emplace(++last_, std::move(each));
+            number = last_;
+        }
+        for (auto const& other : others) {
+            if (other) {
+                other->look();
+            }
+        }
     }
 
     /// Null if it is not on the list.
@@ -224,11 +245,12 @@ public:
 private:
     std::mutex guard_;
     std::uintptr_t last_ = 0;
-    std::unordered_map<std::uintptr_t, std::shared_ptr<follower>> followers_;
+    std::uintptr_t looked_ = 0; // the last that was asked to look
+    std::map<std::uintptr_t, std::shared_ptr<follower>> followers_;
 };
 
-/// A function that runs when a command has succeeded: in a callback, or in whoever waits for it and finds that no
-/// callback came.
+/// A function that runs when a command has succeeded: in a callback, or in whoever waits or asks for it and finds that
+/// no callback came.
 template <int Version, class Function>
 class continuation final : public promised_event<Version>, public follower {
 public:
@@ -245,7 +267,7 @@ public:
             before_->tell(std::move(self));
             return;
         }
-        number_ = callback_list::all().add(std::move(self));
+        callback_list::all().add(std::move(self), number_);
         try {
             using when = typename api<Version>::commmand_exec_callback_type;
             void* const number = reinterpret_cast<void*>(number_); // NOLINT(performance-no-int-to-ptr): no address
@@ -266,12 +288,22 @@ public:
         if (before_) {
             before_->done();
         } else if (!this->has_ended()) {
-            auto const status = static_cast<std::int32_t>(source_.execution_status());
-            if (status <= 0) {
-                ended(exception_of(status));
+            using status = typename api<Version>::event_execution_status;
+            if (source_.execution_status() <= status::complete) {
+                ended(exception_of(static_cast<std::int32_t>(source_.error_code())));
             }
         }
         return this->has_ended();
+    }
+
+    void look() noexcept override {
+        try {
+            auto const status = source_.error_code();
+            if (status != common::error_code::success) {
+                ended(exception_of(static_cast<std::int32_t>(status)));
+            }
+        } catch (std::exception const&) { // it waits on
+        }
     }
 
     void wait() override {

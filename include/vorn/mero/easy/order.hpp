@@ -17,8 +17,15 @@ namespace vorn::mero::easy {
 ///     read_file();
 ///     loaded.complete();
 ///
-/// An object that is destroyed before fails its event, so that nothing waits for ever. Move-only. Oclgrind runs
-/// commands inside `flush`, `finish` and the wait for an event: complete before these. Since OpenCL 1.1.
+/// An object that is destroyed before fails its event. That comes too late for an object declared after it whose
+/// destructor waits for commands behind the event, as that of a transfer, a `finish_guard` or shared memory does: it
+/// waits for ever where an exception leaves the scope. Have the object that ends the event destroyed before it:
+///
+///     auto const reading = a.read_async(values.data(), n, 0, ez::after(loaded.event()));
+///     ez::user_event last(std::move(loaded)); // declared last, it fails the event first
+///
+/// Move-only. Oclgrind runs commands inside `flush`, `finish` and the wait for an event: complete before these. Since
+/// OpenCL 1.1.
 template <int Version>
 class basic_user_event {
 public:
@@ -92,7 +99,7 @@ template <int Version, class... More>
 }
 
 /// Finishes a session's queue where its scope ends, also when an exception leaves it. Declare it after what the
-/// commands use. What fails there is dropped: the commands' events tell it.
+/// commands use, and before a user event that they wait for. What fails there is dropped: the commands' events tell it.
 ///
 ///     std::vector<float> values(n);          // outlives the guard
 ///     ez::finish_guard const guard(gpu);

@@ -90,7 +90,8 @@ public:
     /// The queue of the exact interface, in order and with profiling.
     [[nodiscard]] queue_type& queue() const noexcept { return state_->queue; }
 
-    /// `count` elements that nothing has been written to. `count` may be 0.
+    /// `count` elements that nothing has been written to. `count` may be 0. Throws `bounds_error` if their size in
+    /// bytes is no number of the host.
     template <class T>
     [[nodiscard]] basic_array<T, Version> array(std::size_t count) const {
         return make_array<T>(flags::read_write, count, nullptr);
@@ -104,8 +105,8 @@ public:
                                               const_cast<T*>(values.data())); // OpenCL only reads it
     }
 
-    /// An array in the program's own memory, which must outlive it: devices that share the host's memory copy nothing.
-    /// The program may touch the elements only through `map` while the array lives.
+    /// An array in the program's own memory, which must outlive it and all commands that use it: devices that share the
+    /// host's memory copy nothing. The program may touch the elements only through `map` while the array lives.
     template <class T>
     [[nodiscard]] basic_array<T, Version> array_over(T* memory, std::size_t count) const {
         return count == 0 ? array<T>(0) : make_array<T>(flags::read_write | flags::use_host_ptr, count, memory);
@@ -186,7 +187,7 @@ private:
 
     template <class T>
     basic_array<T, Version> make_array(flags how, std::size_t count, T* values) const {
-        std::size_t const bytes = (count != 0 ? count : 1) * sizeof(T); // OpenCL has no empty buffers
+        std::size_t const bytes = detail::product(count != 0 ? count : 1, sizeof(T)); // OpenCL has no empty buffers
         return {state_, context().create_buffer(how, bytes, values), count};
     }
 

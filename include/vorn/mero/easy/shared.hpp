@@ -93,7 +93,7 @@ public:
     /// Blocks until the elements are there; the `map` functions of shared memory call it.
     mapped_shared(std::shared_ptr<detail::shared_block<Version>> block, flags_type how, std::size_t count,
                   waits<Version> const& earlier)
-        : element_range<T>(static_cast<T*>(block->address()), count), block_(std::move(block)) {
+        : element_range<T>(static_cast<T*>(block ? block->address() : nullptr), count), block_(std::move(block)) {
         if (count != 0) {
             block_->state().enqueue_and_wait(
                 typename api<Version>::svm_map(earlier.size() == 0, how, block_->address(), count * sizeof(T)),
@@ -133,6 +133,7 @@ template <class T, int Version = 200>
 class basic_shared {
     static_assert(Version >= 200, "OpenCL has shared virtual memory since 2.0: use basic_session<200>");
     static_assert(std::is_trivially_copyable<T>::value, "host and device see the same bytes");
+    static_assert(alignof(T) <= 128, "OpenCL aligns shared memory as its largest type, to 128 bytes");
 
 public:
     using value_type = T;
@@ -140,10 +141,12 @@ public:
     using waits_type = waits<Version>;
 
     /// `count` elements that nothing has been written to. Throws `unsupported` if the device lacks the grain,
-    /// `std::bad_alloc` if there is no memory.
+    /// `std::bad_alloc` if there is no memory, `bounds_error` if their size in bytes is no
+    /// number of the host.
     basic_shared(basic_session<Version> const& owner, std::size_t count, grain how = grain::coarse)
-        : block_(std::make_shared<detail::shared_block<Version>>(owner.state(), count * sizeof(T), how)), size_(count) {
-    }
+        : block_(
+              std::make_shared<detail::shared_block<Version>>(owner.state(), detail::product(count, sizeof(T)), how)),
+          size_(count) {}
 
     basic_shared(basic_shared&& other) noexcept
         : block_(std::move(other.block_)), size_(std::exchange(other.size_, 0)) {}
@@ -180,13 +183,13 @@ public:
         }
     }
 
-    /// Sets every element. Does not block.
+    /// Sets every element. Does not block. Throws `bounds_error` if it was moved from.
     event_type fill(T const& value, waits_type const& earlier = {}) {
         static_assert(sizeof(T) <= 128 && (sizeof(T) & (sizeof(T) - 1)) == 0,
                       "OpenCL fills with patterns of 1, 2, 4, ... 128 bytes");
         using fill_svm = typename api<Version>::template fill_svm<T>;
-        return size_ == 0 ? block_->state().enqueue_nothing(earlier)
-                          : block_->state().enqueue(fill_svm(data(), value, size_), earlier);
+        return size_ == 0 ? block().state().enqueue_nothing(earlier)
+                          : block().state().enqueue(fill_svm(data(), value, size_), earlier);
     }
 
     /// Gives the host the elements, for reading and writing, until the result is destroyed; kernels must not use them
@@ -205,6 +208,13 @@ public:
 
 private:
     using flags = typename api<Version>::map_flags;
+
+    detail::shared_block<Version> const& block() const {
+        if (!block_) {
+            throw bounds_error("this shared memory was moved from and has no elements: use what it was moved to");
+        }
+        return *block_;
+    }
 
     static typename api<Version>::svm_memcpy copy(void* to, void const* from, std::size_t count,
                                                   waits_type const& earlier) {
@@ -230,6 +240,8 @@ using shared = basic_shared<T>;
 /// the device has no fine grain, `std::bad_alloc` if there is no memory.
 template <class T, int Version = 200>
 class basic_shared_allocator {
+    static_assert(alignof(T) <= 128, "OpenCL aligns shared memory as its largest type, to 128 bytes");
+
 public:
     using value_type = T;
 

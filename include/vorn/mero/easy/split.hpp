@@ -6,9 +6,9 @@
 
 #include <algorithm>
 #include <chrono>
+#include <cmath>
 #include <cstddef>
 #include <exception>
-#include <numeric>
 #include <string>
 #include <utility>
 #include <vector>
@@ -22,19 +22,24 @@ struct share {
 };
 
 /// Shares of `count` items in proportion to weights, one after another; they may be empty. All are multiples of `step`,
-/// which is not 0, but the largest, which takes what is left. Throws `bounds_error` unless the weights are at least 0
-/// and one is above.
+/// which is not 0, but the largest, which takes what is left. Throws `bounds_error` unless the weights are finite, at
+/// least 0, and one is above.
 [[nodiscard]] inline std::vector<share> shares_of(std::size_t count, std::vector<double> const& weights,
                                                   std::size_t step = 1) {
-    double const sum = std::accumulate(weights.begin(), weights.end(), 0.0);
-    if (weights.empty() || !(sum > 0) || *std::min_element(weights.begin(), weights.end()) < 0) {
-        throw bounds_error("shares need weights of at least 0, one of them above 0");
+    auto const is_fit = [](double weight) { return std::isfinite(weight) && weight >= 0; };
+    double const most = weights.empty() ? 0 : *std::max_element(weights.begin(), weights.end());
+    if (!std::all_of(weights.begin(), weights.end(), is_fit) || !(most > 0)) {
+        throw bounds_error("shares need finite weights of at least 0, one of them above 0");
+    }
+    double sum = 0; // in units of the largest, since the sum of the weights themselves may be no number
+    for (double const weight : weights) {
+        sum += weight / most;
     }
     std::vector<share> made;
     made.reserve(weights.size());
     std::size_t left = count;
     for (double const weight : weights) {
-        auto const steps = static_cast<std::size_t>(static_cast<double>(count / step) * (weight / sum));
+        auto const steps = static_cast<std::size_t>(static_cast<double>(count / step) * (weight / most / sum));
         made.push_back({0, std::min(steps * step, left)});
         left -= made.back().count;
     }
@@ -140,7 +145,7 @@ public:
         }
     }
 
-    /// Room for `per_item` elements of each item, on the device that has it.
+    /// Room for `per_item` elements of each item, on the device that has it. Throws `bounds_error` if that is too many.
     template <class T>
     [[nodiscard]] split_array<T, Version> array(std::size_t per_item = 1) const {
         return split_array<T, Version>(*this, per_item);
@@ -171,7 +176,7 @@ class split_array {
 public:
     /// `per_item` elements of each item of a split.
     split_array(basic_split<Version> const& owner, std::size_t per_item)
-        : shares_(owner.shares()), per_item_(per_item), size_(owner.count() * per_item) {
+        : shares_(owner.shares()), per_item_(per_item), size_(detail::product(owner.count(), per_item)) {
         for (std::size_t k = 0; k != shares_.size(); ++k) {
             arrays_.push_back(owner.devices()[k].template array<T>(shares_[k].count * per_item));
         }

@@ -15,7 +15,8 @@
 namespace vorn::mero::easy {
 
 /// A transfer from or to memory of the program, which must not go or change before the transfer has ended: the
-/// destructor waits for that. Declare what it uses before it. Move-only.
+/// destructor waits for that. Declare what it uses before it, and move a user event that it waits for into an object
+/// declared after it, see `basic_user_event`. Move-only.
 ///
 ///     std::vector<float> values(n);
 ///     auto const reading = a.read_async(values.data(), n);
