@@ -2,7 +2,7 @@
 
 #include "support.hpp"
 
-#include <vorn/mero/easy/devices.hpp>
+#include <vorn/mero/easy/split.hpp>
 
 namespace ez = vorn::mero::easy;
 
@@ -46,16 +46,17 @@ static void several_devices(cookbook::recipe const& here) {
     }
 
     auto const find_least = [&](std::size_t used) {
-        std::size_t const each = items / used;
+        auto const shares = ez::shares_of(items, std::vector<double>(used, 1.0));
         for (std::size_t i = 0; i != used; ++i) {
-            auto const begin = static_cast<std::uint32_t>(i * each * stretch);
-            workers[i].search(ez::range(each), workers[i].least, std::uint32_t(stretch), begin);
+            auto const begin = static_cast<std::uint32_t>(shares[i].offset * stretch);
+            workers[i].search(ez::range(shares[i].count), workers[i].least, std::uint32_t(stretch), begin);
             workers[i].gpu.flush(); // now all work
         }
         std::uint64_t best = UINT64_MAX;
         for (std::size_t i = 0; i != used; ++i) {
             auto const found = workers[i].least.read();
-            best = std::min(best, *std::min_element(found.begin(), found.begin() + static_cast<std::ptrdiff_t>(each)));
+            auto const end = found.begin() + static_cast<std::ptrdiff_t>(shares[i].count);
+            best = std::min(best, *std::min_element(found.begin(), end));
         }
         return best;
     };
