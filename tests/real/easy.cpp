@@ -53,7 +53,9 @@ SCENARIO(easy_arrays_and_kernels, "easy layer", 100) {
 SCENARIO(easy_transfers, "easy layer", 120) {
     auto gpu = session_of(b);
     auto original = gpu.array(numbers{1, 2, 3, 4});
+    original.write({0}, 1); // a list, not a null pointer
     original.write({7, 8}, 1);
+    EXPECT_EQ(gpu.template array<std::int32_t>({5}).size(), 1U);
     auto copy = gpu.template array<std::int32_t>(4);
     original.copy_to(copy).wait();
     for (std::int32_t& each : copy.map()) {

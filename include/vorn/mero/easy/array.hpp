@@ -5,6 +5,7 @@
 #include <vorn/mero/easy/transfer.hpp>
 
 #include <cstddef>
+#include <initializer_list>
 #include <memory>
 #include <string>
 #include <type_traits>
@@ -109,6 +110,10 @@ public:
     void write(std::vector<T> const& values, std::size_t offset = 0, waits_type const& earlier = {}) {
         write(values.data(), values.size(), offset, earlier);
     }
+    /// The same.
+    void write(std::initializer_list<T> values, std::size_t offset = 0, waits_type const& earlier = {}) {
+        write(values.begin(), values.size(), offset, earlier);
+    }
 
     /// Reads all elements into memory of the result's own, without blocking.
     basic_reading<T, Version> read_async(waits_type const& earlier = {}) const {
@@ -148,6 +153,10 @@ public:
     /// Writes the elements of a list that outlives the result. Does not block; the result's destructor does.
     transfer_type write_async(std::vector<T> const& values, std::size_t offset = 0, waits_type const& earlier = {}) {
         return write_async(values.data(), values.size(), offset, earlier);
+    }
+    /// Writes a copy of the values, as of a list that is moved.
+    event_type write_async(std::initializer_list<T> values, std::size_t offset = 0, waits_type const& earlier = {}) {
+        return write_async(std::vector<T>(values), offset, earlier);
     }
 
 #if __cplusplus >= 202002L

@@ -5,6 +5,7 @@
 #include <vorn/mero/easy/device.hpp>
 #include <vorn/mero/easy/sampler.hpp>
 
+#include <initializer_list>
 #include <memory>
 #include <string>
 #include <type_traits>
@@ -103,6 +104,12 @@ public:
         return values.empty() ? array<T>(0)
                               : make_array<T>(flags::read_write | flags::copy_host_ptr, values.size(),
                                               const_cast<T*>(values.data())); // OpenCL only reads it
+    }
+
+    /// The same: `gpu.array({1.0F, 2.0F})`.
+    template <class T>
+    [[nodiscard]] basic_array<T, Version> array(std::initializer_list<T> values) const {
+        return array(std::vector<T>(values));
     }
 
     /// An array in the program's own memory, which must outlive it and all commands that use it: devices that share the
