@@ -30,5 +30,5 @@ int main() {
     cl::memory_object& base = buffer;
     cl::buffer same = buffer;
     cl2::device newer = cl2::get_all_devices().at(0);
-    look(device, platform, context, queue, moved, buffer, base, same, newer);
+    look(device, platform, context, queue, moved, buffer, base, same, newer); // NOLINT(bugprone-use-after-move)
 }

@@ -309,6 +309,8 @@ template <class Object, class Handle, int Version, class Ownership, std::enable_
 template <class Object, class Handle, int Version, class Ownership,
           std::enable_if_t<!detail::is_exact<Object>, int> = 0>
 [[nodiscard]] Object from_cl(Handle handle, basic_session<Version> const& gpu, Ownership ownership) {
+    static_assert(std::is_same<Ownership, retain_t>::value || std::is_same<Ownership, take_over_t>::value,
+                  "say ez::retain, if the caller keeps its reference, or ez::take_over");
     using exact = typename Object::exact_type;
     auto made = detail::adoption<Object>::make(gpu, from_cl<exact>(handle, gpu.context(), retain));
     detail::end_reference<exact>(internal::owner_access::call_handle(gpu.context()), from_cl(handle), ownership);

@@ -137,6 +137,7 @@ public:
     [[nodiscard]] basic_program<Version> build_file(std::vector<std::string> const& paths,
                                                     build_options const& options = {}) const {
         std::vector<std::pair<std::string, std::string>> files;
+        files.reserve(paths.size());
         for (std::string const& each : paths) {
             files.emplace_back(each, detail::content_of(each));
         }

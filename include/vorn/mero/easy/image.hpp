@@ -99,7 +99,8 @@ inline std::string format_name(std::uint32_t order, std::uint32_t type) {
         "snorm_int8",       "snorm_int16", "unorm_int8",   "unorm_int16",  "unorm_short_565",   "unorm_short_555",
         "unorm_int_101010", "signed_int8", "signed_int16", "signed_int32", "unsigned_int8",     "unsigned_int16",
         "unsigned_int32",   "half_float",  "float",        "unorm_int24",  "unorm_int_101010_2"};
-    std::uint32_t const o = order - 0x10B0, t = type - 0x10D0;
+    std::uint32_t const o = order - 0x10B0;
+    std::uint32_t const t = type - 0x10D0;
     return joined({o < orders.size() ? orders[o] : std::to_string(order), " ",
                    t < types.size() ? types[t] : std::to_string(type)});
 }

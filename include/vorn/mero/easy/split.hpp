@@ -38,8 +38,9 @@ struct share {
     std::vector<share> made;
     made.reserve(weights.size());
     std::size_t left = count;
+    std::size_t const whole_steps = count / step;
     for (double const weight : weights) {
-        auto const steps = static_cast<std::size_t>(static_cast<double>(count / step) * (weight / most / sum));
+        auto const steps = static_cast<std::size_t>(static_cast<double>(whole_steps) * (weight / most / sum));
         made.push_back({0, std::min(steps * step, left)});
         left -= made.back().count;
     }
@@ -103,7 +104,8 @@ public:
     /// time of the second turn. `work` is as in `run`. Make arrays afterwards. Returns the seconds of each device.
     template <class Work>
     std::vector<double> measure(share const& sample, Work&& work) {
-        std::vector<double> seconds, weights;
+        std::vector<double> seconds;
+        std::vector<double> weights;
         for (std::size_t k = 0; k != devices_.size(); ++k) {
             work(k, sample).wait(); // the first turn fills caches
             auto const start = std::chrono::steady_clock::now();
