@@ -86,12 +86,12 @@ public:
     /// Waits, and gives the times of the command. Throws `common::profiling_info_not_available` for a queue without
     /// profiling, which the queue of a session has, and `order_error` for what the host ends.
     [[nodiscard]] durations times() const {
+        wait();
         if (host_) {
             throw order_error(
                 "Only commands have times: ask the event of the command, not what `then` returned for it, "
                 "and no user event");
         }
-        wait();
         std::array<std::uint64_t, 4> const moments{exact_.profile_command_queued(), exact_.profile_command_submit(),
                                                    exact_.profile_command_start(), exact_.profile_command_end()};
         auto const between = [&moments](std::size_t begin) {
