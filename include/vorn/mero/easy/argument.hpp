@@ -75,12 +75,18 @@ namespace detail {
                 name_of(element.kind), ": pass an array of the right type"}));
 }
 
-/// Throws `argument_error` where a value cannot be meant for what is declared.
-inline void check_value(argument_place const& at, value_shape const& given, void const* value) {
+[[gnu::noinline]] inline void compare_value(argument_place const& at, value_shape const& given, void const* value) {
     auto const& wanted = at.declared.wanted;
     if (at.declared.kind != argument_kind::value ||
         (wanted && (differ(wanted->kind, given.kind) || wanted->size != given.size))) {
         refuse_value(at, given, value);
+    }
+}
+
+/// Throws `argument_error` where a value cannot be meant for what is declared.
+inline void check_value(argument_place const& at, value_shape const& given, void const* value) {
+    if (at.declared.form != form_of(argument_kind::value, given)) {
+        compare_value(at, given, value);
     }
 }
 
@@ -104,13 +110,20 @@ inline void check_image(argument_place const& at, std::string_view type) {
     }
 }
 
-/// The same for memory with elements of a shape: `argument_kind::pointer` or `argument_kind::local`.
-inline void check_memory(argument_place const& at, argument_kind given, value_shape const& element) {
+[[gnu::noinline]] inline void compare_memory(argument_place const& at, argument_kind given,
+                                             value_shape const& element) {
     check_object(at, given);
     auto const& wanted = at.declared.wanted;
     if (wanted && element.kind != scalar_kind::unknown && wanted->kind != scalar_kind::unknown &&
         (wanted->kind != element.kind || wanted->scalar_size != element.scalar_size)) {
         refuse_elements(at, element);
+    }
+}
+
+/// The same for memory with elements of a shape: `argument_kind::pointer` or `argument_kind::local`.
+inline void check_memory(argument_place const& at, argument_kind given, value_shape const& element) {
+    if (at.declared.form != form_of(given, element)) {
+        compare_memory(at, given, element);
     }
 }
 

@@ -19,10 +19,15 @@ namespace vorn::mero::easy {
 
 namespace detail {
 
+[[noreturn, gnu::cold, gnu::noinline]] inline void refuse_bounds(std::size_t offset, std::size_t count,
+                                                                 std::size_t size) {
+    throw bounds_error(joined({"elements ", std::to_string(offset), " to ", std::to_string(offset + count),
+                               " are not within an array of ", std::to_string(size)}));
+}
+
 inline void check_bounds(std::size_t offset, std::size_t count, std::size_t size) {
     if (offset > size || count > size - offset) {
-        throw bounds_error(joined({"elements ", std::to_string(offset), " to ", std::to_string(offset + count),
-                                   " are not within an array of ", std::to_string(size)}));
+        refuse_bounds(offset, count, size);
     }
 }
 

@@ -125,17 +125,25 @@ inline argument_kind kind_named(std::string_view type, address_space space, bool
                                                                      : argument_kind::value;
 }
 
+/// What decides whether an argument fits, as one number: two that are equal fit.
+constexpr std::uint64_t form_of(argument_kind kind, value_shape const& shape) noexcept {
+    std::uint64_t const size = kind == argument_kind::value ? shape.size : shape.scalar_size;
+    return size << 16U | static_cast<std::uint64_t>(shape.kind) << 8U | static_cast<std::uint64_t>(kind);
+}
+
 /// What the implementation tells of an argument; of `unknown` kind where it tells nothing.
 struct parameter {
     parameter() = default;
     parameter(std::string its_name, std::string its_type, address_space space, bool is_pipe)
         : name(std::move(its_name)), type(std::move(its_type)), kind(kind_named(type, space, is_pipe)),
-          wanted(shape_named(names_pointer(type) ? type.substr(0, type.size() - 1) : type)) {}
+          wanted(shape_named(names_pointer(type) ? type.substr(0, type.size() - 1) : type)),
+          form(wanted ? form_of(kind, *wanted) : 0) {}
 
     std::string name;
     std::string type;
     argument_kind kind = argument_kind::unknown;
     std::optional<value_shape> wanted; ///< Of the value, or of the elements that a pointer names; if it is a number's.
+    std::uint64_t form = 0; ///< `form_of` what is wanted; 0, which fits nothing at once, if that is not known.
 };
 
 /// The parameters of a kernel, without descriptions where the implementation keeps none.
