@@ -18,7 +18,7 @@ bool verbose() noexcept {
     char const* const value = secure_getenv("NQ_BRIDGE_VERBOSE");
     constexpr std::array yes{"1", "true", "yes", "on"};
     return value != nullptr &&
-           std::ranges::any_of(yes, [value](char const* word) { return strcasecmp(word, value) == 0; });
+           std::any_of(yes.begin(), yes.end(), [value](char const* word) { return strcasecmp(word, value) == 0; });
 }
 
 std::string line(std::string const& text) { return "libnq: " + text + "\n"; }
@@ -64,7 +64,8 @@ std::string remedy_for_no_device(platform const& empty) {
 std::string without_device(machine const& found) {
     std::string report;
     for (platform const& each : found.platforms) {
-        if (std::ranges::find(found.devices, &each, &root_device::owner) == found.devices.end()) {
+        auto const is_of_it = [&each](root_device const& device) { return device.owner == &each; };
+        if (std::none_of(found.devices.begin(), found.devices.end(), is_of_it)) {
             report += line("the platform \"" + each.name + "\" has no device: " + remedy_for_no_device(each));
         }
     }

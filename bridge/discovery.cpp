@@ -64,7 +64,7 @@ std::vector<cl_device_id> list_devices(platform const& owner) {
     auto devices = list_devices(owner, CL_DEVICE_TYPE_ALL);
     if (owner.version >= 102) {
         for (cl_device_id const custom : list_devices(owner, CL_DEVICE_TYPE_CUSTOM)) {
-            if (std::ranges::find(devices, custom) == devices.end()) {
+            if (std::find(devices.begin(), devices.end(), custom) == devices.end()) {
                 devices.push_back(custom);
             }
         }
@@ -96,7 +96,8 @@ std::unique_ptr<machine const> ask() {
 } // namespace
 
 platform const* machine::find(cl_platform_id id) const noexcept {
-    auto const found = std::ranges::find(platforms, id, &platform::id);
+    auto const found =
+        std::find_if(platforms.begin(), platforms.end(), [id](platform const& each) { return each.id == id; });
     return found != platforms.end() ? &*found : nullptr;
 }
 

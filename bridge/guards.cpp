@@ -115,7 +115,7 @@ cl_int read_binaries(cl_program program, std::size_t size, void* value, std::siz
     if (size_needed != nullptr) {
         *size_needed = bytes;
     }
-    if (std::ranges::all_of(sizes, [](std::size_t each) { return each == 0; })) {
+    if (std::all_of(sizes.begin(), sizes.end(), [](std::size_t each) { return each == 0; })) {
         return CL_SUCCESS;
     }
     std::vector<std::vector<unsigned char>> unwanted(sizes.size());

@@ -27,7 +27,8 @@ bool is_in_program(void* function) noexcept {
 
 bool exports_opencl(void* library) noexcept {
     constexpr std::array needed{"clGetPlatformIDs", "clGetPlatformInfo", "clGetDeviceIDs", "clGetDeviceInfo"};
-    return std::ranges::all_of(needed, [library](char const* name) { return dlsym(library, name) != nullptr; });
+    return std::all_of(needed.begin(), needed.end(),
+                       [library](char const* name) { return dlsym(library, name) != nullptr; });
 }
 
 // A tool that watches OpenCL is preloaded: its functions have OpenCL's names in the global scope. Part of a second

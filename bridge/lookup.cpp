@@ -12,8 +12,8 @@ namespace {
 // A loader returns its own functions even if the implementation's slot behind them is null.
 bool forwards_to_nothing(platform const& where, char const* name, void const* address) noexcept {
     auto const entries = entry_points();
-    auto const entry =
-        std::ranges::find_if(entries, [name](entry_point const& each) { return std::string_view(each.name) == name; });
+    auto const entry = std::find_if(entries.begin(), entries.end(),
+                                    [name](entry_point const& each) { return std::string_view(each.name) == name; });
     return entry != entries.end() && address == slot(loaded(), entry->slot) && !reaches(where, *entry);
 }
 

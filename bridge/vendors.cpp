@@ -41,7 +41,8 @@ std::vector<vendor> list_vendors(std::string const& setting) {
                 vendors.push_back(read_vendor(entry.path()));
             }
         }
-        std::ranges::sort(vendors, {}, &vendor::file);
+        std::sort(vendors.begin(), vendors.end(),
+                  [](vendor const& left, vendor const& right) { return left.file < right.file; });
     } else if (path.extension() == ".icd") {
         vendors.push_back(read_vendor(path.has_parent_path() ? path : system_folder / path));
     } else if (fs::exists(path, failure) || setting.find(".so") != std::string::npos) {
