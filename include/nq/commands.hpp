@@ -43,6 +43,8 @@ struct command_list {
 };
 
 // The order of each list is fixed: other ids would be another wire.
+
+/// The commands of OpenCL 1.0.
 using opencl_1_0_commands = command_list<
     block::clBuildProgram, block::clCreateBuffer, block::clCreateCommandQueue, block::clCreateContext,
     block::clCreateContextFromType, block::clCreateImage2D, block::clCreateImage3D, block::clCreateKernelsInProgram,
@@ -62,6 +64,7 @@ using opencl_1_0_commands = command_list<
     block::clRetainProgram, block::clRetainSampler, block::clSetKernelArg, block::clUnloadCompiler,
     block::clWaitForEvents, block::clSetCommandQueueProperty>;
 
+/// The commands of OpenCL 1.1.
 using opencl_1_1_commands = command_list<
     block::clBuildProgram, block::clCreateBuffer, block::clCreateCommandQueue, block::clCreateContext,
     block::clCreateContextFromType, block::clCreateImage2D, block::clCreateImage3D, block::clCreateKernelsInProgram,
@@ -84,6 +87,7 @@ using opencl_1_1_commands = command_list<
     block::clSetMemObjectDestructorCallback, block::clSetUserEventStatus, block::clUnloadCompiler,
     block::clWaitForEvents>;
 
+/// The commands of OpenCL 1.2.
 using opencl_1_2_commands = command_list<
     block::clBuildProgram, block::clCompileProgram, block::clCreateBuffer, block::clCreateCommandQueue,
     block::clCreateContext, block::clCreateContextFromType, block::clCreateImage, block::clCreateKernelsInProgram,
@@ -108,6 +112,7 @@ using opencl_1_2_commands = command_list<
     block::clRetainSampler, block::clSetEventCallback, block::clSetKernelArg, block::clSetMemObjectDestructorCallback,
     block::clSetUserEventStatus, block::clUnloadPlatformCompiler, block::clWaitForEvents>;
 
+/// The commands of OpenCL 2.0.
 using opencl_2_0_commands = command_list<
     block::clBuildProgram, block::clCompileProgram, block::clCreateBuffer, block::clCreateCommandQueueWithProperties,
     block::clCreateContext, block::clCreateContextFromType, block::clCreateImage, block::clCreateKernelsInProgram,
@@ -135,11 +140,13 @@ using opencl_2_0_commands = command_list<
     block::clSetMemObjectDestructorCallback, block::clSetUserEventStatus, block::clSVMAlloc, block::clSVMFree,
     block::clUnloadPlatformCompiler, block::clWaitForEvents>;
 
+/// The commands of OpenCL 2.1, those of 2.0 first.
 using opencl_2_1_commands =
     opencl_2_0_commands::append<block::clSetDefaultDeviceCommandQueue, block::clGetDeviceAndHostTimer,
                                 block::clGetHostTimer, block::clCreateProgramWithIL, block::clCloneKernel,
                                 block::clGetKernelSubGroupInfo, block::clEnqueueSVMMigrateMem>;
 
+/// The commands of OpenCL 2.2, those of 2.1 first.
 using opencl_2_2_commands =
     opencl_2_1_commands::append<block::clSetProgramSpecializationConstant, block::clSetProgramReleaseCallback>;
 

@@ -22,10 +22,14 @@ class NQ_EXPORT nq_error : public std::exception {
 public:
     /// Copies the message. `code` is what libnq returned.
     nq_error(std::string const& message, int code);
+    /// Copies the message and the code.
     nq_error(nq_error const&);
+    /// Copies the message and the code.
     nq_error& operator=(nq_error const&);
+    /// Frees the message.
     ~nq_error() override;
 
+    /// The message, perhaps empty; valid as long as the exception.
     [[nodiscard]] char const* what() const noexcept final;
 
     /// What libnq returned, see `nq::result`.
@@ -54,6 +58,7 @@ public:
 /// libnq has no entry point of this command id: it is made for other OpenCL versions than the library.
 class NQ_EXPORT invalid_command_id : public recoverable_error {
 public:
+    /// With `nq::result::invalid_command_id`.
     invalid_command_id();
 };
 

@@ -30,18 +30,18 @@ using device = std::uint64_t;
 
 /// A capability node of a root device: one OpenCL version that it offers. The words are libnq's own.
 struct capability_node {
-    std::uint64_t first;
-    std::uint64_t second;
+    std::uint64_t first;  ///< libnq's own.
+    std::uint64_t second; ///< libnq's own.
 };
 
 /// An OpenCL version that a capability node can offer. Any value can be held: `nq::capability{3}` is OpenCL 1.2.
 enum class capability : std::uint64_t {
-    opencl_1_0 = 1,
-    opencl_1_1 = 2,
-    opencl_1_2 = 3,
-    opencl_2_0 = 4,
-    opencl_2_1 = 5,
-    opencl_2_2 = 6,
+    opencl_1_0 = 1, ///< OpenCL 1.0.
+    opencl_1_1 = 2, ///< OpenCL 1.1.
+    opencl_1_2 = 3, ///< OpenCL 1.2.
+    opencl_2_0 = 4, ///< OpenCL 2.0.
+    opencl_2_1 = 5, ///< OpenCL 2.1.
+    opencl_2_2 = 6, ///< OpenCL 2.2.
 };
 
 /// What `nq_call_capability` and the other functions of libnq return.
@@ -72,16 +72,16 @@ using native_function = void (*)(void* arguments);
 
 /// Laid out as `cl_image_desc`. Dimensions are in pixels, pitches in bytes; what does not apply is 0 or null.
 struct image_desc {
-    std::uint32_t image_type;
-    std::size_t image_width;
-    std::size_t image_height;
-    std::size_t image_depth;
-    std::size_t image_array_size;
-    std::size_t image_row_pitch;
-    std::size_t image_slice_pitch;
-    std::uint32_t num_mip_levels;
-    std::uint32_t num_samples;
-    _nq_cl_mem* mem_object;
+    std::uint32_t image_type;      ///< A `cl_mem_object_type`.
+    std::size_t image_width;       ///< In pixels.
+    std::size_t image_height;      ///< In pixels; 0 in one dimension.
+    std::size_t image_depth;       ///< In pixels; 0 unless there are three dimensions.
+    std::size_t image_array_size;  ///< The images of an array.
+    std::size_t image_row_pitch;   ///< The bytes from a row to the next; 0 without host memory.
+    std::size_t image_slice_pitch; ///< The bytes from a slice, or an image, to the next; 0 without host memory.
+    std::uint32_t num_mip_levels;  ///< Levels of mip-maps, which are an extension; else 0.
+    std::uint32_t num_samples;     ///< Samples of a pixel, which are an extension; else 0.
+    _nq_cl_mem* mem_object;        ///< The buffer of an image in a buffer.
 };
 static_assert(offsetof(image_desc, image_width) == 8 && offsetof(image_desc, image_slice_pitch) == 48 &&
               offsetof(image_desc, num_samples) == 60 && offsetof(image_desc, mem_object) == 64 &&
@@ -89,8 +89,8 @@ static_assert(offsetof(image_desc, image_width) == 8 && offsetof(image_desc, ima
 
 /// Laid out as `cl_buffer_region`. In bytes.
 struct buffer_region {
-    std::size_t origin;
-    std::size_t size;
+    std::size_t origin; ///< Where it begins.
+    std::size_t size;   ///< How long it is.
 };
 static_assert(sizeof(buffer_region) == 16);
 

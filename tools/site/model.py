@@ -12,7 +12,7 @@ NEWEST = "2.2"
 VERSIONED = "include/vorn/mero/opencl"
 ANY = "opencl_x_y"  # stands for the six namespaces
 EXACT = f"vorn::mero::{ANY}"
-HIDDEN = re.compile(r"(^|::)detail(::|$)|^std(::|$)|^api$|::owner_access$|::handle_hash$|^vorn::mero::(find_devices|VORN)")
+HIDDEN = re.compile(r"(^|::)detail(::|$)|^std(::|$)|^api$|::owner_access$|::internal::kind$|::handle_hash$|^vorn::mero::(find_devices|VORN)")
 SPECIALIZED = ("vorn::mero::api",)  # their specializations say what they are
 
 
@@ -44,7 +44,7 @@ def spelled(text):
     text = re.sub(r"(?<![&*(]) ?([*&]{1,2}) ?(?=[\w.]|const)", r"\1 ", re.sub(r" ([*&]+)", r"\1", text))
     text = re.sub(r"([*&]) (?=\.\.\.|[,)>=])", r"\1", text)
     text = re.sub(r"(?<=[\w)}]) ?= ?(?=[\w{\"-])", " = ", text) if text.startswith("(") else text
-    text = re.sub(r"\)=(default|delete)", r") = \1", re.sub(r"(noexcept|const|override)=", r"\1 =", text))
+    text = re.sub(r" ?= ?(default|delete)$", r" = \1", text)
     return text.replace("(*)", "(*)").replace("(* ", "(*")
 
 
@@ -199,6 +199,8 @@ class model:
             return
         for element in compound.iter("memberdef"):
             if element.get("prot") == "public" and element.get("kind") in ("function", "typedef", "variable", "enum"):
+                if element.findtext("name").endswith("_"):  # within an unnamed union
+                    continue
                 if kind == "file" and not element.findtext("name").startswith("nq_"):
                     continue
                 self.add(member_of(element, name, owner), version)

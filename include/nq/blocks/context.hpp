@@ -25,6 +25,7 @@ static_assert(offsetof(clCreateSubDevices, in_device) == 0 && offsetof(clCreateS
               offsetof(clCreateSubDevices, num_devices_ret) == 32 && offsetof(clCreateSubDevices, status) == 40 &&
               sizeof(clCreateSubDevices) == 48);
 
+/// A context of devices. `pfn_notify` may be null.
 struct clCreateContext {
     std::int64_t const* properties;
     std::uint32_t num_devices;
@@ -39,6 +40,7 @@ static_assert(offsetof(clCreateContext, properties) == 0 && offsetof(clCreateCon
               offsetof(clCreateContext, user_data) == 32 && offsetof(clCreateContext, result) == 40 &&
               offsetof(clCreateContext, error_code) == 48 && sizeof(clCreateContext) == 56);
 
+/// A context of all devices of a type. `pfn_notify` may be null.
 struct clCreateContextFromType {
     std::int64_t const* properties;
     std::uint64_t device_type;
@@ -106,12 +108,14 @@ static_assert(offsetof(clSetCommandQueueProperty, command_queue) == 0 &&
               offsetof(clSetCommandQueueProperty, status) == 24 && offsetof(clSetCommandQueueProperty, enable) == 28 &&
               sizeof(clSetCommandQueueProperty) == 32);
 
+/// Submits what is enqueued. Does not wait.
 struct clFlush {
     _nq_cl_command_queue* command_queue;
     std::int32_t status;
 };
 static_assert(offsetof(clFlush, command_queue) == 0 && offsetof(clFlush, status) == 8 && sizeof(clFlush) == 16);
 
+/// Blocks until all that is enqueued has ended.
 struct clFinish {
     _nq_cl_command_queue* command_queue;
     std::int32_t status;
@@ -153,6 +157,7 @@ struct clCreateUserEvent {
 static_assert(offsetof(clCreateUserEvent, context) == 0 && offsetof(clCreateUserEvent, result) == 8 &&
               offsetof(clCreateUserEvent, error_code) == 16 && sizeof(clCreateUserEvent) == 24);
 
+/// Ends a user event: 0 for success, a negative status for failure. Since OpenCL 1.1.
 struct clSetUserEventStatus {
     _nq_cl_event* event;
     std::int32_t execution_status;
@@ -161,6 +166,7 @@ struct clSetUserEventStatus {
 static_assert(offsetof(clSetUserEventStatus, event) == 0 && offsetof(clSetUserEventStatus, execution_status) == 8 &&
               offsetof(clSetUserEventStatus, status) == 12 && sizeof(clSetUserEventStatus) == 16);
 
+/// Calls back when a command reaches a state: 0 complete, 1 running, 2 submitted. Since OpenCL 1.1.
 struct clSetEventCallback {
     _nq_cl_event* event;
     event_callback pfn_notify;

@@ -12,6 +12,7 @@
 
 namespace nq::block {
 
+/// From a buffer to host memory. Offset and size are in bytes.
 struct clEnqueueReadBuffer {
     _nq_cl_command_queue* command_queue;
     _nq_cl_mem* buffer;
@@ -31,6 +32,7 @@ static_assert(offsetof(clEnqueueReadBuffer, command_queue) == 0 && offsetof(clEn
               offsetof(clEnqueueReadBuffer, blocking_read) == 60 &&
               offsetof(clEnqueueReadBuffer, num_events_in_wait_list) == 64 && sizeof(clEnqueueReadBuffer) == 72);
 
+/// From host memory to a buffer. Offset and size are in bytes.
 struct clEnqueueWriteBuffer {
     _nq_cl_command_queue* command_queue;
     _nq_cl_mem* buffer;
@@ -79,6 +81,7 @@ static_assert(
     offsetof(clEnqueueReadBufferRect, status) == 96 && offsetof(clEnqueueReadBufferRect, blocking_read) == 100 &&
     offsetof(clEnqueueReadBufferRect, num_events_in_wait_list) == 104 && sizeof(clEnqueueReadBufferRect) == 112);
 
+/// From host memory to a buffer. Since OpenCL 1.1.
 struct clEnqueueWriteBufferRect {
     _nq_cl_command_queue* command_queue;
     _nq_cl_mem* buffer;
@@ -107,6 +110,7 @@ static_assert(
     offsetof(clEnqueueWriteBufferRect, status) == 96 && offsetof(clEnqueueWriteBufferRect, blocking_write) == 100 &&
     offsetof(clEnqueueWriteBufferRect, num_events_in_wait_list) == 104 && sizeof(clEnqueueWriteBufferRect) == 112);
 
+/// From buffer to buffer; within one, the regions must not overlap. Offsets and size are in bytes.
 struct clEnqueueCopyBuffer {
     _nq_cl_command_queue* command_queue;
     _nq_cl_mem* src_buffer;
@@ -126,6 +130,7 @@ static_assert(offsetof(clEnqueueCopyBuffer, command_queue) == 0 && offsetof(clEn
               offsetof(clEnqueueCopyBuffer, status) == 64 &&
               offsetof(clEnqueueCopyBuffer, num_events_in_wait_list) == 68 && sizeof(clEnqueueCopyBuffer) == 72);
 
+/// From buffer to buffer. Since OpenCL 1.1.
 struct clEnqueueCopyBufferRect {
     _nq_cl_command_queue* command_queue;
     _nq_cl_mem* src_buffer;
@@ -197,6 +202,7 @@ static_assert(offsetof(clEnqueueMapBuffer, map_flags) == 0 && offsetof(clEnqueue
               offsetof(clEnqueueMapBuffer, error_code) == 64 && offsetof(clEnqueueMapBuffer, blocking_map) == 68 &&
               offsetof(clEnqueueMapBuffer, num_events_in_wait_list) == 72 && sizeof(clEnqueueMapBuffer) == 80);
 
+/// Ends a mapping of a buffer or an image. `mapped_ptr` is the address that the mapping returned.
 struct clEnqueueUnmapMemObject {
     _nq_cl_command_queue* command_queue;
     _nq_cl_mem* memobj;

@@ -10,6 +10,7 @@
 
 namespace nq::block {
 
+/// From an image to host memory. Pitches of 0 mean rows and slices without gaps.
 struct clEnqueueReadImage {
     _nq_cl_command_queue* command_queue;
     _nq_cl_mem* image;
@@ -32,6 +33,7 @@ static_assert(offsetof(clEnqueueReadImage, command_queue) == 0 && offsetof(clEnq
               offsetof(clEnqueueReadImage, blocking_read) == 76 &&
               offsetof(clEnqueueReadImage, num_events_in_wait_list) == 80 && sizeof(clEnqueueReadImage) == 88);
 
+/// From host memory to an image. Pitches of 0 mean rows and slices without gaps.
 struct clEnqueueWriteImage {
     _nq_cl_command_queue* command_queue;
     _nq_cl_mem* image;
@@ -54,6 +56,7 @@ static_assert(offsetof(clEnqueueWriteImage, command_queue) == 0 && offsetof(clEn
               offsetof(clEnqueueWriteImage, status) == 72 && offsetof(clEnqueueWriteImage, blocking_write) == 76 &&
               offsetof(clEnqueueWriteImage, num_events_in_wait_list) == 80 && sizeof(clEnqueueWriteImage) == 88);
 
+/// From image to image, of one format.
 struct clEnqueueCopyImage {
     _nq_cl_command_queue* command_queue;
     _nq_cl_mem* src_image;
@@ -91,6 +94,7 @@ static_assert(offsetof(clEnqueueFillImage, command_queue) == 0 && offsetof(clEnq
               offsetof(clEnqueueFillImage, event) == 48 && offsetof(clEnqueueFillImage, status) == 56 &&
               offsetof(clEnqueueFillImage, num_events_in_wait_list) == 60 && sizeof(clEnqueueFillImage) == 64);
 
+/// From an image to a buffer, without gaps from `dst_offset` bytes on.
 struct clEnqueueCopyImageToBuffer {
     _nq_cl_command_queue* command_queue;
     _nq_cl_mem* src_image;
@@ -111,6 +115,7 @@ static_assert(
     offsetof(clEnqueueCopyImageToBuffer, status) == 64 &&
     offsetof(clEnqueueCopyImageToBuffer, num_events_in_wait_list) == 68 && sizeof(clEnqueueCopyImageToBuffer) == 72);
 
+/// From a buffer, without gaps from `src_offset` bytes on, to an image.
 struct clEnqueueCopyBufferToImage {
     _nq_cl_command_queue* command_queue;
     _nq_cl_mem* src_buffer;

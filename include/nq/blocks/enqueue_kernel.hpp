@@ -92,6 +92,7 @@ static_assert(offsetof(clEnqueueMarkerWithWaitList, command_queue) == 0 &&
               offsetof(clEnqueueMarkerWithWaitList, num_events_in_wait_list) == 28 &&
               sizeof(clEnqueueMarkerWithWaitList) == 32);
 
+/// Later commands wait for all earlier ones. Until OpenCL 1.1.
 struct clEnqueueBarrier {
     _nq_cl_command_queue* command_queue;
     std::int32_t status;
@@ -99,6 +100,7 @@ struct clEnqueueBarrier {
 static_assert(offsetof(clEnqueueBarrier, command_queue) == 0 && offsetof(clEnqueueBarrier, status) == 8 &&
               sizeof(clEnqueueBarrier) == 16);
 
+/// Later commands wait for the list or, without one, for all earlier commands. Since OpenCL 1.2.
 struct clEnqueueBarrierWithWaitList {
     _nq_cl_command_queue* command_queue;
     _nq_cl_event* const* event_wait_list;

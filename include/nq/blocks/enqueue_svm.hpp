@@ -28,6 +28,7 @@ static_assert(offsetof(clEnqueueSVMFree, command_queue) == 0 && offsetof(clEnque
               offsetof(clEnqueueSVMFree, status) == 48 && offsetof(clEnqueueSVMFree, num_svm_pointers) == 52 &&
               offsetof(clEnqueueSVMFree, num_events_in_wait_list) == 56 && sizeof(clEnqueueSVMFree) == 64);
 
+/// Copies bytes; either address may also be plain host memory.
 struct clEnqueueSVMMemcpy {
     _nq_cl_command_queue* command_queue;
     void* dst_ptr;
@@ -63,6 +64,7 @@ static_assert(offsetof(clEnqueueSVMMemFill, command_queue) == 0 && offsetof(clEn
               offsetof(clEnqueueSVMMemFill, event) == 48 && offsetof(clEnqueueSVMMemFill, status) == 56 &&
               offsetof(clEnqueueSVMMemFill, num_events_in_wait_list) == 60 && sizeof(clEnqueueSVMMemFill) == 64);
 
+/// Gives the host a region, as `clEnqueueMapBuffer` does, at the address that it has.
 struct clEnqueueSVMMap {
     std::uint64_t map_flags;
     _nq_cl_command_queue* command_queue;
@@ -80,6 +82,7 @@ static_assert(offsetof(clEnqueueSVMMap, map_flags) == 0 && offsetof(clEnqueueSVM
               offsetof(clEnqueueSVMMap, status) == 48 && offsetof(clEnqueueSVMMap, blocking_map) == 52 &&
               offsetof(clEnqueueSVMMap, num_events_in_wait_list) == 56 && sizeof(clEnqueueSVMMap) == 64);
 
+/// Ends a mapping.
 struct clEnqueueSVMUnmap {
     _nq_cl_command_queue* command_queue;
     void* svm_ptr;

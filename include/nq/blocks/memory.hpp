@@ -10,6 +10,7 @@
 
 namespace nq::block {
 
+/// A buffer of `size` bytes. `host_ptr` is null unless the flags use it.
 struct clCreateBuffer {
     std::uint64_t flags;
     _nq_cl_context* context;
@@ -70,6 +71,7 @@ static_assert(offsetof(clCreateImage2D, flags) == 0 && offsetof(clCreateImage2D,
               offsetof(clCreateImage2D, host_ptr) == 48 && offsetof(clCreateImage2D, result) == 56 &&
               offsetof(clCreateImage2D, error_code) == 64 && sizeof(clCreateImage2D) == 72);
 
+/// Until OpenCL 1.1; since then clCreateImage.
 struct clCreateImage3D {
     std::uint64_t flags;
     _nq_cl_context* context;

@@ -135,6 +135,7 @@ struct alignas(8) clUnloadCompiler {
 };
 static_assert(offsetof(clUnloadCompiler, status) == 0 && sizeof(clUnloadCompiler) == 8);
 
+/// A hint that no more programs are built. Since OpenCL 1.2.
 struct clUnloadPlatformCompiler {
     _nq_cl_platform_id* platform;
     std::int32_t status;
@@ -157,6 +158,7 @@ static_assert(offsetof(clSetProgramSpecializationConstant, program) == 0 &&
               offsetof(clSetProgramSpecializationConstant, status) == 32 &&
               sizeof(clSetProgramSpecializationConstant) == 40);
 
+/// Calls back when the program is deleted. Since OpenCL 2.2.
 struct clSetProgramReleaseCallback {
     _nq_cl_program* program;
     program_callback pfn_notify;
@@ -168,6 +170,7 @@ static_assert(offsetof(clSetProgramReleaseCallback, program) == 0 &&
               offsetof(clSetProgramReleaseCallback, user_data) == 16 &&
               offsetof(clSetProgramReleaseCallback, status) == 24 && sizeof(clSetProgramReleaseCallback) == 32);
 
+/// A kernel by its name. The program must be built.
 struct clCreateKernel {
     _nq_cl_program* program;
     char const* kernel_name;
@@ -200,6 +203,7 @@ struct clCloneKernel {
 static_assert(offsetof(clCloneKernel, source_kernel) == 0 && offsetof(clCloneKernel, result) == 8 &&
               offsetof(clCloneKernel, error_code) == 16 && sizeof(clCloneKernel) == 24);
 
+/// Sets an argument: `arg_size` bytes, or the size of local memory where `arg_value` is null.
 struct clSetKernelArg {
     _nq_cl_kernel* kernel;
     std::size_t arg_size;
@@ -222,6 +226,7 @@ static_assert(offsetof(clSetKernelArgSVMPointer, kernel) == 0 && offsetof(clSetK
               offsetof(clSetKernelArgSVMPointer, status) == 16 && offsetof(clSetKernelArgSVMPointer, arg_index) == 20 &&
               sizeof(clSetKernelArgSVMPointer) == 24);
 
+/// Tells what memory a kernel reaches by pointers alone, and how. Since OpenCL 2.0.
 struct clSetKernelExecInfo {
     _nq_cl_kernel* kernel;
     std::size_t param_value_size;

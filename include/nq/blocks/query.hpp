@@ -17,6 +17,7 @@ struct call_handle_device {
 };
 static_assert(offsetof(call_handle_device, result) == 0 && sizeof(call_handle_device) == 8);
 
+/// What a platform is.
 struct clGetPlatformInfo {
     _nq_cl_platform_id* platform;
     std::uint32_t param_name;
@@ -45,6 +46,7 @@ static_assert(offsetof(clGetDeviceIDs, platform) == 0 && offsetof(clGetDeviceIDs
               offsetof(clGetDeviceIDs, num_devices) == 32 && offsetof(clGetDeviceIDs, status) == 40 &&
               sizeof(clGetDeviceIDs) == 48);
 
+/// What a device is and can do.
 struct clGetDeviceInfo {
     _nq_cl_device_id* device;
     void* param_value;
@@ -58,6 +60,7 @@ static_assert(offsetof(clGetDeviceInfo, device) == 0 && offsetof(clGetDeviceInfo
               offsetof(clGetDeviceInfo, param_value_size) == 32 && offsetof(clGetDeviceInfo, status) == 40 &&
               sizeof(clGetDeviceInfo) == 48);
 
+/// What a context was made of.
 struct clGetContextInfo {
     _nq_cl_context* context;
     std::uint32_t param_name;
@@ -71,6 +74,7 @@ static_assert(offsetof(clGetContextInfo, context) == 0 && offsetof(clGetContextI
               offsetof(clGetContextInfo, param_value_size_ret) == 32 && offsetof(clGetContextInfo, status) == 40 &&
               sizeof(clGetContextInfo) == 48);
 
+/// What a queue was made with.
 struct clGetCommandQueueInfo {
     _nq_cl_command_queue* command_queue;
     std::size_t param_value_size;
@@ -86,6 +90,7 @@ static_assert(offsetof(clGetCommandQueueInfo, command_queue) == 0 &&
               offsetof(clGetCommandQueueInfo, status) == 32 && offsetof(clGetCommandQueueInfo, param_name) == 36 &&
               sizeof(clGetCommandQueueInfo) == 40);
 
+/// What a memory object was made with.
 struct clGetMemObjectInfo {
     _nq_cl_mem* memobj;
     std::size_t param_value_size;
@@ -99,6 +104,7 @@ static_assert(offsetof(clGetMemObjectInfo, memobj) == 0 && offsetof(clGetMemObje
               offsetof(clGetMemObjectInfo, param_value_size_ret) == 24 && offsetof(clGetMemObjectInfo, status) == 32 &&
               offsetof(clGetMemObjectInfo, param_name) == 36 && sizeof(clGetMemObjectInfo) == 40);
 
+/// What an image was made with.
 struct clGetImageInfo {
     _nq_cl_mem* image;
     std::size_t param_value_size;
@@ -126,6 +132,7 @@ static_assert(offsetof(clGetPipeInfo, pipe) == 0 && offsetof(clGetPipeInfo, para
               offsetof(clGetPipeInfo, status) == 32 && offsetof(clGetPipeInfo, param_name) == 36 &&
               sizeof(clGetPipeInfo) == 40);
 
+/// What a sampler was made with.
 struct clGetSamplerInfo {
     _nq_cl_sampler* sampler;
     std::size_t param_value_size;
@@ -139,6 +146,7 @@ static_assert(offsetof(clGetSamplerInfo, sampler) == 0 && offsetof(clGetSamplerI
               offsetof(clGetSamplerInfo, status) == 32 && offsetof(clGetSamplerInfo, param_name) == 36 &&
               sizeof(clGetSamplerInfo) == 40);
 
+/// What a program was made of, and its binaries.
 struct clGetProgramInfo {
     _nq_cl_program* program;
     std::size_t param_value_size;
@@ -152,6 +160,7 @@ static_assert(offsetof(clGetProgramInfo, program) == 0 && offsetof(clGetProgramI
               offsetof(clGetProgramInfo, status) == 32 && offsetof(clGetProgramInfo, param_name) == 36 &&
               sizeof(clGetProgramInfo) == 40);
 
+/// What a kernel is.
 struct clGetKernelInfo {
     _nq_cl_kernel* kernel;
     std::size_t param_value_size;
@@ -165,6 +174,7 @@ static_assert(offsetof(clGetKernelInfo, kernel) == 0 && offsetof(clGetKernelInfo
               offsetof(clGetKernelInfo, status) == 32 && offsetof(clGetKernelInfo, param_name) == 36 &&
               sizeof(clGetKernelInfo) == 40);
 
+/// What an event belongs to, and how far it is.
 struct clGetEventInfo {
     _nq_cl_event* event;
     std::size_t param_value_size;
@@ -194,6 +204,7 @@ static_assert(offsetof(clGetEventProfilingInfo, event) == 0 &&
               offsetof(clGetEventProfilingInfo, status) == 32 && offsetof(clGetEventProfilingInfo, param_name) == 36 &&
               sizeof(clGetEventProfilingInfo) == 40);
 
+/// How the build of a program for a device went, and its log.
 struct clGetProgramBuildInfo {
     _nq_cl_program* program;
     _nq_cl_device_id* device;
@@ -210,6 +221,7 @@ static_assert(offsetof(clGetProgramBuildInfo, program) == 0 && offsetof(clGetPro
               offsetof(clGetProgramBuildInfo, status) == 40 && offsetof(clGetProgramBuildInfo, param_name) == 44 &&
               sizeof(clGetProgramBuildInfo) == 48);
 
+/// How a kernel fits a device.
 struct clGetKernelWorkGroupInfo {
     _nq_cl_kernel* kernel;
     _nq_cl_device_id* device;
@@ -311,6 +323,7 @@ static_assert(offsetof(clGetDeviceAndHostTimer, device) == 0 &&
               offsetof(clGetDeviceAndHostTimer, host_timestamp) == 16 &&
               offsetof(clGetDeviceAndHostTimer, status) == 24 && sizeof(clGetDeviceAndHostTimer) == 32);
 
+/// The clock of the host, in nanoseconds. Since OpenCL 2.1.
 struct clGetHostTimer {
     _nq_cl_device_id* device;
     std::uint64_t* host_timestamp;

@@ -10,6 +10,7 @@
 
 namespace nq::block {
 
+/// Adds a reference.
 struct clRetainCommandQueue {
     _nq_cl_command_queue* command_queue;
     std::int32_t status;
@@ -17,6 +18,7 @@ struct clRetainCommandQueue {
 static_assert(offsetof(clRetainCommandQueue, command_queue) == 0 && offsetof(clRetainCommandQueue, status) == 8 &&
               sizeof(clRetainCommandQueue) == 16);
 
+/// Drops a reference.
 struct clReleaseCommandQueue {
     _nq_cl_command_queue* command_queue;
     std::int32_t status;
@@ -24,6 +26,7 @@ struct clReleaseCommandQueue {
 static_assert(offsetof(clReleaseCommandQueue, command_queue) == 0 && offsetof(clReleaseCommandQueue, status) == 8 &&
               sizeof(clReleaseCommandQueue) == 16);
 
+/// Adds a reference.
 struct clRetainContext {
     _nq_cl_context* context;
     std::int32_t status;
@@ -31,6 +34,7 @@ struct clRetainContext {
 static_assert(offsetof(clRetainContext, context) == 0 && offsetof(clRetainContext, status) == 8 &&
               sizeof(clRetainContext) == 16);
 
+/// Drops a reference.
 struct clReleaseContext {
     _nq_cl_context* context;
     std::int32_t status;
@@ -38,6 +42,7 @@ struct clReleaseContext {
 static_assert(offsetof(clReleaseContext, context) == 0 && offsetof(clReleaseContext, status) == 8 &&
               sizeof(clReleaseContext) == 16);
 
+/// Adds a reference. Since OpenCL 1.2.
 struct clRetainDevice {
     _nq_cl_device_id* device;
     std::int32_t status;
@@ -45,6 +50,7 @@ struct clRetainDevice {
 static_assert(offsetof(clRetainDevice, device) == 0 && offsetof(clRetainDevice, status) == 8 &&
               sizeof(clRetainDevice) == 16);
 
+/// Drops a reference. Since OpenCL 1.2.
 struct clReleaseDevice {
     _nq_cl_device_id* device;
     std::int32_t status;
@@ -52,6 +58,7 @@ struct clReleaseDevice {
 static_assert(offsetof(clReleaseDevice, device) == 0 && offsetof(clReleaseDevice, status) == 8 &&
               sizeof(clReleaseDevice) == 16);
 
+/// Adds a reference.
 struct clRetainEvent {
     _nq_cl_event* event;
     std::int32_t status;
@@ -59,6 +66,7 @@ struct clRetainEvent {
 static_assert(offsetof(clRetainEvent, event) == 0 && offsetof(clRetainEvent, status) == 8 &&
               sizeof(clRetainEvent) == 16);
 
+/// Drops a reference.
 struct clReleaseEvent {
     _nq_cl_event* event;
     std::int32_t status;
@@ -66,6 +74,7 @@ struct clReleaseEvent {
 static_assert(offsetof(clReleaseEvent, event) == 0 && offsetof(clReleaseEvent, status) == 8 &&
               sizeof(clReleaseEvent) == 16);
 
+/// Adds a reference.
 struct clRetainKernel {
     _nq_cl_kernel* kernel;
     std::int32_t status;
@@ -73,6 +82,7 @@ struct clRetainKernel {
 static_assert(offsetof(clRetainKernel, kernel) == 0 && offsetof(clRetainKernel, status) == 8 &&
               sizeof(clRetainKernel) == 16);
 
+/// Drops a reference.
 struct clReleaseKernel {
     _nq_cl_kernel* kernel;
     std::int32_t status;
@@ -80,6 +90,7 @@ struct clReleaseKernel {
 static_assert(offsetof(clReleaseKernel, kernel) == 0 && offsetof(clReleaseKernel, status) == 8 &&
               sizeof(clReleaseKernel) == 16);
 
+/// Adds a reference.
 struct clRetainMemObject {
     _nq_cl_mem* memobj;
     std::int32_t status;
@@ -87,6 +98,7 @@ struct clRetainMemObject {
 static_assert(offsetof(clRetainMemObject, memobj) == 0 && offsetof(clRetainMemObject, status) == 8 &&
               sizeof(clRetainMemObject) == 16);
 
+/// Drops a reference.
 struct clReleaseMemObject {
     _nq_cl_mem* memobj;
     std::int32_t status;
@@ -94,6 +106,7 @@ struct clReleaseMemObject {
 static_assert(offsetof(clReleaseMemObject, memobj) == 0 && offsetof(clReleaseMemObject, status) == 8 &&
               sizeof(clReleaseMemObject) == 16);
 
+/// Adds a reference.
 struct clRetainProgram {
     _nq_cl_program* program;
     std::int32_t status;
@@ -101,6 +114,7 @@ struct clRetainProgram {
 static_assert(offsetof(clRetainProgram, program) == 0 && offsetof(clRetainProgram, status) == 8 &&
               sizeof(clRetainProgram) == 16);
 
+/// Drops a reference.
 struct clReleaseProgram {
     _nq_cl_program* program;
     std::int32_t status;
@@ -108,6 +122,7 @@ struct clReleaseProgram {
 static_assert(offsetof(clReleaseProgram, program) == 0 && offsetof(clReleaseProgram, status) == 8 &&
               sizeof(clReleaseProgram) == 16);
 
+/// Adds a reference.
 struct clRetainSampler {
     _nq_cl_sampler* sampler;
     std::int32_t status;
@@ -115,6 +130,7 @@ struct clRetainSampler {
 static_assert(offsetof(clRetainSampler, sampler) == 0 && offsetof(clRetainSampler, status) == 8 &&
               sizeof(clRetainSampler) == 16);
 
+/// Drops a reference.
 struct clReleaseSampler {
     _nq_cl_sampler* sampler;
     std::int32_t status;

@@ -39,20 +39,23 @@ enum class field_kind : std::uint8_t {
 
 /// The kind of an OpenCL object.
 enum class object_kind : std::uint8_t {
-    none,
-    platform,
-    device_id,
-    context,
-    command_queue,
-    memory,
-    sampler,
-    program,
-    kernel,
-    event
+    none,          ///< no object
+    platform,      ///< `_nq_cl_platform_id`
+    device_id,     ///< `_nq_cl_device_id`
+    context,       ///< `_nq_cl_context`
+    command_queue, ///< `_nq_cl_command_queue`
+    memory,        ///< `_nq_cl_mem`
+    sampler,       ///< `_nq_cl_sampler`
+    program,       ///< `_nq_cl_program`
+    kernel,        ///< `_nq_cl_kernel`
+    event          ///< `_nq_cl_event`
 };
 
 /// Whether libnq reads or writes a field, or the elements behind its pointer.
-enum class direction : std::uint8_t { in, out };
+enum class direction : std::uint8_t {
+    in, ///< libnq reads it
+    out ///< libnq writes it
+};
 
 /// How many elements are behind a pointer. The operands are the offsets of other fields of the block.
 enum class length_rule : std::uint8_t {

@@ -16,10 +16,14 @@ class VORN_MERO_EXPORT error : public std::exception {
 public:
     /// Copies the message.
     explicit error(std::string const& message);
+    /// Copies the message.
     error(error const&);
+    /// Copies the message.
     error& operator=(error const&);
+    /// Frees the message.
     ~error() override;
 
+    /// The message, for people to read. Valid as long as the exception.
     [[nodiscard]] char const* what() const noexcept final;
 
 private:

@@ -48,11 +48,14 @@ class basic_array {
     static_assert(std::is_trivially_copyable<T>::value, "OpenCL copies the elements byte by byte");
 
 public:
+    /// @{
+    /// The types of its elements, its buffer, and what its members take and return.
     using value_type = T;
     using exact_type = typename api<Version>::buffer;
     using event_type = basic_event<Version>;
     using transfer_type = basic_transfer<Version>;
     using waits_type = waits<Version>;
+    /// @}
 
     /// Of a session's device; `exact` must have room for `size` elements. `is_part` says that it is a sub-buffer.
     basic_array(std::shared_ptr<detail::session_state<Version>> state, exact_type exact, std::size_t size,

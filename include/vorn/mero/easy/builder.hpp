@@ -62,6 +62,7 @@ using headers = std::vector<std::pair<std::string, std::string>>;
 template <int Version>
 class basic_compiled {
 public:
+    /// The program of the exact interface.
     using exact_type = typename api<Version>::program;
 
     /// Of a program of the exact interface, which must be compiled.
@@ -91,6 +92,7 @@ using compiled = basic_compiled<default_version>;
 template <int Version>
 class basic_builder {
 public:
+    /// The exact interface of the version.
     using exact_api = api<Version>;
 
     /// From source.

@@ -24,8 +24,11 @@ namespace vorn::mero::easy {
 template <int Version>
 class basic_devices {
 public:
+    /// @{
+    /// The type of each session, and of its device.
     using session_type = basic_session<Version>;
     using device_type = typename session_type::device_type;
+    /// @}
 
     /// The devices that the environment variable MERO_DEVICE means, see `find_devices`; all without it.
     basic_devices() : basic_devices(detail::text_of_environment()) {}

@@ -30,6 +30,7 @@ struct durations {
 template <int Version>
 class basic_event {
 public:
+    /// The event of the exact interface.
     using exact_type = typename api<Version>::event;
 
     /// Takes over an event of the exact interface.

@@ -136,11 +136,17 @@ class basic_image {
     using kind = detail::image_class<Kind, Version>;
 
 public:
+    /// A pixel in host memory, such as `std::array<std::uint8_t, 4>`.
     using pixel_type = typename Format::pixel;
+    /// A colour that fills the image: red, green, blue and alpha, as `float` or integers of 32 bits.
     using color_type = typename Format::color;
+    /// @{
+    /// The image of the exact interface, and what the members take and return.
     using exact_type = typename kind::type;
     using event_type = basic_event<Version>;
     using waits_type = waits<Version>;
+    /// @}
+    /// Width, height and depth, or the number of images, in this order; 1 for what there is not.
     using size_type = std::array<std::size_t, 3>;
 
     /// Makes an image with undefined pixels; `session::image` calls it. Throws `unsupported`, with the formats that

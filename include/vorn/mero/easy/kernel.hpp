@@ -64,8 +64,11 @@ private:
 template <int Version>
 class basic_kernel {
 public:
+    /// @{
+    /// The kernel of the exact interface, and what a launch returns.
     using exact_type = typename api<Version>::kernel;
     using event_type = basic_event<Version>;
+    /// @}
 
     /// Of a kernel of the exact interface, made by `basic_program`. Asks how its arguments are declared.
     basic_kernel(std::shared_ptr<detail::session_state<Version>> session, exact_type exact)

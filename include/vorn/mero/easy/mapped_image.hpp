@@ -24,8 +24,11 @@ struct image_region {
 template <class Pixel, int Version>
 class [[nodiscard]] mapped_image {
 public:
+    /// @{
+    /// The types of the version.
     using flags_type = typename api<Version>::map_flags;
     using image_type = typename api<Version>::image;
+    /// @}
 
     /// Blocks until the pixels are there; the `map` functions of an image call it. `has_rows` is false for arrays of
     /// one-dimensional images, whose second direction counts images.
@@ -44,6 +47,7 @@ public:
         bytes_ = static_cast<byte*>(mapped);
     }
 
+    /// `other` is empty afterwards.
     mapped_image(mapped_image&& other) noexcept
         : state_(std::move(other.state_)), image_(std::move(other.image_)), size_(other.size_),
           row_pitch_(other.row_pitch_), slice_pitch_(other.slice_pitch_), bytes_(std::exchange(other.bytes_, nullptr)) {
@@ -53,6 +57,7 @@ public:
     mapped_image& operator=(mapped_image const&) = delete;
     mapped_image& operator=(mapped_image&&) = delete;
 
+    /// Gives the region back, without blocking.
     ~mapped_image() {
         if (bytes_ != nullptr) {
             try {

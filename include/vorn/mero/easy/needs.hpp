@@ -15,7 +15,7 @@ namespace vorn::mero::easy {
 ///     ez::basic_session<200> shared("intel", ez::needs::svm);
 ///     for (auto const& device : ez::find_devices(ez::needs::out_of_order)) { ... }
 enum class needs : unsigned {
-    nothing = 0,
+    nothing = 0,             ///< Nothing: any device will do.
     svm = 1U << 0U,          ///< Shared virtual memory, coarse-grained at least. Since OpenCL 2.0.
     images = 1U << 1U,       ///< Images and samplers.
     fp64 = 1U << 2U,         ///< `double` in kernels.

@@ -29,6 +29,7 @@ namespace vorn::mero::easy {
 template <int Version>
 class basic_user_event {
 public:
+    /// A session of the version.
     using session_type = basic_session<Version>;
 
     /// In the context of a session.
@@ -38,6 +39,7 @@ public:
     }
 
     basic_user_event(basic_user_event&&) noexcept = default;
+    /// Its own event fails as in the destructor if it has not ended. `other` has none afterwards.
     basic_user_event& operator=(basic_user_event&& other) noexcept {
         basic_user_event ends(std::move(*this));
         host_ = std::move(other.host_);
@@ -46,6 +48,7 @@ public:
     basic_user_event(basic_user_event const&) = delete;
     basic_user_event& operator=(basic_user_event const&) = delete;
 
+    /// An event that has not ended fails with an `order_error`, and with it what waits for it.
     ~basic_user_event() {
         if (host_ && host_->claim()) {
             host_->end(std::make_exception_ptr(order_error(
@@ -113,6 +116,7 @@ public:
     finish_guard(finish_guard const&) = delete;
     finish_guard& operator=(finish_guard const&) = delete;
 
+    /// Blocks until the queue is empty; drops a failure.
     ~finish_guard() {
         try {
             session_.finish();

@@ -90,6 +90,7 @@ template <int Version>
 template <int Version>
 class basic_program {
 public:
+    /// The program of the exact interface.
     using exact_type = typename api<Version>::program;
 
     /// Of a program of the exact interface, which must be built.

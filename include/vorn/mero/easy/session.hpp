@@ -23,7 +23,13 @@ struct adopted_as {};
 } // namespace detail
 
 /// The dimensions of an image.
-enum class image_kind { one, two, three, one_array, two_array };
+enum class image_kind {
+    one,       ///< Width.
+    two,       ///< Width and height.
+    three,     ///< Width, height and depth.
+    one_array, ///< Several of `one`.
+    two_array, ///< Several of `two`.
+};
 
 template <class Format, image_kind Kind, int Version>
 class basic_image;
@@ -41,10 +47,13 @@ class basic_image;
 template <int Version>
 class basic_session : public basic_builder<Version> {
 public:
+    /// @{
+    /// The exact interface of the version, and its classes that a session holds.
     using exact_api = api<Version>;
     using device_type = typename exact_api::device;
     using context_type = typename exact_api::context;
     using queue_type = typename exact_api::host_queue;
+    /// @}
 
     /// On the device that the environment variable MERO_DEVICE means, see `find_device`; on the first without it.
     basic_session() : basic_session(default_device<Version>()) {}

@@ -88,6 +88,7 @@ private:
 template <class T, int Version>
 class [[nodiscard]] mapped_shared : public element_range<T> {
 public:
+    /// The flags of the version.
     using flags_type = typename api<Version>::map_flags;
 
     /// Blocks until the elements are there; the `map` functions of shared memory call it.
@@ -106,6 +107,7 @@ public:
     mapped_shared& operator=(mapped_shared const&) = delete;
     mapped_shared& operator=(mapped_shared&&) = delete;
 
+    /// Gives the elements back, without blocking.
     ~mapped_shared() {
         if (block_ && this->size() != 0) {
             try {
@@ -136,9 +138,12 @@ class basic_shared {
     static_assert(alignof(T) <= 128, "OpenCL aligns shared memory as its largest type, to 128 bytes");
 
 public:
+    /// @{
+    /// The types of its elements, and what its members take and return.
     using value_type = T;
     using event_type = basic_event<Version>;
     using waits_type = waits<Version>;
+    /// @}
 
     /// `count` elements that nothing has been written to. Throws `unsupported` if the device lacks the grain,
     /// `std::bad_alloc` if there is no memory, `bounds_error` if their size in bytes is no
@@ -148,8 +153,10 @@ public:
               std::make_shared<detail::shared_block<Version>>(owner.state(), detail::product(count, sizeof(T)), how)),
           size_(count) {}
 
+    /// `other` is empty afterwards.
     basic_shared(basic_shared&& other) noexcept
         : block_(std::move(other.block_)), size_(std::exchange(other.size_, 0)) {}
+    /// Frees its own elements as the destructor does. `other` is empty afterwards.
     basic_shared& operator=(basic_shared&& other) noexcept {
         block_ = std::move(other.block_);
         size_ = std::exchange(other.size_, 0);
@@ -243,11 +250,13 @@ class basic_shared_allocator {
     static_assert(alignof(T) <= 128, "OpenCL aligns shared memory as its largest type, to 128 bytes");
 
 public:
+    /// The type of an element.
     using value_type = T;
 
     /// The same for elements of another type.
     template <class Other>
     struct rebind {
+        /// The allocator for them.
         using other = basic_shared_allocator<Other, Version>;
     };
 

@@ -17,8 +17,8 @@ namespace vorn::mero::easy {
 
 /// A device's part of a job: `count` items from `offset` on.
 struct share {
-    std::size_t offset;
-    std::size_t count;
+    std::size_t offset; ///< The first item.
+    std::size_t count;  ///< How many items; perhaps 0.
 };
 
 /// Shares of `count` items in proportion to weights, one after another; they may be empty. All are multiples of `step`,
@@ -71,8 +71,11 @@ class split_array;
 template <int Version>
 class basic_split {
 public:
+    /// @{
+    /// The types of the version.
     using devices_type = basic_devices<Version>;
     using event_type = basic_event<Version>;
+    /// @}
 
     /// Equal shares, in multiples of `step`, see `shares_of`.
     basic_split(devices_type all, std::size_t count, std::size_t step = 1)

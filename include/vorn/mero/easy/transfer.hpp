@@ -28,11 +28,13 @@ public:
     /// Of a command that was enqueued.
     explicit basic_transfer(basic_event<Version> command) : command_(std::move(command)) {}
 
+    /// `other` waits for nothing afterwards.
     basic_transfer(basic_transfer&& other) noexcept : command_(std::exchange(other.command_, std::nullopt)) {}
     basic_transfer(basic_transfer const&) = delete;
     basic_transfer& operator=(basic_transfer const&) = delete;
     basic_transfer& operator=(basic_transfer&&) = delete;
 
+    /// Blocks until the transfer has ended; drops a failure, which its event tells.
     ~basic_transfer() {
         if (command_) {
             try {
@@ -114,8 +116,11 @@ private:
 template <class T, int Version>
 class [[nodiscard]] mapped_array : public element_range<T> {
 public:
+    /// @{
+    /// The types of the version.
     using flags_type = typename api<Version>::map_flags;
     using buffer_type = typename api<Version>::buffer;
+    /// @}
 
     /// Blocks until the elements are there; the `map` functions of an array call it. Offset and count are in elements.
     mapped_array(std::shared_ptr<detail::session_state<Version>> state, buffer_type buffer, flags_type how,
@@ -123,6 +128,7 @@ public:
         : element_range<T>(mapped(*state, buffer, how, offset, count, earlier), count), state_(std::move(state)),
           buffer_(std::move(buffer)), is_mapped_(count != 0) {}
 
+    /// `other` is empty afterwards.
     mapped_array(mapped_array&& other) noexcept
         : element_range<T>(std::exchange(static_cast<element_range<T>&>(other), element_range<T>(nullptr, 0))),
           state_(std::move(other.state_)), buffer_(std::move(other.buffer_)),
@@ -132,6 +138,7 @@ public:
     mapped_array& operator=(mapped_array const&) = delete;
     mapped_array& operator=(mapped_array&&) = delete;
 
+    /// Gives the elements back, without blocking.
     ~mapped_array() {
         if (is_mapped_) {
             try {

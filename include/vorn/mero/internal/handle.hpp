@@ -36,6 +36,7 @@ namespace vorn::mero::internal {
 template <class Kind>
 class VORN_MERO_EXPORT owner {
 public:
+    /// What the raw handle points to.
     using raw_type = typename Kind::raw_type;
 
     /// Adopts a reference that the caller holds. Makes no call.

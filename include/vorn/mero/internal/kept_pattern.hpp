@@ -24,8 +24,10 @@ public:
         point_to_own();
     }
 
+    /// With a pattern of its own.
     kept_pattern(kept_pattern const& other) : Base(other), pattern_(other.pattern_) { point_to_own(); }
 
+    /// Copies the pattern too.
     kept_pattern& operator=(kept_pattern const& other) {
         Base::operator=(other);
         pattern_ = other.pattern_;

@@ -31,6 +31,7 @@ public:
     log_singleton();
     log_singleton(log_singleton const&) = delete;
     log_singleton& operator=(log_singleton const&) = delete;
+    /// spdlog's registry keeps the loggers of "file" and "console".
     ~log_singleton();
 
     /// The logger; this object keeps owning it.

@@ -25,6 +25,8 @@ struct api<VORN_MERO_OPENCL> {
     /// The version's capability in libnq.
     static constexpr nq::capability capability = nq::capability::VORN_MERO_NAMESPACE;
 
+    /// @{
+    /// The class of the version.
     using platform = VORN_MERO_NAMESPACE::platform;
     using device = VORN_MERO_NAMESPACE::device;
     using context = VORN_MERO_NAMESPACE::context;
@@ -51,6 +53,10 @@ struct api<VORN_MERO_OPENCL> {
     using copy_buffer_to_image = VORN_MERO_NAMESPACE::copy_buffer_to_image;
     using map_image = VORN_MERO_NAMESPACE::map_image;
     using native_kernel = VORN_MERO_NAMESPACE::native_kernel;
+    /// @}
+
+    /// @{
+    /// The type of values of the version.
     using context_property = VORN_MERO_NAMESPACE::context_property;
     using device_type = VORN_MERO_NAMESPACE::device_type;
     using mem_flags = VORN_MERO_NAMESPACE::mem_flags;
@@ -65,23 +71,36 @@ struct api<VORN_MERO_OPENCL> {
     using program_build_status = VORN_MERO_NAMESPACE::program_build_status;
     using device_binary = VORN_MERO_NAMESPACE::device_binary;
     using local_memory = VORN_MERO_NAMESPACE::local_memory;
+    /// @}
+
+    /// @{
+    /// The tag of a constructor of the version.
     using create_reference = VORN_MERO_NAMESPACE::internal::create_reference;
     using take_ownership = VORN_MERO_NAMESPACE::internal::take_ownership;
+    /// @}
 
 #if VORN_MERO_OPENCL < 110
+    /// The class of the version. In OpenCL 1.0 only.
     using task_kernel = VORN_MERO_NAMESPACE::task_kernel;
 #endif
 
 #if VORN_MERO_OPENCL >= 110
+    /// @{
+    /// The class of the version. Since OpenCL 1.1.
     using sub_buffer = VORN_MERO_NAMESPACE::sub_buffer;
     using event_promise = VORN_MERO_NAMESPACE::event_promise;
     using read_buffer_rect = VORN_MERO_NAMESPACE::read_buffer_rect;
     using write_buffer_rect = VORN_MERO_NAMESPACE::write_buffer_rect;
     using copy_buffer_rect = VORN_MERO_NAMESPACE::copy_buffer_rect;
+    /// @}
+
+    /// The type of values of the version. Since OpenCL 1.1.
     using commmand_exec_callback_type = VORN_MERO_NAMESPACE::commmand_exec_callback_type;
 #endif
 
 #if VORN_MERO_OPENCL >= 120
+    /// @{
+    /// The class of the version. Since OpenCL 1.2.
     using image_1d = VORN_MERO_NAMESPACE::image_1d;
     using image_1d_buffer = VORN_MERO_NAMESPACE::image_1d_buffer;
     using image_1d_array = VORN_MERO_NAMESPACE::image_1d_array;
@@ -90,17 +109,27 @@ struct api<VORN_MERO_OPENCL> {
     using fill_buffer_bytes = VORN_MERO_NAMESPACE::fill_buffer_bytes;
     using fill_image_base = VORN_MERO_NAMESPACE::fill_image_base;
     using migrate_mem_objects = VORN_MERO_NAMESPACE::migrate_mem_objects;
+    /// @}
+
+    /// @{
+    /// The type of values of the version. Since OpenCL 1.2.
     using migration_flags = VORN_MERO_NAMESPACE::migration_flags;
     using program_binary_type = VORN_MERO_NAMESPACE::program_binary_type;
     using device_affinity_domain = VORN_MERO_NAMESPACE::device_affinity_domain;
+    /// @}
 
+    /// @{
+    /// The class template of the version. Since OpenCL 1.2.
     template <class T>
     using fill_buffer = VORN_MERO_NAMESPACE::fill_buffer<T>;
     template <class Channel>
     using fill_image = VORN_MERO_NAMESPACE::fill_image<Channel>;
+    /// @}
 #endif
 
 #if VORN_MERO_OPENCL >= 200
+    /// @{
+    /// The class of the version. Since OpenCL 2.0.
     using pipe = VORN_MERO_NAMESPACE::pipe;
     using device_command_queue = VORN_MERO_NAMESPACE::device_command_queue;
     using svm_free = VORN_MERO_NAMESPACE::svm_free;
@@ -108,13 +137,18 @@ struct api<VORN_MERO_OPENCL> {
     using fill_svm_base = VORN_MERO_NAMESPACE::fill_svm_base;
     using svm_map = VORN_MERO_NAMESPACE::svm_map;
     using svm_unmap = VORN_MERO_NAMESPACE::svm_unmap;
+    /// @}
+
+    /// The type of values of the version. Since OpenCL 2.0.
     using svm_mem_flags = VORN_MERO_NAMESPACE::svm_mem_flags;
 
+    /// The class template of the version. Since OpenCL 2.0.
     template <class T>
     using fill_svm = VORN_MERO_NAMESPACE::fill_svm<T>;
 #endif
 
 #if VORN_MERO_OPENCL >= 210
+    /// The class of the version. Since OpenCL 2.1.
     using svm_migrate_mem = VORN_MERO_NAMESPACE::svm_migrate_mem;
 #endif
 

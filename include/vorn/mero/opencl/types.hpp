@@ -9,18 +9,25 @@
 namespace vorn::mero::VORN_MERO_NAMESPACE {
 
 #define VORN_MERO_BIT_FIELD(name)                                                                                      \
+    /** The bits of either. */                                                                                         \
     constexpr name operator|(name a, name b) noexcept {                                                                \
         return name(static_cast<std::uint64_t>(a) | static_cast<std::uint64_t>(b));                                    \
     }                                                                                                                  \
+    /** The bits of both. */                                                                                           \
     constexpr name operator&(name a, name b) noexcept {                                                                \
         return name(static_cast<std::uint64_t>(a) & static_cast<std::uint64_t>(b));                                    \
     }                                                                                                                  \
+    /** The bits of one of them, but not of both. */                                                                   \
     constexpr name operator^(name a, name b) noexcept {                                                                \
         return name(static_cast<std::uint64_t>(a) ^ static_cast<std::uint64_t>(b));                                    \
     }                                                                                                                  \
+    /** The bits that are not set, unnamed ones too. */                                                                \
     constexpr name operator~(name a) noexcept { return name(~static_cast<std::uint64_t>(a)); }                         \
+    /** Adds the bits of `b`. */                                                                                       \
     constexpr name& operator|=(name& a, name b) noexcept { return a = a | b; }                                         \
+    /** Keeps the bits of `b` only. */                                                                                 \
     constexpr name& operator&=(name& a, name b) noexcept { return a = a & b; }                                         \
+    /** Changes the bits of `b`. */                                                                                    \
     constexpr name& operator^=(name& a, name b) noexcept { return a = a ^ b; }
 
 /// How a memory object is made and used (`cl_mem_flags`), a bit field. Give at most one of the access flags
@@ -28,7 +35,7 @@ namespace vorn::mero::VORN_MERO_NAMESPACE {
 ///
 ///     cl::mem_flags const input = cl::mem_flags::read_only | cl::mem_flags::copy_host_ptr;
 enum class mem_flags : std::uint64_t {
-    read_write = 1 << 0,
+    read_write = 1 << 0,     ///< Kernels read and write it.
     write_only = 1 << 1,     ///< Kernels only write it.
     read_only = 1 << 2,      ///< Kernels only read it.
     use_host_ptr = 1 << 3,   ///< It uses the caller's memory, which must outlive it.
@@ -57,10 +64,10 @@ VORN_MERO_BIT_FIELD(map_flags)
 
 /// The kind of a device (`cl_device_type`), a bit field: a device can have several.
 enum class device_type : std::uint64_t {
-    default_ = 1 << 0, ///< The one that the platform prefers.
-    cpu = 1 << 1,
-    gpu = 1 << 2,
-    accelerator = 1 << 3,
+    default_ = 1 << 0,    ///< The one that the platform prefers.
+    cpu = 1 << 1,         ///< A processor that also runs the host, or one like it.
+    gpu = 1 << 2,         ///< A graphics processor.
+    accelerator = 1 << 3, ///< Another processor, such as one for signals or an FPGA.
 #if VORN_MERO_OPENCL >= 120
     custom = 1 << 4, ///< It runs built-in kernels only. Since OpenCL 1.2.
 #endif
@@ -70,17 +77,17 @@ VORN_MERO_BIT_FIELD(device_type)
 
 /// The kind of a memory object (`cl_mem_object_type`).
 enum class mem_object_type : std::uint32_t {
-    buffer = 0x10F0,
-    image2d = 0x10F1,
-    image3d = 0x10F2,
+    buffer = 0x10F0,  ///< A `buffer` or a `sub_buffer`.
+    image2d = 0x10F1, ///< An `image_2d`.
+    image3d = 0x10F2, ///< An `image_3d`.
 #if VORN_MERO_OPENCL >= 120
-    image2d_array = 0x10F3,
-    image1d = 0x10F4,
-    image1d_array = 0x10F5,
-    image1d_buffer = 0x10F6,
+    image2d_array = 0x10F3,  ///< An `image_2d_array`. Since OpenCL 1.2.
+    image1d = 0x10F4,        ///< An `image_1d`. Since OpenCL 1.2.
+    image1d_array = 0x10F5,  ///< An `image_1d_array`. Since OpenCL 1.2.
+    image1d_buffer = 0x10F6, ///< An `image_1d_buffer`. Since OpenCL 1.2.
 #endif
 #if VORN_MERO_OPENCL >= 200
-    pipe = 0x10F7,
+    pipe = 0x10F7, ///< A `pipe`. Since OpenCL 2.0.
 #endif
 };
 
@@ -102,12 +109,12 @@ enum class sampler_filter_mode : std::uint32_t {
 /// The channels of a pixel and their order (`cl_channel_order`). A missing colour reads as 0, a missing alpha as 1.
 /// Every implementation with images has `rgba`; `context::image_2d_supported_formats` tells the rest.
 enum class image_channel_order : std::uint32_t {
-    r = 0x10B0,
-    a = 0x10B1,
-    rg = 0x10B2,
-    ra = 0x10B3,
-    rgb = 0x10B4, ///< With packed channel types only.
-    rgba = 0x10B5,
+    r = 0x10B0,         ///< Red.
+    a = 0x10B1,         ///< Alpha.
+    rg = 0x10B2,        ///< Red, green.
+    ra = 0x10B3,        ///< Red, alpha.
+    rgb = 0x10B4,       ///< With packed channel types only.
+    rgba = 0x10B5,      ///< Red, green, blue, alpha.
     bgra = 0x10B6,      ///< With 8-bit channel types only.
     argb = 0x10B7,      ///< With 8-bit channel types only.
     intensity = 0x10B8, ///< One value, read as all four channels.
@@ -134,21 +141,21 @@ enum class image_channel_order : std::uint32_t {
 /// 0 to 1. Kernels read these and floating-point types with `read_imagef`, `signed_` types with `read_imagei`,
 /// `unsigned_` types with `read_imageui`.
 enum class image_channel_type : std::uint32_t {
-    snorm_int8 = 0x10D0,
-    snorm_int16 = 0x10D1,
-    unorm_int8 = 0x10D2,
-    unorm_int16 = 0x10D3,
+    snorm_int8 = 0x10D0,       ///< 8 bits for -1 to 1.
+    snorm_int16 = 0x10D1,      ///< 16 bits for -1 to 1.
+    unorm_int8 = 0x10D2,       ///< 8 bits for 0 to 1.
+    unorm_int16 = 0x10D3,      ///< 16 bits for 0 to 1.
     unorm_short_565 = 0x10D4,  ///< A whole pixel of `rgb` or `rgbx` in 16 bits.
     unorm_short_555 = 0x10D5,  ///< A whole pixel of `rgb` or `rgbx` in 16 bits, the top bit unused.
     unorm_int_101010 = 0x10D6, ///< A whole pixel of `rgb` or `rgbx` in 32 bits, the top two bits unused.
-    signed_int8 = 0x10D7,
-    signed_int16 = 0x10D8,
-    signed_int32 = 0x10D9,
-    unsigned_int8 = 0x10DA,
-    unsigned_int16 = 0x10DB,
-    unsigned_int32 = 0x10DC,
-    half_float = 0x10DD,
-    float_ = 0x10DE,
+    signed_int8 = 0x10D7,      ///< A signed integer of 8 bits.
+    signed_int16 = 0x10D8,     ///< A signed integer of 16 bits.
+    signed_int32 = 0x10D9,     ///< A signed integer of 32 bits.
+    unsigned_int8 = 0x10DA,    ///< An unsigned integer of 8 bits.
+    unsigned_int16 = 0x10DB,   ///< An unsigned integer of 16 bits.
+    unsigned_int32 = 0x10DC,   ///< An unsigned integer of 32 bits.
+    half_float = 0x10DD,       ///< A floating-point number of 16 bits.
+    float_ = 0x10DE,           ///< A floating-point number of 32 bits.
 #if VORN_MERO_OPENCL >= 120
     unorm_int24 = 0x10DF, ///< For `depth_stencil`. Since OpenCL 1.2.
 #endif
@@ -185,8 +192,8 @@ static_assert(sizeof(image_format) == 8);
 /// The state of a command (`cl_int`). Its value only ever falls. `failed` stands for every negative status;
 /// `event::error_code` tells which.
 enum class event_execution_status : std::int32_t {
-    failed = -1,
-    complete = 0,
+    failed = -1,   ///< It has failed, or a command that it waited for.
+    complete = 0,  ///< It has ended without a failure.
     running = 1,   ///< The device has started it.
     submitted = 2, ///< The queue has handed it to the device.
     queued = 3,    ///< The queue holds it.
@@ -194,7 +201,7 @@ enum class event_execution_status : std::int32_t {
 
 /// The state of a program's build for a device (`cl_build_status`).
 enum class program_build_status : std::int32_t {
-    success = 0,
+    success = 0,      ///< The last build succeeded.
     none = -1,        ///< Not built yet.
     error = -2,       ///< The build failed, see `program::build_log`.
     in_progress = -3, ///< The build is running.
@@ -247,9 +254,9 @@ private:
 #if VORN_MERO_OPENCL >= 110
 /// The state of a command that triggers a callback (`cl_int`). Mind the spelling, with three m. Since OpenCL 1.1.
 enum class commmand_exec_callback_type : std::int32_t {
-    complete = 0,
-    running = 1,
-    submitted = 2,
+    complete = 0,  ///< It has ended, or failed.
+    running = 1,   ///< The device has started it.
+    submitted = 2, ///< The queue has handed it to the device.
 };
 #endif
 
@@ -272,11 +279,11 @@ enum class program_binary_type : std::uint32_t {
 
 /// What the compute units of a sub-device share (`cl_device_affinity_domain`), a bit field. Since OpenCL 1.2.
 enum class device_affinity_domain : std::uint64_t {
-    numa = 1 << 0,
-    l4_cache = 1 << 1,
-    l3_cache = 1 << 2,
-    l2_cache = 1 << 3,
-    l1_cache = 1 << 4,
+    numa = 1 << 0,               ///< A NUMA node.
+    l4_cache = 1 << 1,           ///< A cache of level 4.
+    l3_cache = 1 << 2,           ///< A cache of level 3.
+    l2_cache = 1 << 3,           ///< A cache of level 2.
+    l1_cache = 1 << 4,           ///< A cache of level 1.
     next_partitionable = 1 << 5, ///< The first of the above that can divide the device.
 };
 VORN_MERO_BIT_FIELD(device_affinity_domain)
@@ -311,30 +318,30 @@ inline constexpr device_partition_property device_partition_property::by_affinit
 
 /// The address space of a kernel argument (`cl_kernel_arg_address_qualifier`). Since OpenCL 1.2.
 enum class kernel_argument_address_qualifier : std::uint32_t {
-    global = 0x119B,
-    local = 0x119C,
-    constant = 0x119D,
-    private_ = 0x119E,
+    global = 0x119B,   ///< `__global`; images too.
+    local = 0x119C,    ///< `__local`.
+    constant = 0x119D, ///< `__constant`.
+    private_ = 0x119E, ///< A value: neither of these.
 };
 
 /// How a kernel accesses an image or pipe argument (`cl_kernel_arg_access_qualifier`); `none` for any other argument.
 /// Since OpenCL 1.2.
 enum class kernel_argument_access_qualifier : std::uint32_t {
-    read_only = 0x11A0,
-    write_only = 0x11A1,
-    read_write = 0x11A2,
-    none = 0x11A3,
+    read_only = 0x11A0,  ///< `__read_only`, which is what an image without a qualifier is.
+    write_only = 0x11A1, ///< `__write_only`.
+    read_write = 0x11A2, ///< `__read_write`.
+    none = 0x11A3,       ///< Neither an image nor a pipe.
 };
 
 /// The qualifiers of a kernel argument's type (`cl_kernel_arg_type_qualifier`), a bit field. For a pointer, `const_`
 /// and `volatile_` are those of the pointed-to type. Since OpenCL 1.2.
 enum class kernel_argument_type_qualifier : std::uint64_t {
-    none = 0,
-    const_ = 1 << 0,
-    restrict_ = 1 << 1,
-    volatile_ = 1 << 2,
+    none = 0,           ///< No qualifier.
+    const_ = 1 << 0,    ///< `const`.
+    restrict_ = 1 << 1, ///< `restrict`.
+    volatile_ = 1 << 2, ///< `volatile`.
 #if VORN_MERO_OPENCL >= 200
-    pipe = 1 << 3,
+    pipe = 1 << 3, ///< A pipe. Since OpenCL 2.0.
 #endif
 };
 VORN_MERO_BIT_FIELD(kernel_argument_type_qualifier)
@@ -344,9 +351,9 @@ VORN_MERO_BIT_FIELD(kernel_argument_type_qualifier)
 /// How shared virtual memory is made and used (`cl_svm_mem_flags`), a bit field. Give at most one of the access flags
 /// `read_write`, `write_only` and `read_only`; without one it is `read_write`. Since OpenCL 2.0.
 enum class svm_mem_flags : std::uint64_t {
-    read_write = 1 << 0,
-    write_only = 1 << 1,
-    read_only = 1 << 2,
+    read_write = 1 << 0,         ///< Kernels read and write it.
+    write_only = 1 << 1,         ///< Kernels only write it.
+    read_only = 1 << 2,          ///< Kernels only read it.
     fine_grain_buffer = 1 << 10, ///< Host and devices use it at the same time, without mapping.
     atomics = 1 << 11,           ///< Atomic operations work across host and devices; needs `fine_grain_buffer`.
 };
