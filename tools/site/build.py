@@ -1,5 +1,6 @@
 """Makes the pages of the site in a folder; MkDocs, which scripts/docs runs next, makes HTML of them."""
 
+import json
 import pathlib
 import shutil
 import sys
@@ -13,6 +14,12 @@ import pages
 HERE = pathlib.Path(__file__).resolve().parent
 
 
+INTRODUCTION = """Made from the headers. Each declaration is here once: a badge such as
+<span class="badge since">since 1.2</span> or <span class="badge until">until 1.1</span> tells which of the six namespaces
+have it; without a badge all have it. The search finds each name.
+"""
+
+
 def write(folder, name, text):
     path = folder / name
     path.parent.mkdir(parents=True, exist_ok=True)
@@ -23,19 +30,28 @@ def reference(folder, roots):
     """Writes the pages of the reference; their part of the navigation."""
     groups = pages.sort_out(roots)
     names, areas = pages.index(groups), {}
+    classes = [(pages.shown(each), each_group.address) for each_group in groups.values() for each in each_group.items
+               if each.is_class or each.kind == "enum"]
+    (folder.parent / "classes.json").write_text(json.dumps(classes))
     for each in sorted(groups.values(), key=lambda group: group.title):
         path = each.address.replace(".html", ".md")
         write(folder, path, pages.writer(each, names).write())
-        areas.setdefault(each.area, []).append({each.title: path})
+        areas.setdefault(each.area, []).append(each)
     index, nav = "reference/index.md", []
-    lines = ["# Reference\n"]
+    lines = ["# Reference\n", INTRODUCTION]
     for area, (_, title) in pages.AREAS.items():
-        nav.append({title: areas[area]})
-        lines.append(f"## {title}\n\n`{area}`\n")
-        lines += [f"- [{name}]({path.removeprefix('reference/')})" for entry in areas[area] for name, path in entry.items()]
-        lines.append("")
+        lines.append(f"## {title}\n\n{pages.ABOUT[area]}\n")
+        parts = {}
+        for each in areas[area]:
+            parts.setdefault(pages.part_of(each), []).append(each)
+        entries = []
+        for part in sorted(parts, key=pages.PARTS.index):
+            here = [{each.title: each.address.replace(".html", ".md")} for each in parts[part]]
+            lines += [f"### {part}\n"] * (len(parts) > 1) + [pages.overview(parts[part], names, "reference/index.html") + "\n"]
+            entries += [{part: here}] if len(parts) > 1 else here
+        nav.append({title: entries})
     write(folder, index, "\n".join(lines))
-    return [index, *nav]
+    return [index, *nav], names
 
 
 def expanded(nav, parts):
@@ -52,8 +68,9 @@ def main():
     folder = out / "pages"
     shutil.rmtree(folder, ignore_errors=True)
     roots = model.read(out / "xml")
-    parts = {"reference": reference(folder, roots)}
-    written = documents.pages()
+    nav, names = reference(folder, roots)
+    parts = {"reference": nav}
+    written = documents.pages(names)
     for name, text in written.items():
         write(folder, name, text)
     for source in documents.SOURCES:
@@ -66,7 +83,7 @@ def main():
     configuration["nav"] = expanded(configuration["nav"], parts)
     (out / "mkdocs.yml").write_text(yaml.safe_dump(configuration, sort_keys=False, allow_unicode=True))
     without, count = pages.missing(roots)
-    print(*without, sep="\n")
+    print(*without, sep="\n", end="\n" if without else "")
     print(f"{len(list(folder.rglob('*.md')))} pages; {count} declarations, {len(without)} of them without a text")
     return 1 if without else 0
 

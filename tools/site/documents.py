@@ -9,13 +9,13 @@ SOURCES = ("cookbook", "examples")
 START = "index.md"
 
 
-def pages():
-    """Text of each page by its path in the site."""
-    made = {START: page("README.md", "")}
+def pages(names):
+    """Text of each page by its path in the site; code that `names` knows links to the reference."""
+    made = {START: page("README.md", "", names)}
     for path in sorted((ROOT / "docs").glob("*.md")):
-        made[path.name] = page(f"docs/{path.name}", "docs/")
-    made["changelog.md"] = page("CHANGELOG.md", "")
-    made["contributing.md"] = page("CONTRIBUTING.md", "")
+        made[path.name] = page(f"docs/{path.name}", "docs/", names)
+    made["changelog.md"] = page("CHANGELOG.md", "", names)
+    made["contributing.md"] = page("CONTRIBUTING.md", "", names)
     made["license.md"] = f"# Licence\n\n```text\n{(ROOT / 'LICENSE').read_text()}```\n"
     for folder in SOURCES:
         for path in sorted((ROOT / folder).glob("*.[ch]pp")):
@@ -30,10 +30,10 @@ def title_of(text):
     return found[1]
 
 
-def page(name, folder):
+def page(name, folder, names):
     parts = FENCE.split((ROOT / name).read_text())
     for i in range(0, len(parts), 2):
-        parts[i] = prose(parts[i], folder)
+        parts[i] = named(prose(parts[i], folder), names, name)
     for i in range(1, len(parts), 2):
         parts[i] = re.sub(r"\A( *```\w+).*", r"\1", parts[i], count=1) if "title=" in parts[i] else parts[i]
     text = "".join(parts)
@@ -62,6 +62,21 @@ def prose(text, folder):
     text = re.sub(r"<!--.*?-->\n*", "", text, flags=re.DOTALL)
     text = re.sub(r"\[([^][]*)\]\(([^)\s]+)\)", lambda found: link(found[1], found[2], folder), text)
     return re.sub(r"(?m)^((?![-*|>#]|\d+\. | *$).*\n)(?=(?:[-*]|\d+\.) )", r"\1\n", text)
+
+
+def named(text, names, name):
+    """Links the names of the reference, and on the page of a folder of sources those of its programs."""
+    folder = name.removeprefix("docs/").removesuffix(".md")
+
+    def linked(found):
+        code = found[0].strip("`")
+        source = re.match(r"\w+", code)
+        if folder in SOURCES and source and (ROOT / folder / f"{source[0]}.cpp").exists():
+            return f"[{found[0]}]({folder}/{source[0]}_cpp.md)"
+        target = names.find(code, "vorn::mero") if re.fullmatch(r"(?:\w+::)+~?\w+(?:\(\))?", code) else None
+        return f"[{found[0]}]({target.replace('.html', '.md')})" if target else found[0]
+
+    return re.sub(r"(?<![\[`\w])`[^`\n]+`(?![`\]])", linked, text)
 
 
 def link(label, target, folder):

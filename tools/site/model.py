@@ -98,7 +98,8 @@ class item:
         head = self.template_head()
         lines = [head] if head else []
         if self.is_class:
-            bases = f" : public {', '.join(name for name, _ in self.bases)}" if self.bases else ""
+            bases = re.sub(rf"\b({EXACT}|vorn::mero|mero)::", "", ", ".join(f"public {name}" for name, _ in self.bases))
+            bases = f" : {bases}" if bases else ""
             lines.append(f"{self.kind} {self.name}{bases}")
         elif self.kind == "enum":
             lines.append(f"enum class {self.name}" + (f" : {self.type}" if self.type else ""))
@@ -153,12 +154,10 @@ class model:
         else:  # the newest version describes it
             known.text, known.type, known.value = made.text or known.text, made.type, made.value
             if made.kind == "enum":
+                old = {each.name: each for each in known.members}
                 for value in made.members:
-                    mine = next((each for each in known.members if each.name == value.name), None)
-                    if mine is None:
-                        known.members.append(value)
-                    else:
-                        mine.text = value.text or mine.text
+                    value.versions = old.pop(value.name, value).versions
+                known.members = made.members + list(old.values())
             else:
                 known.bases = made.bases
         new = {version} if made.file.startswith("vorn/mero/opencl/") else set(VERSIONS)

@@ -13,6 +13,14 @@ AREAS = {  # namespace -> folder, title of its part of the reference
     "nq": ("nq", "The wire"),
     "vorn::mero": ("internal", "Foundations"),
 }
+ABOUT = {
+    EXACT: "`vorn::mero::opencl_1_0` to `vorn::mero::opencl_2_2`, each with exactly what its OpenCL version defines.",
+    "vorn::mero::easy": "`vorn::mero::easy`: devices chosen, arguments checked, commands timed.",
+    "vorn::mero::common": "`vorn::mero::common`: one class for each status of OpenCL.",
+    "nq": "`nq`: what crosses between the library and `libnq.so`, for tools that stand between the two.",
+    "vorn::mero": "`vorn::mero` and `vorn::mero::internal`: bases of the classes above, the logger, the version.",
+}
+PARTS = ["Objects", "Commands", "Values", "Functions"]  # of the exact interface
 LISTED = {  # headers whose classes share a page
     "vorn/mero/common/error.hpp": ("status_exceptions", "Exceptions of the statuses"),
     "vorn/mero/easy/pixel.hpp": ("pixels", "Pixels"),
@@ -45,12 +53,19 @@ def shown(each):
 
 
 def plain(items):
-    return " ".join(joined(element) if element.find(".//programlisting") is None and element.find(".//verbatim") is None
-                    else before_listing(element) for element in items)
+    """The first paragraph, code in backticks."""
+    paragraph = items[0].find("para") if items else None
+    if paragraph is None:
+        return ""
+    text = paragraph.text or ""
+    for each in paragraph:
+        if each.tag in ("programlisting", "verbatim", "preformatted", "itemizedlist", "orderedlist"):
+            break
+        text += (f"`{joined(each)}`" if each.tag == "computeroutput" else joined(each)) + (each.tail or "")
+    return text
 
 
-def before_listing(element):
-    return joined(element.find("para") if element.find("para") is not None and element.find("para").text else element)
+VERSION_SENTENCE = re.compile(r" ?(?:(?:Since|Until) OpenCL \d\.\d|In OpenCL 1\.0 only)(?:, like [^.]*)?\.")
 
 
 def badges(versions, outer=None):
@@ -124,9 +139,12 @@ def operand(each, classes):
 def index(groups):
     names = directory()
     for each_group in groups.values():
+        scopes = {each.scope for each in each_group.items}
         for each in each_group.items:
             own = len(each_group.items) == 1 and (each.is_class or each.kind == "enum")
-            address = each_group.address if own else f"{each_group.address}#{anchor(each.name)}"
+            place = anchor(each.name if len(scopes) == 1 else f"{each.scope.rpartition('::')[2]}-{each.name}")
+            names.anchors[id(each)] = place
+            address = each_group.address if own else f"{each_group.address}#{place}"
             register(names, each, each.qualified, address, each_group.address)
             if each.alias:
                 register(names, each, f"{each.scope}::{shown(each)}", address, each_group.address)
@@ -139,12 +157,16 @@ def register(names, each, qualified, address, path):
     names.add(qualified, address)
     if each.is_class:
         names.classes.setdefault(qualified, each)
-    for member in each.members:
+    for member in each.members if each.scope != "nq::block" else ():
+        if member.exempt:
+            continue
+        own = "#" not in address
+        place = anchor(member.name) if own else f"{address.split('#')[1]}-{anchor(member.name)}"
+        names.anchors[id(member)] = place
         if member.is_class:
-            register(names, member, f"{qualified}::{member.name}", f"{path}#{anchor(member.name)}", path)
-        else:
-            inside = anchor(member.name) if "#" not in address else address.split("#")[1]
-            names.add(f"{qualified}::{member.name}", f"{path}#{inside}")
+            register(names, member, f"{qualified}::{member.name}", f"{path}#{place}", path)
+        else:  # on a page of several classes the members are below their class
+            names.add(f"{qualified}::{member.name}", f"{path}#{place}" if own else address)
 
 
 def missing(roots):
@@ -201,22 +223,21 @@ class writer:
 
     def list_of(self, items):
         self.out.append(f"---\ntitle: \"{self.group.title}\"\n---\n\n# {self.group.title}")
-        merged = {}
-        for each in items:
-            merged.setdefault((each.scope, each.name) if not each.is_class else id(each), []).append(each)
         self.opening(items[0].file if len({each.file for each in items}) == 1 else None)
-        self.out.append(self.table([(each[0], self.page.link(f"{self.group.address}#{anchor(each[0].name)}"),
-                                     versions_of(each)) for each in merged.values()]))
-        scope = None
-        for each in merged.values():
-            if each[0].scope != scope and len({one.scope for one in items}) > 1:
-                scope = each[0].scope
-                self.out.append(f"## {namespace_of(each[0]) if ANY not in scope else scope.rpartition('::')[2]} "
-                                f"{{ #in-{anchor(scope)} .plain }}")
-            if each[0].is_class:
-                self.entity(each[0], 3)
-            else:
-                self.overloads(each, each[0].scope, None)
+        scopes = {}
+        for each in items:
+            scopes.setdefault(each.scope, {}).setdefault(id(each) if each.is_class else each.name, []).append(each)
+        for scope, merged in scopes.items():
+            if len(scopes) > 1:
+                title = scope.rpartition("::")[2] if ANY in scope else scope or "functions of libnq"
+                self.out.append(f"## {title} {{ #in-{anchor(scope)} .plain }}")
+            self.out.append(self.table([(each[0], "#" + self.names.anchor_of(each[0]), versions_of(each))
+                                        for each in merged.values()]))
+            for each in merged.values():
+                if each[0].is_class:
+                    self.entity(each[0], 3)
+                else:
+                    self.overloads(each, each[0].scope, None)
 
     def opening(self, file):
         """What a header of several classes says at its top."""
@@ -235,24 +256,25 @@ class writer:
 
     def entity(self, each, level):
         name = shown(each)
-        if level == 1:
-            self.out.append(f"---\ntitle: \"{name}\"\n---\n\n# {name} {{ .name }}")
+        if level == 1:  # the search shows the title: some names are there twice
+            suffix = "" if self.group.area == EXACT else f" ({AREAS[self.group.area][0]})"
+            self.out.append(f"---\ntitle: \"{name}{suffix}\"\nsearch:\n  boost: 3\n---\n\n# {name} {{ .name }}")
             self.out.append(f'<p class="kind">{"enum" if each.kind == "enum" else each.kind} in '
                             f"<code>{html.escape(namespace_of(each))}</code>{badges(each.versions)}</p>")
             self.out.append(f'<div class="highlight include"><pre><code><span class="cp">#include</span> '
                             f'<span class="cpf">&lt;{include_of(each)}&gt;</span></code></pre></div>')
         else:
-            self.out.append(f"### {each.name} {{ #{anchor(each.name)} .name }}")
-        self.out.append(self.declared(each, each.qualified, None))
-        for alias in each.alias or ():
-            self.out.append(self.declared(alias, each.qualified, None))
+            self.out.append(f"### {each.name} {{ #{self.names.anchor_of(each)} .name }}")
+        aliases = [line for alias in each.alias or () for line in ["", *alias.declaration()]]
+        mark = badges(each.versions) if level > 1 else ""
+        if each.scope == "nq::block":
+            lines = [f"struct {each.name} {{", *(f"    {field.type} {field.name};" for field in each.members), "};"]
+            self.out.append(self.page.declarations([(lines, "")], each.qualified))
+        else:
+            self.out.append(self.page.declarations([(each.declaration() + aliases, mark)], each.qualified))
         self.out.append(self.page.text(each.text, each.qualified))
         self.inheritance(each)
         self.contents(each, level)
-
-    def declared(self, each, scope, outer):
-        mark = badges(each.versions, outer)
-        return self.page.declaration(each.declaration(), scope) + (f'<p class="badges">{mark}</p>' if mark else "")
 
     def inheritance(self, each):
         bases = self.names.bases(each.qualified)
@@ -269,16 +291,15 @@ class writer:
         if each.kind == "enum":
             self.values(each)
         if each.scope == "nq::block":
-            self.fields(each)
             return
         merged = {}
         for member in each.members:
-            if member.kind not in ("enumvalue", "inherited") and not re.search(r"= (default|delete)$", member.arguments):
+            if member.kind != "enumvalue" and not member.exempt:
                 merged.setdefault(member.name, []).append(member)
-        if level == 1 and len(merged) > 2 and each.kind != "enum":
+        if level == 1 and sum(list_[0].kind != "typedef" for list_ in merged.values()) > 2 and each.kind != "enum":
             self.out.append("## Summary { .plain }")
-            self.out.append(self.table([(list_[0], "#" + anchor(list_[0].name), versions_of(list_)) for list_ in
-                                        merged.values()], each.versions))
+            self.out.append(self.table([(list_[0], "#" + self.names.anchor_of(list_[0]), versions_of(list_)) for list_ in
+                                        merged.values() if list_[0].kind != "typedef"], each.versions))
         sections = {}
         for name, list_ in merged.items():
             title = "Constructors" if name == each.name.split("<")[0] else "Operators" if name.startswith("operator") and \
@@ -289,8 +310,8 @@ class writer:
         for title, lists in sections.items():
             if level == 1:
                 self.out.append(f"## {title} {{ .plain }}")
-            if title == "Operators":
-                self.operators(lists, each)
+            if title == "Operators" or lists[0][0].kind == "typedef":
+                self.lines(lists, each)
                 continue
             for list_ in lists:
                 if list_[0].is_class:
@@ -301,35 +322,41 @@ class writer:
             self.inherited(each)
 
     def overloads(self, list_, scope, outer, level=1):
+        """All of one name; those of one text share it."""
+        name = list_[0].name
         if level == 1:
-            self.out.append(f"### {list_[0].name} {{ #{anchor(list_[0].name)} .name }}".replace("*", "\\*"))
+            self.out.append(f"### {name} {{ #{self.names.anchor_of(list_[0])} .name }}".replace("*", "\\*"))
+        alike = []
         for each in list_:
-            self.out.append(self.declared(each, scope, outer))
-            self.out.append(self.page.text(each.text, scope))
-            if each.kind == "enum":
-                self.values(each)
+            text = self.page.text(each.text, scope)
+            text = VERSION_SENTENCE.sub("", text) if badges(each.versions, outer) else text
+            if not alike or alike[-1][1] != text:
+                alike.append(([], text))
+            alike[-1][0].append(each)
+        for same, text in alike:
+            self.out.append(self.page.declarations([(each.declaration(), badges(each.versions, outer)) for each in same], scope))
+            self.out.append(text)
+            if same[0].kind == "enum":
+                self.values(same[0])
 
-    def operators(self, lists, each):
-        """Those of a bit field are alike."""
-        self.out.append(f'<div id="{anchor(lists[0][0].name)}"></div>')
-        for list_ in lists:
-            self.out.append(f'<div id="{anchor(list_[0].name)}"></div>' if list_ is not lists[0] else "")
-            self.out.append(self.page.declaration(list_[0].declaration(), each.qualified))
-        self.out.append(self.page.text(lists[0][0].text, each.qualified))
+    def lines(self, lists, each):
+        """Types and the operators of bit fields: a line for each is enough."""
+        rows, before = [], None
+        for member in (member for list_ in lists for member in list_):
+            text = self.page.text(member.text, each.qualified)
+            code = self.page.marked(member.declaration(), each.qualified)
+            rows.append(f'<tr id="{self.names.anchor_of(member)}"><td class="highlight"><code>{code}</code></td>'
+                        f"<td>{text if text != before else ''} {badges(member.versions, each.versions)}</td></tr>")
+            before = text
+        self.out.append(f'<table class="values lines"><tbody>{"".join(rows)}</tbody></table>')
 
     def values(self, each):
         rows = "".join(
-            f'<tr id="{value.name}"><td><code>{value.name}</code></td><td><code>{html.escape(value.value)}</code></td>'
+            f'<tr id="{self.names.anchor_of(value)}"><td><code>{value.name}</code></td><td><code>{html.escape(value.value)}</code></td>'
             f"<td>{self.page.text(value.text, each.qualified)} {badges(value.versions, each.versions)}</td></tr>"
             for value in each.members if value.kind == "enumvalue")
         self.out.append(f'<table class="values"><thead><tr><th>enumerator</th><th>value</th><th></th></tr></thead>'
                         f"<tbody>{rows}</tbody></table>")
-
-    def fields(self, each):
-        """The fields of a block, as they lie in memory."""
-        lines = ["struct " + each.name + " {", *(f"    {field.type} {field.name};" for field in each.members), "};"]
-        self.out[-1 if not self.out[-1].startswith("<p class") else -2] += ""
-        self.out.append(self.page.declaration(lines, each.qualified))
 
     def table(self, rows, outer=None):
         body = "".join(
@@ -338,18 +365,48 @@ class writer:
         return f'<table class="summary"><tbody>{body}</tbody></table>'
 
     def sentence(self, each):
-        return re.sub(r"`([^`]*)`", r"<code>\1</code>", html.escape(first_sentence(plain(each.text))))
+        text = plain(each.text)
+        parts = first_sentence(VERSION_SENTENCE.sub("", text).strip() or text).split("`")
+        parts[1::2] = [self.page.code(part, each.qualified if each.is_class else each.scope) for part in parts[1::2]]
+        parts[::2] = [html.escape(part) for part in parts[::2]]
+        return "".join(parts)
 
     def inherited(self, each):
         lines = []
         for base in self.names.bases(each.qualified):
-            have = dict.fromkeys(member.name for member in base.members if member.name.strip("~") != base.name)
+            have = dict.fromkeys(member.name for member in base.members
+                                 if member.name.strip("~") != base.name and not member.exempt)
             if have:
                 lines.append("<li>from <code>" + self.page.name(base.qualified, "", base.name) + "</code>: " + ", ".join(
                     f"<code>{self.page.name(f'{base.qualified}::{name}', '', name)}</code>" for name in have) + "</li>")
         if lines:
             self.out.append("## Inherited { .plain }")
             self.out.append(f"<ul class=\"inherited\">{''.join(lines)}</ul>")
+
+
+def part_of(each):
+    first = each.items[0]
+    if each.area != EXACT or first.file.endswith("/forward.hpp"):
+        return PARTS[0]
+    if not (first.is_class or first.kind == "enum"):
+        return PARTS[3]
+    if first.file.endswith("command.hpp") or first.file.endswith("_commands.hpp"):
+        return PARTS[1]
+    return PARTS[2] if first.file.endswith("/types.hpp") or first.kind != "class" else PARTS[0]
+
+
+def overview(groups, names, address):
+    """A table of pages."""
+    rows = []
+    for each in groups:
+        made = writer(each, names)
+        made.page = page(address, names)
+        first = each.items[0]
+        alone = len(each.items) == 1 and (first.is_class or first.kind == "enum")
+        text = made.sentence(first) + badges(first.versions) if alone else f"{len(each.items)} declarations"
+        rows.append(f'<tr><td><a href="{made.page.link(each.address)}"><code>{html.escape(each.title)}</code></a></td>'
+                    f"<td>{text}</td></tr>")
+    return f'<table class="summary"><tbody>{"".join(rows)}</tbody></table>'
 
 
 def versions_of(items):

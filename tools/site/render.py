@@ -23,9 +23,13 @@ class directory:
     def __init__(self):
         self.places = {}   # qualified name -> address from the root of the site
         self.classes = {}  # qualified name -> item
+        self.anchors = {}  # id of an item -> where it is on its page
 
     def add(self, qualified, address):
         self.places.setdefault(qualified, address)
+
+    def anchor_of(self, each):
+        return self.anchors[id(each)]
 
     def find(self, name, scope):
         """The address of a name as written within a scope, or None."""
@@ -156,11 +160,17 @@ class page:
             return {"ndash": "–", "mdash": "—", "sp": " ", "linebreak": " "}[each.tag]
         raise SystemExit(f"a comment has {each.tag}, which no page shows: {joined(each)[:80]}")
 
-    def declaration(self, lines, scope):
-        """A declaration, wrapped at its arguments, with links."""
-        wrapped = "\n".join(wrap(line) for line in lines)
+    def declarations(self, declared, scope):
+        """Declarations, each wrapped at its arguments, with what tells their versions behind them."""
+        marked = [self.marked([wrap(line) for line in lines], scope) + mark for lines, mark in declared]
+        gap = "\n\n" if any("\n" in each for each in marked) else "\n"
+        return f'<div class="highlight declaration"><pre><code>{gap.join(marked)}</code></pre></div>'
+
+    def marked(self, lines, scope):
+        """Code with links, and the name that it declares."""
+        wrapped, rest = "\n".join(lines), [line for line in lines if not line.startswith("template")]
         parts = re.split(r"([A-Za-z_~][\w]*(?:::[A-Za-z_~]\w*)*)", wrapped)
-        declared = declared_name(lines[-1])
+        declared = declared_name(rest[0])
         for i in range(1, len(parts), 2):
             word = parts[i]
             if word in KEYWORDS:
@@ -172,7 +182,7 @@ class page:
             else:
                 parts[i] = self.name(word, scope)
         parts[::2] = [html.escape(each) for each in parts[::2]]
-        return f'<div class="highlight declaration"><pre><code>{"".join(parts)}</code></pre></div>'
+        return "".join(parts)
 
 
 def declared_name(line):

@@ -82,7 +82,7 @@ static_assert(offsetof(clCreateCommandQueueWithProperties, device) == 0 &&
               offsetof(clCreateCommandQueueWithProperties, error_code) == 32 &&
               sizeof(clCreateCommandQueueWithProperties) == 40);
 
-/// Since OpenCL 2.1.
+/// Makes an on-device queue the default of its device. Since OpenCL 2.1.
 struct clSetDefaultDeviceCommandQueue {
     _nq_cl_context* context;
     _nq_cl_device_id* device;
@@ -94,7 +94,7 @@ static_assert(offsetof(clSetDefaultDeviceCommandQueue, context) == 0 &&
               offsetof(clSetDefaultDeviceCommandQueue, command_queue) == 16 &&
               offsetof(clSetDefaultDeviceCommandQueue, status) == 24 && sizeof(clSetDefaultDeviceCommandQueue) == 32);
 
-/// In OpenCL 1.0 only.
+/// Switches properties of a queue: 1 for out of order, 2 for profiling. In OpenCL 1.0 only.
 struct clSetCommandQueueProperty {
     _nq_cl_command_queue* command_queue;
     std::uint64_t properties;
@@ -122,7 +122,7 @@ struct clFinish {
 };
 static_assert(offsetof(clFinish, command_queue) == 0 && offsetof(clFinish, status) == 8 && sizeof(clFinish) == 16);
 
-/// Until OpenCL 1.2.
+/// A sampler from its three properties. Until OpenCL 1.2.
 struct clCreateSampler {
     _nq_cl_context* context;
     std::uint32_t normalized_coords;
@@ -136,7 +136,7 @@ static_assert(offsetof(clCreateSampler, context) == 0 && offsetof(clCreateSample
               offsetof(clCreateSampler, error_code) == 20 && offsetof(clCreateSampler, result) == 24 &&
               sizeof(clCreateSampler) == 32);
 
-/// Since OpenCL 2.0.
+/// A sampler from a property list, which may be null. Since OpenCL 2.0.
 struct clCreateSamplerWithProperties {
     _nq_cl_context* context;
     std::uint64_t const* sampler_properties;
@@ -148,7 +148,7 @@ static_assert(offsetof(clCreateSamplerWithProperties, context) == 0 &&
               offsetof(clCreateSamplerWithProperties, result) == 16 &&
               offsetof(clCreateSamplerWithProperties, error_code) == 24 && sizeof(clCreateSamplerWithProperties) == 32);
 
-/// Since OpenCL 1.1, like the next two.
+/// An event that the program completes. Since OpenCL 1.1, like the next two.
 struct clCreateUserEvent {
     _nq_cl_context* context;
     _nq_cl_event* result;

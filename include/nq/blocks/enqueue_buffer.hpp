@@ -219,7 +219,7 @@ static_assert(offsetof(clEnqueueUnmapMemObject, command_queue) == 0 && offsetof(
               offsetof(clEnqueueUnmapMemObject, num_events_in_wait_list) == 44 &&
               sizeof(clEnqueueUnmapMemObject) == 48);
 
-/// Since OpenCL 1.2.
+/// Moves memory objects to the device of the queue, or to the host. Since OpenCL 1.2.
 struct clEnqueueMigrateMemObjects {
     std::uint64_t flags;
     _nq_cl_command_queue* command_queue;

@@ -68,7 +68,7 @@ static_assert(offsetof(clEnqueueNativeKernel, command_queue) == 0 && offsetof(cl
               offsetof(clEnqueueNativeKernel, status) == 64 && offsetof(clEnqueueNativeKernel, num_mem_objects) == 68 &&
               offsetof(clEnqueueNativeKernel, num_events_in_wait_list) == 72 && sizeof(clEnqueueNativeKernel) == 80);
 
-/// Until OpenCL 1.1, like clEnqueueBarrier.
+/// An event that completes when all earlier commands are complete. Until OpenCL 1.1, like clEnqueueBarrier.
 struct clEnqueueMarker {
     _nq_cl_command_queue* command_queue;
     _nq_cl_event** event;
@@ -77,7 +77,8 @@ struct clEnqueueMarker {
 static_assert(offsetof(clEnqueueMarker, command_queue) == 0 && offsetof(clEnqueueMarker, event) == 8 &&
               offsetof(clEnqueueMarker, status) == 16 && sizeof(clEnqueueMarker) == 24);
 
-/// Since OpenCL 1.2, like clEnqueueBarrierWithWaitList.
+/// The same for a wait list or, without one, for all earlier commands. Since OpenCL 1.2, like
+/// clEnqueueBarrierWithWaitList.
 struct clEnqueueMarkerWithWaitList {
     _nq_cl_command_queue* command_queue;
     _nq_cl_event* const* event_wait_list;

@@ -53,7 +53,7 @@ static_assert(offsetof(clCreateImage, flags) == 0 && offsetof(clCreateImage, con
               offsetof(clCreateImage, host_ptr) == 32 && offsetof(clCreateImage, result) == 40 &&
               offsetof(clCreateImage, error_code) == 48 && sizeof(clCreateImage) == 56);
 
-/// Until OpenCL 1.1, like clCreateImage3D.
+/// A two-dimensional image. Until OpenCL 1.1, like clCreateImage3D.
 struct clCreateImage2D {
     std::uint64_t flags;
     _nq_cl_context* context;
@@ -71,7 +71,7 @@ static_assert(offsetof(clCreateImage2D, flags) == 0 && offsetof(clCreateImage2D,
               offsetof(clCreateImage2D, host_ptr) == 48 && offsetof(clCreateImage2D, result) == 56 &&
               offsetof(clCreateImage2D, error_code) == 64 && sizeof(clCreateImage2D) == 72);
 
-/// Until OpenCL 1.1; since then clCreateImage.
+/// A three-dimensional image. Until OpenCL 1.1; since then clCreateImage.
 struct clCreateImage3D {
     std::uint64_t flags;
     _nq_cl_context* context;

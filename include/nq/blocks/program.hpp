@@ -61,7 +61,7 @@ static_assert(offsetof(clCreateProgramWithBuiltInKernels, context) == 0 &&
               offsetof(clCreateProgramWithBuiltInKernels, num_devices) == 36 &&
               sizeof(clCreateProgramWithBuiltInKernels) == 40);
 
-/// Since OpenCL 2.1.
+/// A program from `length` bytes of intermediate language. Since OpenCL 2.1.
 struct clCreateProgramWithIL {
     _nq_cl_context* context;
     void const* il;
@@ -143,7 +143,7 @@ struct clUnloadPlatformCompiler {
 static_assert(offsetof(clUnloadPlatformCompiler, platform) == 0 && offsetof(clUnloadPlatformCompiler, status) == 8 &&
               sizeof(clUnloadPlatformCompiler) == 16);
 
-/// Since OpenCL 2.2, like the next.
+/// Sets a specialization constant, for later builds. Since OpenCL 2.2, like the next.
 struct clSetProgramSpecializationConstant {
     _nq_cl_program* program;
     std::uint32_t spec_id;
@@ -194,7 +194,7 @@ static_assert(offsetof(clCreateKernelsInProgram, program) == 0 && offsetof(clCre
               offsetof(clCreateKernelsInProgram, status) == 24 &&
               offsetof(clCreateKernelsInProgram, num_kernels) == 28 && sizeof(clCreateKernelsInProgram) == 32);
 
-/// Since OpenCL 2.1.
+/// A copy of a kernel with the arguments that are set. Since OpenCL 2.1.
 struct clCloneKernel {
     _nq_cl_kernel* source_kernel;
     _nq_cl_kernel* result;
@@ -215,7 +215,7 @@ static_assert(offsetof(clSetKernelArg, kernel) == 0 && offsetof(clSetKernelArg, 
               offsetof(clSetKernelArg, arg_value) == 16 && offsetof(clSetKernelArg, status) == 24 &&
               offsetof(clSetKernelArg, arg_index) == 28 && sizeof(clSetKernelArg) == 32);
 
-/// Since OpenCL 2.0, like the next.
+/// Sets an argument to an address in shared virtual memory. Since OpenCL 2.0, like the next.
 struct clSetKernelArgSVMPointer {
     _nq_cl_kernel* kernel;
     void const* arg_value;

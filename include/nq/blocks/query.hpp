@@ -118,7 +118,7 @@ static_assert(offsetof(clGetImageInfo, image) == 0 && offsetof(clGetImageInfo, p
               offsetof(clGetImageInfo, status) == 32 && offsetof(clGetImageInfo, param_name) == 36 &&
               sizeof(clGetImageInfo) == 40);
 
-/// Since OpenCL 2.0.
+/// What a pipe was made with. Since OpenCL 2.0.
 struct clGetPipeInfo {
     _nq_cl_mem* pipe;
     std::size_t param_value_size;
@@ -238,7 +238,7 @@ static_assert(offsetof(clGetKernelWorkGroupInfo, kernel) == 0 && offsetof(clGetK
               offsetof(clGetKernelWorkGroupInfo, status) == 40 &&
               offsetof(clGetKernelWorkGroupInfo, param_name) == 44 && sizeof(clGetKernelWorkGroupInfo) == 48);
 
-/// Since OpenCL 1.2.
+/// How an argument of a kernel is declared. Since OpenCL 1.2.
 struct clGetKernelArgInfo {
     _nq_cl_kernel* kernel;
     std::size_t param_value_size;

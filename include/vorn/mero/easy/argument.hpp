@@ -196,7 +196,7 @@ struct has_context<Traits, T, std::void_t<decltype(Traits::context(std::declval<
 ///     struct ez::argument_traits<my::matrix, Version> {
 ///         using buffer = ez::argument_traits<ez::basic_array<float, Version>, Version>;
 ///         static void check(ez::argument_place const& at, my::matrix const& m) { buffer::check(at, m.elements); }
-///         static void set(typename api<Version>::kernel& target, unsigned index, my::matrix const& m) {
+///         static void set(typename vorn::mero::api<Version>::kernel& target, unsigned index, my::matrix const& m) {
 ///             buffer::set(target, index, m.elements);
 ///         }
 ///         static std::string text(my::matrix const&) { return "a matrix"; }

@@ -13,7 +13,7 @@ namespace vorn::mero::easy {
 ///
 ///     ez::session gpu(ez::needs::images | ez::needs::fp64);         // within what MERO_DEVICE means
 ///     ez::basic_session<200> shared("intel", ez::needs::svm);
-///     for (auto const& device : ez::find_devices(ez::needs::out_of_order)) { ... }
+///     for (auto const& device : ez::find_devices(ez::needs::fp16)) { std::puts(device.name().c_str()); }
 enum class needs : unsigned {
     nothing = 0,             ///< Nothing: any device will do.
     svm = 1U << 0U,          ///< Shared virtual memory, coarse-grained at least. Since OpenCL 2.0.

@@ -15,8 +15,9 @@ namespace vorn::mero::easy {
 
 /// The options of a build, put together and quoted as OpenCL wants them. A text of OpenCL's options is one as well.
 ///
-///     gpu.build(source, ez::build_options().define("WIDTH", 64).define("SCALE", 0.5F).standard("CL1.2").fast_math());
-///     gpu.build(source, "-DWIDTH=64 -cl-fast-relaxed-math");
+///     auto const options = ez::build_options().define("WIDTH", 64).define("SCALE", 0.5F).fast_math();
+///     auto const first = gpu.build(source, options);
+///     auto const second = gpu.build(source, "-DWIDTH=64 -cl-fast-relaxed-math");
 ///
 /// Throws `option_error` for what no quotes can hold together.
 class build_options {

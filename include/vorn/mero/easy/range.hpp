@@ -15,9 +15,9 @@ namespace vorn::mero::easy {
 
 /// The work-items of a launch, in one, two or three dimensions.
 ///
-///     ez::range(1024)                           // 1024 work-items; OpenCL chooses the size of the work-groups
-///     ez::range(640, 480).local(16, 16)         // work-groups of 16 x 16
-///     ez::range(100).from(28)                   // get_global_id(0) runs from 28 to 127; since OpenCL 1.1
+///     ez::range const line(1024);                             // OpenCL chooses the size of the work-groups
+///     auto const picture = ez::range(640, 480).local(16, 16); // work-groups of 16 x 16
+///     auto const rest = ez::range(100).from(28);              // get_global_id(0) is 28 to 127; since OpenCL 1.1
 ///
 /// A local size must divide the global size before OpenCL 2.0: `ez::range(ez::round_up(n, 64)).local(64)`.
 class range {

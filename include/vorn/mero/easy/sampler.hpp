@@ -30,7 +30,7 @@ enum class coordinates {
 /// How a kernel reads images: an argument, made by `session::sampler`.
 ///
 ///     auto const smooth = gpu.sampler(ez::address::edge, ez::filter::linear);
-///     blur(ez::range(w, h), source, smooth, result);
+///     blur(ez::range(w, h), picture, smooth, result);
 template <int Version>
 using basic_sampler = typename api<Version>::sampler;
 

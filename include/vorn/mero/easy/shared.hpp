@@ -239,8 +239,9 @@ using shared = basic_shared<T>;
 /// Allocates for containers in shared virtual memory of fine grain: host and device use their elements without mapping,
 /// in turns. A kernel takes a `std::vector` of it as a pointer to the first element.
 ///
+///     ez::basic_session<200> gpu(ez::needs::svm);
 ///     std::vector<float, ez::shared_allocator<float>> values(1000, 1.0F, ez::shared_allocator<float>(gpu));
-///     scale(ez::range(1000), values, 2.0F).wait();
+///     grow(ez::range(1000), values, 2.0F).wait();
 ///     std::printf("%g\n", values[0]);
 ///
 /// A container that frees memory, as when it grows, finishes the queue of the session first. Throws `unsupported` if

@@ -182,10 +182,10 @@ inline tuned best_of(std::vector<timing> const& all, std::string const& name) {
 
 /// Measures a kernel over each candidate and picks the fastest: one run to warm up, then the median of five.
 ///
-///     auto const found = ez::tune(blur, ez::range(640, 480), source, target);
-///     blur(found.best, source, target);
+///     auto const found = ez::tune(blur, ez::range(640, 480), picture, result);
+///     blur(found.best, picture, result);
 ///     auto const sum_group = [](ez::range const& over) { return ez::local<float>((*over.local_size())[0]); };
-///     ez::tune(sum, {ez::range(n).local(64), ez::range(n).local(128)}, numbers, sum_group);
+///     auto const of_two = ez::tune(sum, {ez::range(n).local(64), ez::range(n).local(128)}, numbers, sum_group);
 ///
 /// An argument may be a function of the range, for local memory that depends on the work-group. The kernel runs six
 /// times for each candidate on the arguments as they are: it must stand that its output is its input again. Candidates
@@ -214,7 +214,8 @@ template <int Version, class... Arguments>
 
 /// The same with the candidates that a function returns for the largest work-group that the kernel can have here:
 ///
-///     ez::tune(sum, [n](std::size_t most) { return std::vector<ez::range>{ez::range(n).local(most)}; }, numbers);
+///     auto const largest = [n](std::size_t most) { return std::vector<ez::range>{ez::range(n).local(most)}; };
+///     auto const found = ez::tune(sum, largest, numbers);
 template <int Version, class Generate, class... Arguments,
           class = std::enable_if_t<std::is_invocable_r<std::vector<range>, Generate const&, std::size_t>::value>>
 [[nodiscard]] tuned tune(basic_kernel<Version>& on, Generate const& generate, Arguments const&... arguments) {

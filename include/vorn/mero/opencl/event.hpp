@@ -80,7 +80,7 @@ public:
 ///     cl::event_promise ready = context.create_user_event();
 ///     cl::event const gate = ready.get_event();
 ///     _nq_cl_event* const list[] = {cl::raw::get_raw_event(gate)};
-///     queue.enqueue_command(command, 1, list); // waits, and so must not block
+///     queue.enqueue_command_without_event(command, 1, list); // waits, and so must not block
 ///     ready.set_status_success();
 ///
 /// The status can be set once; a second time throws `common::invalid_operation`. Destroying a promise does not complete

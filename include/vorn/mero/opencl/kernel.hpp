@@ -13,7 +13,7 @@ namespace vorn::mero::VORN_MERO_NAMESPACE {
 ///     kernel.set_argument(0, buffer);
 ///     kernel.set_argument_raw(1, sizeof factor, &factor);
 ///     kernel.set_argument(2, cl::local_memory(256 * sizeof(float)));
-///     queue.enqueue_command(cl::nd_range_kernel(kernel, 1, {0, 0, 0}, {1024, 1, 1}, {256, 1, 1}));
+///     queue.enqueue_command_without_event(cl::nd_range_kernel(kernel, 1, {0, 0, 0}, {1024, 1, 1}, {256, 1, 1}));
 ///
 /// Arguments count from 0 and stay set from launch to launch. Setting one does not affect launches already enqueued. It
 /// makes one call, and throws `common::invalid_arg_index` if the kernel has no such argument,
