@@ -109,13 +109,31 @@ public:
         (set(index++, arguments), ...);
     }
 
+    /// The same as a call where the number of arguments is known only when the program runs, as in a binding to another
+    /// language: a type with `argument_traits` of its own holds any of them.
+    template <class Argument>
+    event_type launch(range const& over, waits<Version> const& earlier, std::vector<Argument> const& arguments) {
+        if (arguments.size() != parameters_.size()) {
+            refuse_count(arguments.size());
+        }
+        unsigned index = 0;
+        for (Argument const& each : arguments) {
+            set(index++, each);
+        }
+        return start(over, earlier.size(), earlier.data());
+    }
+
 private:
     template <class... Arguments>
     event_type enqueue(range const& over, unsigned count, _nq_cl_event* const* list, Arguments const&... arguments) {
+        set_arguments(arguments...);
+        return start(over, count, list);
+    }
+
+    event_type start(range const& over, unsigned count, _nq_cl_event* const* list) {
         if (Version < 110 && over.offset() != std::array<std::size_t, 3>{}) {
             throw argument_error(detail::joined({"kernel '", name_, "': OpenCL launches from an offset since 1.1"}));
         }
-        set_arguments(arguments...);
         try {
             return event_type(session_->queue.enqueue_command(detail::launch<Version>(exact_, over), count, list));
         } catch (common::error const& refused) {
