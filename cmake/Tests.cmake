@@ -22,8 +22,9 @@ else()
   message(STATUS "The tests run on this machine's OpenCL implementations; scripts/implementations adds others")
 endif()
 
-# ThreadSanitizer of g++ 12 does not start under the widest address space randomization.
-set(vorn_mero_test_launcher "")
+# The emulator, where the tests are built for another machine. ThreadSanitizer of g++ 12 does not start under the widest
+# address space randomization.
+set(vorn_mero_test_launcher ${CMAKE_CROSSCOMPILING_EMULATOR})
 if(VORN_MERO_SANITIZE MATCHES thread)
   execute_process(COMMAND setarch --addr-no-randomize true RESULT_VARIABLE vorn_mero_refused ERROR_QUIET)
   if(NOT vorn_mero_refused)

@@ -2,7 +2,6 @@
 
 #include "trace_log.hpp"
 
-#include <algorithm>
 #include <array>
 #include <atomic>
 #include <cstring>
@@ -132,9 +131,7 @@ void collect_done() {
         taken.swap(all().pending);
         all().pending_count = 0;
     }
-    auto const left =
-        std::stable_partition(taken.begin(), taken.end(), [](auto const& each) { return !collect(each); });
-    taken.erase(left, taken.end());
+    std::erase_if(taken, [](pending_command const& each) { return collect(each); });
     std::scoped_lock const lock{all().mutex};
     all().pending.insert(all().pending.begin(), taken.begin(), taken.end());
     all().pending_count = all().pending.size();
