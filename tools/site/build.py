@@ -10,6 +10,7 @@ import yaml
 import documents
 import model
 import pages
+import places
 
 HERE = pathlib.Path(__file__).resolve().parent
 
@@ -28,9 +29,9 @@ def write(folder, name, text):
 
 def reference(folder, roots):
     """Writes the pages of the reference; their part of the navigation."""
-    groups = pages.sort_out(roots)
-    names, areas = pages.index(groups), {}
-    classes = [(pages.shown(each), each_group.address) for each_group in groups.values() for each in each_group.items
+    groups = places.sort_out(roots)
+    names, areas = places.index(groups), {}
+    classes = [(places.shown(each), each_group.address) for each_group in groups.values() for each in each_group.items
                if each.is_class or each.kind == "enum"]
     (folder.parent / "classes.json").write_text(json.dumps(classes))
     for each in sorted(groups.values(), key=lambda group: group.title):
@@ -39,13 +40,13 @@ def reference(folder, roots):
         areas.setdefault(each.area, []).append(each)
     index, nav = "reference/index.md", []
     lines = ["# Reference\n", INTRODUCTION]
-    for area, (_, title) in pages.AREAS.items():
-        lines.append(f"## {title}\n\n{pages.ABOUT[area]}\n")
+    for area, (_, title) in places.AREAS.items():
+        lines.append(f"## {title}\n\n{places.ABOUT[area]}\n")
         parts = {}
         for each in areas[area]:
-            parts.setdefault(pages.part_of(each), []).append(each)
+            parts.setdefault(places.part_of(each), []).append(each)
         entries = []
-        for part in sorted(parts, key=pages.PARTS.index):
+        for part in sorted(parts, key=places.PARTS.index):
             here = [{each.title: each.address.replace(".html", ".md")} for each in parts[part]]
             lines += [f"### {part}\n"] * (len(parts) > 1) + [pages.overview(parts[part], names, "reference/index.html") + "\n"]
             entries += [{part: here}] if len(parts) > 1 else here
@@ -82,7 +83,7 @@ def main():
     configuration = yaml.safe_load((HERE / "mkdocs.yml").read_text())
     configuration["nav"] = expanded(configuration["nav"], parts)
     (out / "mkdocs.yml").write_text(yaml.safe_dump(configuration, sort_keys=False, allow_unicode=True))
-    without, count = pages.missing(roots)
+    without, count = model.missing(roots)
     print(*without, sep="\n", end="\n" if without else "")
     print(f"{len(list(folder.rglob('*.md')))} pages; {count} declarations, {len(without)} of them without a text")
     return 1 if without else 0

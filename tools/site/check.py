@@ -11,16 +11,15 @@ import json
 import pathlib
 import re
 import sys
-import time
 import urllib.parse
 
 from selenium import webdriver
 from selenium.webdriver.common.by import By
-from selenium.webdriver.common.keys import Keys
 
 FOREIGN = re.compile(r"^(?:https?:)?//")
 LISTED = 10  # a name must be among so many results
-SECONDS = 60
+NARROW = 400
+SECONDS = 20  # for one name
 
 
 class page(html.parser.HTMLParser):
@@ -83,7 +82,7 @@ def check_links(root, faults):
 def browser():
     options = webdriver.ChromeOptions()
     for argument in ("--headless=new", "--no-sandbox", "--disable-gpu", "--disable-dev-shm-usage", "--window-size=1400,1000",
-                     "--disable-background-networking", "--no-first-run"):
+                     "--disable-background-networking", "--no-first-run", "--hide-scrollbars"):
         options.add_argument(argument)
     options.set_capability("goog:loggingPrefs", {"browser": "ALL", "performance": "ALL"})
     return webdriver.Chrome(options=options)
@@ -98,46 +97,66 @@ def requests(driver):
 
 
 def look(driver, root, path, faults):
-    """Opens a page, and waits until its scripts have run."""
+    """Opens a page; with scripts, unless they are switched off."""
     driver.get(path.as_uri())
     name = path.relative_to(root)
     for entry in driver.get_log("browser"):
         faults.append(f"{name}: {entry['level']} {entry['message']}")
     faults += [f"{name} asks for {url}" for url in requests(driver) if not url.startswith(("file:", "data:", "blob:"))]
-    if driver.execute_script("return document.documentElement.scrollWidth > window.innerWidth"):
-        faults.append(f"{name} is wider than a window of {driver.execute_script('return window.innerWidth')} pixels")
+    metrics = driver.execute_cdp_cmd("Page.getLayoutMetrics", {})
+    width, window = metrics["cssContentSize"]["width"], metrics["cssLayoutViewport"]["clientWidth"]
+    if width > window:
+        faults.append(f"{name} is {width} pixels wide in a window of {window}")
 
 
-def found(driver, query, wanted):
-    """Whether the search lists a page for a query."""
-    field = driver.find_element(By.CSS_SELECTOR, ".md-search__input")
-    field.send_keys(Keys.CONTROL, "a")
-    field.send_keys(query)
-    end = time.monotonic() + SECONDS
-    while time.monotonic() < end:
-        listed = driver.execute_script("return [...document.querySelectorAll('.md-search-result__link')].map(a => a.href)")
-        pages = list(dict.fromkeys(urllib.parse.unquote(urllib.parse.urlparse(each).path) for each in listed))[:LISTED]
-        if wanted in pages:
-            return True
-        time.sleep(0.02)
-    return False
+SEARCH = """
+const [names, listed, milliseconds, done] = arguments;
+const field = document.querySelector(".md-search__input");
+const missing = [];
+const pages = () => [...new Set([...document.querySelectorAll(".md-search-result__link")].map(
+    (link) => decodeURIComponent(new URL(link.href).pathname)))].slice(0, listed);
+(async () => {
+    for (const [name, page] of names) {
+        field.value = name;
+        field.dispatchEvent(new KeyboardEvent("keyup"));
+        const end = performance.now() + milliseconds;
+        while (!pages().includes(page) && performance.now() < end) {
+            await new Promise((later) => setTimeout(later, 5));
+        }
+        if (!pages().includes(page)) {
+            missing.push(name);
+        }
+    }
+    done(missing);
+})();
+"""
+
+
+def check_search(driver, root, classes, faults):
+    """Types each name into the search, and waits until its page is among the first that are listed."""
+    look(driver, root, root / "index.html", faults)
+    driver.find_element(By.CSS_SELECTOR, ".md-search__input").click()
+    driver.set_script_timeout(SECONDS * len(classes))
+    names = [(name, str(root / address)) for name, address in classes]
+    for name in driver.execute_async_script(SEARCH, names, LISTED, 1000 * SECONDS):
+        faults.append(f"the search for {name} does not list its page")
 
 
 def check_in_browser(root, pages, classes, faults):
+    """All pages as they are on a narrow screen. Scripts are the same everywhere: they run on the pages of the root and on
+    the first of each folder, on a wide screen."""
     driver = browser()
     try:
-        for width in (1400, 400):
-            driver.execute_cdp_cmd("Emulation.setDeviceMetricsOverride",
-                                   {"width": width, "height": 1000, "deviceScaleFactor": 1, "mobile": width < 1000})
-            for path in pages if width == 400 else [path for path in pages if path.parent == root]:
+        first = {path.parent: path for path in reversed(pages)}
+        for path in pages:
+            if path.parent == root or path in first.values():
                 look(driver, root, path, faults)
-        driver.execute_cdp_cmd("Emulation.clearDeviceMetricsOverride", {})
-        look(driver, root, root / "index.html", faults)
-        driver.find_element(By.CSS_SELECTOR, ".md-search__input").click()
-        for name, address in classes:
-            if not found(driver, name, str(root / address)):
-                faults.append(f"the search for {name} does not list {address}")
-        look(driver, root, root / "index.html", faults)
+        check_search(driver, root, classes, faults)
+        driver.execute_cdp_cmd("Emulation.setScriptExecutionDisabled", {"value": True})
+        driver.execute_cdp_cmd("Emulation.setDeviceMetricsOverride",
+                               {"width": NARROW, "height": 1000, "deviceScaleFactor": 1, "mobile": False})
+        for path in pages:
+            look(driver, root, path, faults)
     finally:
         driver.quit()
 

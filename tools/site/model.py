@@ -223,3 +223,23 @@ def read(out):
         else:
             roots.append(each)
     return roots
+
+
+def missing(roots):
+    """Where a text is missing, and how many were looked at."""
+    without, count = [], 0
+
+    def visit(each):
+        nonlocal count
+        if each.exempt:
+            return
+        count += 1
+        if not each.text:
+            without.append(f"include/{each.file}:{each.line}: {each.qualified.replace(ANY, 'opencl_*')} has no text")
+        if each.scope != "nq::block":
+            for member in each.members:
+                visit(member)
+
+    for each in roots:
+        visit(each)
+    return without, count

@@ -4,52 +4,11 @@ import html
 import re
 
 from model import ANY, EXACT, ROOT, VERSIONS, joined
-from render import directory, first_sentence, page
+from places import AREAS, anchor, shown
+from render import first_sentence, page
 
-AREAS = {  # namespace -> folder, title of its part of the reference
-    EXACT: ("opencl", "Exact interface"),
-    "vorn::mero::easy": ("easy", "Easy layer"),
-    "vorn::mero::common": ("common", "Exceptions"),
-    "nq": ("nq", "The wire"),
-    "vorn::mero": ("internal", "Foundations"),
-}
-ABOUT = {
-    EXACT: "`vorn::mero::opencl_1_0` to `vorn::mero::opencl_2_2`, each with exactly what its OpenCL version defines.",
-    "vorn::mero::easy": "`vorn::mero::easy`: devices chosen, arguments checked, commands timed.",
-    "vorn::mero::common": "`vorn::mero::common`: one class for each status of OpenCL.",
-    "nq": "`nq`: what crosses between the library and `libnq.so`, for tools that stand between the two.",
-    "vorn::mero": "`vorn::mero` and `vorn::mero::internal`: bases of the classes above, the logger, the version.",
-}
-PARTS = ["Objects", "Commands", "Values", "Functions"]  # of the exact interface
-LISTED = {  # headers whose classes share a page
-    "vorn/mero/common/error.hpp": ("status_exceptions", "Exceptions of the statuses"),
-    "vorn/mero/easy/pixel.hpp": ("pixels", "Pixels"),
-}
-SCOPES = {  # namespaces whose functions have a page of another name than "functions"
-    f"{EXACT}::raw": ("raw", "Raw handles"),
-    f"{EXACT}::extension": ("extensions", "Extensions"),
-    "nq::values": ("values", "Names of values"),
-}
 KINDS = {"typedef": "Types", "inherited": "", "variable": "Constants", "function": "Functions", "enum": "Types"}
-SYMBOLS = {"=": "assign", "==": "equal", "!=": "unequal", "<": "less", "()": "call", "[]": "at", "->": "arrow", "*": "star",
-           "|": "or", "&": "and", "^": "xor", "~": "not", "|=": "or-assign", "&=": "and-assign", "^=": "xor-assign",
-           "++": "next", "+": "plus", "-": "minus"}
-
-
-def anchor(name):
-    found = re.fullmatch(r"operator\s*(\W+)", name)
-    if found:
-        return "operator-" + SYMBOLS.get(found[1].strip(), "symbol")
-    return re.sub(r"\W+", "-", name.replace("~", "destructor-")).strip("-")
-
-
-def area_of(scope):
-    return next(area for area in AREAS if scope == area or scope.startswith(area + "::") or (not scope and area == "nq"))
-
-
-def shown(each):
-    """The name for readers: what has an alias for the default version goes by that."""
-    return re.sub(r"^basic_", "", each.name) if each.alias else each.name
+VERSION_SENTENCE = re.compile(r" ?(?:(?:Since|Until) OpenCL \d\.\d|In OpenCL 1\.0 only)(?:, like [^.]*)?\.")
 
 
 def plain(items):
@@ -63,9 +22,6 @@ def plain(items):
             break
         text += (f"`{joined(each)}`" if each.tag == "computeroutput" else joined(each)) + (each.tail or "")
     return text
-
-
-VERSION_SENTENCE = re.compile(r" ?(?:(?:Since|Until) OpenCL \d\.\d|In OpenCL 1\.0 only)(?:, like [^.]*)?\.")
 
 
 def badges(versions, outer=None):
@@ -84,118 +40,22 @@ def badges(versions, outer=None):
     return out
 
 
-class group:
-    """What is on one page."""
-
-    def __init__(self, address, title, area, items):
-        self.address, self.title, self.area, self.items = address, title, area, items
-
-
-def sort_out(roots):
-    """The pages, in the order of the headers."""
-    groups, easy = {}, {each.name: each for each in roots if each.scope == "vorn::mero::easy"}
-    for each in roots:
-        base = easy.get(each.type.split("<")[0]) if each.kind == "typedef" and each.scope == "vorn::mero::easy" else None
-        if base is not None and base.is_class:
-            base.alias = (base.alias or []) + [each]
-    classes = {each.qualified: each for each in roots if each.is_class or each.kind == "enum"}
-    aliases = {id(alias) for each in classes.values() for alias in each.alias or ()}
-    for each in roots:
-        if id(each) in aliases:
-            continue
-        area = area_of(each.scope)
-        folder, _ = AREAS[area]
-        stem, title, alone = "functions", "Functions", False
-        if each.is_class or each.kind == "enum":
-            stem, title, alone = shown(each), shown(each), True
-            if each.file.startswith("nq/blocks/"):
-                stem = "blocks_" + each.file.split("/")[-1].removesuffix(".hpp")
-                title, alone = "Blocks: " + stem.removeprefix("blocks_").replace("_", ", "), False
-            elif each.file in LISTED and each.is_class:
-                (stem, title), alone = LISTED[each.file], False
-        else:
-            owner = operand(each, classes)
-            if owner is not None:
-                owner.members.append(each)
-                continue
-            for scope, names in SCOPES.items():
-                if each.scope == scope or each.scope.startswith(scope + "::"):
-                    stem, title = names
-        address = f"reference/{folder}/{stem}.html"
-        if alone and address in groups:
-            raise SystemExit(f"two pages would be {address}")
-        groups.setdefault(address, group(address, title, area, [])).items.append(each)
-    return groups
-
-
-def operand(each, classes):
-    """The type that a free operator works on: it is shown there."""
-    if not each.name.startswith("operator"):
-        return None
-    found = re.match(r"\((\w+)", each.arguments)
-    return classes.get(f"{each.scope}::{found[1]}") if found else None
-
-
-def index(groups):
-    names = directory()
-    for each_group in groups.values():
-        scopes = {each.scope for each in each_group.items}
-        for each in each_group.items:
-            own = len(each_group.items) == 1 and (each.is_class or each.kind == "enum")
-            place = anchor(each.name if len(scopes) == 1 else f"{each.scope.rpartition('::')[2]}-{each.name}")
-            names.anchors[id(each)] = place
-            address = each_group.address if own else f"{each_group.address}#{place}"
-            register(names, each, each.qualified, address, each_group.address)
-            if each.alias:
-                register(names, each, f"{each.scope}::{shown(each)}", address, each_group.address)
-                for alias in each.alias:
-                    names.add(alias.qualified, address)
-    return names
-
-
-def register(names, each, qualified, address, path):
-    names.add(qualified, address)
-    if each.is_class:
-        names.classes.setdefault(qualified, each)
-    for member in each.members if each.scope != "nq::block" else ():
-        if member.exempt:
-            continue
-        own = "#" not in address
-        place = anchor(member.name) if own else f"{address.split('#')[1]}-{anchor(member.name)}"
-        names.anchors[id(member)] = place
-        if member.is_class:
-            register(names, member, f"{qualified}::{member.name}", f"{path}#{place}", path)
-        else:  # on a page of several classes the members are below their class
-            names.add(f"{qualified}::{member.name}", f"{path}#{place}" if own else address)
-
-
-def missing(roots):
-    """Where a text is missing, and how many were looked at."""
-    without, count = [], 0
-
-    def visit(each):
-        nonlocal count
-        if each.exempt:
-            return
-        count += 1
-        if not each.text:
-            without.append(f"include/{each.file}:{each.line}: {each.qualified.replace(ANY, 'opencl_*')} has no text")
-        if each.scope != "nq::block":
-            for member in each.members:
-                visit(member)
-
-    for each in roots:
-        visit(each)
-    return without, count
+def included(header, seen):
+    """All headers of the project that one includes."""
+    if header not in seen and (ROOT / "include" / header).exists():
+        seen.add(header)
+        for each in re.findall(r"#include <(vorn/[^>]+)>", (ROOT / "include" / header).read_text()):
+            included(each, seen)
+    return seen
 
 
 def include_of(each):
+    """What a program includes for it."""
     if each.file.startswith("vorn/mero/opencl/"):
         later = [version for version in VERSIONS if version in each.versions and version >= "1.2"]
         return f"vorn/mero/opencl_{(later or sorted(each.versions))[0 if later else -1].replace('.', '_')}.hpp"
-    if each.file.startswith("vorn/mero/easy/"):
-        umbrella = (ROOT / "include/vorn/mero/easy.hpp").read_text()
-        return "vorn/mero/easy.hpp" if f"<{each.file}>" in umbrella else each.file
+    if each.file.startswith("vorn/mero/easy/") and each.file in included("vorn/mero/easy.hpp", set()):
+        return "vorn/mero/easy.hpp"
     return each.file
 
 
@@ -222,7 +82,7 @@ class writer:
         return "\n\n".join(self.out) + "\n"
 
     def list_of(self, items):
-        self.out.append(f"---\ntitle: \"{self.group.title}\"\n---\n\n# {self.group.title}")
+        self.out.append(f"---\ntitle: \"{self.group.title}\"\nsearch:\n  boost: 2\n---\n\n# {self.group.title}")
         self.opening(items[0].file if len({each.file for each in items}) == 1 else None)
         scopes = {}
         for each in items:
@@ -257,8 +117,9 @@ class writer:
     def entity(self, each, level):
         name = shown(each)
         if level == 1:  # the search shows the title: some names are there twice
+            boost = round(40 / len(name), 1)  # it finds all names that begin like the query: the shorter is meant
             suffix = "" if self.group.area == EXACT else f" ({AREAS[self.group.area][0]})"
-            self.out.append(f"---\ntitle: \"{name}{suffix}\"\nsearch:\n  boost: 3\n---\n\n# {name} {{ .name }}")
+            self.out.append(f"---\ntitle: \"{name}{suffix}\"\nsearch:\n  boost: {boost}\n---\n\n# {name} {{ .name }}")
             self.out.append(f'<p class="kind">{"enum" if each.kind == "enum" else each.kind} in '
                             f"<code>{html.escape(namespace_of(each))}</code>{badges(each.versions)}</p>")
             self.out.append(f'<div class="highlight include"><pre><code><span class="cp">#include</span> '
@@ -326,14 +187,15 @@ class writer:
         name = list_[0].name
         if level == 1:
             self.out.append(f"### {name} {{ #{self.names.anchor_of(list_[0])} .name }}".replace("*", "\\*"))
-        alike = []
-        for each in list_:
+        alike, before = {}, None
+        for position, each in enumerate(list_):
             text = self.page.text(each.text, scope)
             text = VERSION_SENTENCE.sub("", text) if badges(each.versions, outer) else text
-            if not alike or alike[-1][1] != text:
-                alike.append(([], text))
-            alike[-1][0].append(each)
-        for same, text in alike:
+            if text != before and text.startswith("<p>The same"):  # as the one above it
+                text += f"<!-- {position} -->"
+            alike.setdefault(text, []).append(each)
+            before = text
+        for text, same in alike.items():
             self.out.append(self.page.declarations([(each.declaration(), badges(each.versions, outer)) for each in same], scope))
             self.out.append(text)
             if same[0].kind == "enum":
@@ -382,17 +244,6 @@ class writer:
         if lines:
             self.out.append("## Inherited { .plain }")
             self.out.append(f"<ul class=\"inherited\">{''.join(lines)}</ul>")
-
-
-def part_of(each):
-    first = each.items[0]
-    if each.area != EXACT or first.file.endswith("/forward.hpp"):
-        return PARTS[0]
-    if not (first.is_class or first.kind == "enum"):
-        return PARTS[3]
-    if first.file.endswith("command.hpp") or first.file.endswith("_commands.hpp"):
-        return PARTS[1]
-    return PARTS[2] if first.file.endswith("/types.hpp") or first.kind != "class" else PARTS[0]
 
 
 def overview(groups, names, address):
