@@ -85,6 +85,6 @@ class VornMero(ConanFile):
     def package_info(self):
         # the package's own files have all of it: components, the versions, vorn_mero_kernels
         self.cpp_info.set_property("cmake_find_mode", "none")
-        self.cpp_info.builddirs = [os.path.join("lib", "cmake", "vorn-mero")]
+        self.cpp_info.builddirs = ["."]
         self.cpp_info.set_property("pkg_config_name", "vorn-mero")
         self.cpp_info.libs = ["vorn-mero", *(["nq"] if self.options.with_bridge else [])]

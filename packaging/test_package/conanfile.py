@@ -30,6 +30,9 @@ class TestPackage(ConanFile):
 
     def test(self):
         if can_run(self):
-            self.run(os.path.join(self.cpp.build.bindir, "program"), env="conanrun")
+            for name in ("program", "program_cps"):  # the second only where CMake knows CPS
+                program = os.path.join(self.build_folder, name)
+                if os.path.exists(program):
+                    self.run(program, env="conanrun")
             if self.dependencies["vorn-mero"].options.with_tools:
                 self.run("vorn-mero --version", env="conanrun")
