@@ -17,7 +17,7 @@ from selenium import webdriver
 from selenium.webdriver.common.by import By
 
 FOREIGN = re.compile(r"^(?:https?:)?//")
-LISTED = 10  # a name must be among so many results
+LISTED = 5  # a name must be among so many results
 NARROW = 400
 SECONDS = 20  # for one name
 

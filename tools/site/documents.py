@@ -21,7 +21,7 @@ def pages(names):
         for path in sorted((ROOT / folder).glob("*.[ch]pp")):
             made[f"{folder}/{path.name.replace('.', '_')}.md"] = (
                 f"---\ntitle: {path.name}\nsearch:\n  exclude: true\n---\n\n# {folder}/{path.name} {{ .name }}\n\n"
-                f"```cpp linenums=\"1\"\n{path.read_text()}```\n")
+                f"```cpp\n{path.read_text()}```\n")
     return made
 
 

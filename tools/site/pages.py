@@ -117,7 +117,7 @@ class writer:
     def entity(self, each, level):
         name = shown(each)
         if level == 1:  # the search shows the title: some names are there twice
-            boost = round(40 / len(name), 1)  # it finds all names that begin like the query: the shorter is meant
+            boost = max(1, round((30 / len(name)) ** 2, 1))  # of all names that begin like a query the shortest is meant
             suffix = "" if self.group.area == EXACT else f" ({AREAS[self.group.area][0]})"
             self.out.append(f"---\ntitle: \"{name}{suffix}\"\nsearch:\n  boost: {boost}\n---\n\n# {name} {{ .name }}")
             self.out.append(f'<p class="kind">{"enum" if each.kind == "enum" else each.kind} in '
@@ -180,7 +180,17 @@ class writer:
                 else:
                     self.overloads(list_, each.qualified, each.versions, level)
         if level == 1:
+            self.specializations(each)
             self.inherited(each)
+
+    def specializations(self, each):
+        """Their members are those of the template."""
+        told = [special for special in each.specializations if special.text]
+        if told:
+            self.out.append("## Specializations { .plain }")
+        for special in told:
+            self.out.append(self.page.declarations([(special.declaration(), "")], each.qualified))
+            self.out.append(self.page.text(special.text, each.qualified))
 
     def overloads(self, list_, scope, outer, level=1):
         """All of one name; those of one text share it."""

@@ -2,7 +2,7 @@
 
 import re
 
-from model import ANY, EXACT
+from model import EXACT
 from render import directory
 
 AREAS = {  # namespace -> folder, title of its part of the reference

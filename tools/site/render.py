@@ -186,6 +186,10 @@ class page:
 
 
 def declared_name(line):
+    """The name that a declaration is about; None for operators."""
+    words = line.split()
+    if words[0] in ("class", "struct", "enum"):
+        return re.match(r"\w+", words[2 if words[1] == "class" else 1])[0]
     head = re.split(r"\(| : | = ", line.replace("operator()", "operator").replace("(*)", ""))[0]
     head = head if not line.startswith("using ") else line.split(" = ")[0]
     words = re.findall(r"~?\w+", head.split("operator")[0])
