@@ -48,7 +48,8 @@ def reference(folder, roots):
         entries = []
         for part in sorted(parts, key=places.PARTS.index):
             here = [{each.title: each.address.replace(".html", ".md")} for each in parts[part]]
-            lines += [f"### {part}\n"] * (len(parts) > 1) + [pages.overview(parts[part], names, "reference/index.html") + "\n"]
+            lines += [f"### {part}\n"] * (len(parts) > 1)
+            lines.append(pages.overview(parts[part], names, "reference/index.html") + "\n")
             entries += [{part: here}] if len(parts) > 1 else here
         nav.append({title: entries})
     write(folder, index, "\n".join(lines))

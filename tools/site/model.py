@@ -12,7 +12,7 @@ NEWEST = "2.2"
 VERSIONED = "include/vorn/mero/opencl"
 ANY = "opencl_x_y"  # stands for the six namespaces
 EXACT = f"vorn::mero::{ANY}"
-HIDDEN = re.compile(r"(^|::)detail(::|$)|^std(::|$)|^api$|::owner_access$|::internal::kind$|::handle_hash$|^vorn::mero::(find_devices|VORN)")
+HIDDEN = re.compile(r"(^|::)detail(::|$)|^std(::|$)|^api$|::owner_access$|::internal::kind$|::handle_hash$")
 SPECIALIZED = ("vorn::mero::api",)  # their specializations say what they are
 
 
@@ -45,7 +45,7 @@ def spelled(text):
     text = re.sub(r"([*&]) (?=\.\.\.|[,)>=])", r"\1", text)
     text = re.sub(r"(?<=[\w)}]) ?= ?(?=[\w{\"-])", " = ", text) if text.startswith("(") else text
     text = re.sub(r" ?= ?(default|delete)$", r" = \1", text)
-    return text.replace("(*)", "(*)").replace("(* ", "(*")
+    return re.sub(r"(\w)\(\*", r"\1 (*", text.replace("(* ", "(*"))
 
 
 def joined(element):
@@ -119,7 +119,8 @@ def member_of(element, scope, owner_name):
     made.type = spelled(joined(element.find("type")))
     made.arguments = spelled(element.findtext("argsstring") or "")
     value = re.sub(r"\s+", " ", joined(element.find("initializer"))).strip()
-    made.value = "" if kind == "function" or len(value) > 60 or value == "=" else (" " + spelled(value) if value else "")
+    if kind != "function" and 1 < len(value) <= 60 and "(" not in value:  # others are code, not values
+        made.value = " " + spelled(value)
     if kind == "typedef" and "(*)" in made.type:
         made.arguments = ""
     if kind == "function":
@@ -152,7 +153,8 @@ class model:
         if known is None:
             known = self.items[key] = made
         else:  # the newest version describes it
-            known.text, known.type, known.value = made.text or known.text, made.type, made.value
+            known.text, known.type = made.text or known.text, made.type
+            known.value = known.value if known.value == made.value else ""
             if made.kind == "enum":
                 old = {each.name: each for each in known.members}
                 for value in made.members:

@@ -206,7 +206,8 @@ class writer:
             alike.setdefault(text, []).append(each)
             before = text
         for text, same in alike.items():
-            self.out.append(self.page.declarations([(each.declaration(), badges(each.versions, outer)) for each in same], scope))
+            declared = [(each.declaration(), badges(each.versions, outer)) for each in same]
+            self.out.append(self.page.declarations(declared, scope))
             self.out.append(text)
             if same[0].kind == "enum":
                 self.values(same[0])
@@ -224,7 +225,8 @@ class writer:
 
     def values(self, each):
         rows = "".join(
-            f'<tr id="{self.names.anchor_of(value)}"><td><code>{value.name}</code></td><td><code>{html.escape(value.value)}</code></td>'
+            f'<tr id="{self.names.anchor_of(value)}"><td><code>{value.name}</code></td>'
+            f"<td><code>{html.escape(value.value)}</code></td>"
             f"<td>{self.page.text(value.text, each.qualified)} {badges(value.versions, each.versions)}</td></tr>"
             for value in each.members if value.kind == "enumvalue")
         self.out.append(f'<table class="values"><thead><tr><th>enumerator</th><th>value</th><th></th></tr></thead>'

@@ -32,11 +32,14 @@ class directory:
         return self.anchors[id(each)]
 
     def find(self, name, scope):
-        """The address of a name as written within a scope, or None."""
+        """The address of a name as written within a scope, or None; other texts too name the exact interface."""
         name = re.sub(r"<.*?>|\(.*\)$", "", name).strip().strip(":")
         first, _, rest = name.partition("::")
         name = ALIASES[first] + ("::" + rest if rest else "") if first in ALIASES else name
         name = re.sub(r"\bopencl_[12]_[012]\b", ANY, name)
+        return self.within(name, scope) or ("::" in name and self.within(name, EXACT)) or None
+
+    def within(self, name, scope):
         while True:
             full = f"{scope}::{name}" if scope else name
             found = self.places.get(full) or self.inherited(full)
