@@ -163,7 +163,7 @@ array empty_array(session const& gpu, extent const& shape, nb::object const& dty
     auto extents = one != nullptr ? std::vector<std::size_t>{*one} : std::get<std::vector<std::size_t>>(shape);
     std::size_t bytes = type.size;
     for (std::size_t const each : extents) {
-        bytes = easy::detail::product(each, bytes);
+        bytes = easy::detail::product(bytes, each);
     }
     return {gpu.it, held(without_gil([&] { return gpu.it->array<std::byte>(bytes); })), std::move(type),
             std::move(extents)};

@@ -29,7 +29,7 @@ void keep_for(exact::buffer const& user, std::unique_ptr<host_memory> memory) {
     block.pfn_notify = reinterpret_cast<decltype(block.pfn_notify)>(note_end);
     block.user_data = note.get();
     easy::detail::perform<easy::default_version>(user, block);
-    note.release();
+    static_cast<void>(note.release()); // now OpenCL's
 }
 
 void forget_ended() {
