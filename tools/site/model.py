@@ -98,7 +98,7 @@ class item:
         head = self.template_head()
         lines = [head] if head else []
         if self.is_class:
-            bases = re.sub(rf"\b({EXACT}|vorn::mero|mero)::", "", ", ".join(f"public {name}" for name, _ in self.bases))
+            bases = re.sub(rf"\b({self.scope}|{EXACT}|vorn::mero|mero)::", "", ", ".join(f"public {name}" for name, _ in self.bases))
             bases = f" : {bases}" if bases else ""
             lines.append(f"{self.kind} {self.name}{bases}")
         elif self.kind == "enum":
