@@ -1,6 +1,7 @@
 #include "diagnosis.hpp"
 
 #include "loader.hpp"
+#include "system.hpp"
 #include "vendors.hpp"
 
 #include <algorithm>
@@ -8,14 +9,13 @@
 #include <atomic>
 #include <cstdio>
 #include <cstdlib>
-#include <dlfcn.h>
 #include <strings.h>
 
 namespace nq::bridge {
 namespace {
 
 bool verbose() noexcept {
-    char const* const value = secure_getenv("NQ_BRIDGE_VERBOSE");
+    char const* const value = trusted_environment("NQ_BRIDGE_VERBOSE");
     constexpr std::array yes{"1", "true", "yes", "on"};
     return value != nullptr &&
            std::any_of(yes.begin(), yes.end(), [value](char const* word) { return strcasecmp(word, value) == 0; });
@@ -25,12 +25,12 @@ std::string line(std::string const& text) { return "libnq: " + text + "\n"; }
 
 std::string without_loader(std::string const& failure) {
     return line("there is no OpenCL loader: " + failure) +
-           line("install one (on Debian: apt-get install ocl-icd-libopencl1) or name yours in NQ_BRIDGE_OPENCL");
+           line("install one (" + std::string(loader_remedy) + ") or name yours in NQ_BRIDGE_OPENCL");
 }
 
 std::string without_vendors(std::string const& setting) {
-    return line("there is no OpenCL implementation: no vendor file (*.icd) in " + setting) +
-           line("install one (on Debian: apt-get install pocl-opencl-icd) or name the folder in OCL_ICD_VENDORS");
+    return line("there is no OpenCL implementation: no " + std::string(vendor_entry) + " in " + setting) +
+           line("install one" + std::string(vendor_remedy));
 }
 
 // Why the loader does not use a vendor's library; the loader skips it silently.
@@ -39,8 +39,8 @@ std::string unusable(vendor const& each, bool platforms_found) {
     if (each.driver.empty()) {
         return line(each.file + " cannot be read or names no library; remove or correct it");
     }
-    if (dlopen(each.driver.c_str(), RTLD_LAZY | RTLD_LOCAL) == nullptr) {
-        std::string const reason = dlerror();
+    if (load_library(each.driver.c_str(), binding::when_called) == nullptr) {
+        std::string const reason = load_failure(each.driver.c_str());
         return line(named + each.driver + ", which does not load: " + reason) +
                line("install or repair the package that holds " + reason.substr(0, reason.find(':')));
     }

@@ -3,11 +3,11 @@
 #include "diagnosis.hpp"
 #include "guards.hpp"
 #include "loader.hpp"
+#include "system.hpp"
 
 #include <algorithm>
 #include <atomic>
 #include <mutex>
-#include <pthread.h>
 
 namespace nq::bridge {
 namespace {
@@ -105,8 +105,8 @@ machine const* discover() {
     if (machine const* const found = known.load(std::memory_order_acquire); found != nullptr) {
         return found;
     }
-    static bool const fork_watched = pthread_atfork(before_fork, after_fork_in_parent, after_fork_in_child) == 0;
-    static_cast<void>(fork_watched);
+    static std::once_flag forks_are_watched;
+    std::call_once(forks_are_watched, watch_forks, before_fork, after_fork_in_parent, after_fork_in_child);
     std::lock_guard const lock(asking());
     if (known == nullptr) {
         auto made = ask();

@@ -1,12 +1,10 @@
 #include "loader.hpp"
 
 #include "platform.hpp"
+#include "system.hpp"
 
 #include <algorithm>
 #include <array>
-#include <cstdlib>
-#include <dlfcn.h>
-#include <link.h>
 
 namespace nq::bridge {
 
@@ -14,36 +12,25 @@ functions library_functions{};
 
 namespace {
 
-void* object_of(void* function) noexcept {
-    Dl_info info{};
-    return dladdr(function, &info) != 0 ? info.dli_fbase : nullptr;
-}
-
-bool is_in_program(void* function) noexcept {
-    Dl_info info{};
-    void* map = nullptr;
-    return dladdr1(function, &info, &map, RTLD_DL_LINKMAP) != 0 && static_cast<link_map*>(map)->l_prev == nullptr;
-}
-
 bool exports_opencl(void* library) noexcept {
     constexpr std::array needed{"clGetPlatformIDs", "clGetPlatformInfo", "clGetDeviceIDs", "clGetDeviceInfo"};
     return std::all_of(needed.begin(), needed.end(),
-                       [library](char const* name) { return dlsym(library, name) != nullptr; });
+                       [library](char const* name) { return exported(library, name) != nullptr; });
 }
 
 // A tool that watches OpenCL is preloaded: its functions have OpenCL's names in the global scope. Part of a second
 // library's own calls would be bound to them, and crash. Functions of the program itself do not count, nor do those of
 // a plugin's private libraries.
 void* find_in_global_scope() noexcept {
-    void* const scope = dlopen(nullptr, RTLD_LAZY);
+    void* const scope = global_scope();
     bool const has_opencl =
-        scope != nullptr && exports_opencl(scope) && !is_in_program(dlsym(scope, "clGetPlatformIDs"));
+        scope != nullptr && exports_opencl(scope) && !is_in_program(exported(scope, "clGetPlatformIDs"));
     return has_opencl ? scope : nullptr;
 }
 
 void take_exports(void* library) noexcept {
     for (entry_point const& entry : entry_points()) {
-        slot(library_functions, entry.slot) = dlsym(library, entry.name);
+        slot(library_functions, entry.slot) = exported(library, entry.name);
     }
 }
 
@@ -52,7 +39,7 @@ using list_function = decltype(functions::clGetPlatformIDs);
 // An implementation made for ICD loaders alone may export nothing but a function that returns this one.
 list_function find_list_function(void* library) noexcept {
     auto const address_of = reinterpret_cast<decltype(functions::clGetExtensionFunctionAddress)>(
-        dlsym(library, "clGetExtensionFunctionAddress"));
+        exported(library, "clGetExtensionFunctionAddress"));
     return address_of != nullptr ? reinterpret_cast<list_function>(address_of("clIcdGetPlatformIDsKHR")) : nullptr;
 }
 
@@ -71,17 +58,16 @@ void take_dispatch_table(list_function list) {
 }
 
 std::string load_named(char const* name) {
-    // If a loader's symbols are in the global scope, Oclgrind binds its own entry points to them and loops forever.
-    void* const library = dlopen(name, RTLD_NOW | RTLD_LOCAL);
+    void* const library = load_library(name, binding::at_once);
     if (library == nullptr) {
-        return dlerror();
+        return load_failure(name);
     }
     if (exports_opencl(library)) {
         take_exports(library);
     } else if (auto* const list = find_list_function(library); list != nullptr) {
         take_dispatch_table(list);
     } else {
-        dlclose(library);
+        unload_library(library);
         return name + std::string(" is no OpenCL loader or implementation: it has neither clGetPlatformIDs nor "
                                   "clIcdGetPlatformIDsKHR");
     }
@@ -94,14 +80,14 @@ std::string load() {
     if (library_functions.clGetPlatformIDs != nullptr) {
         return {};
     }
-    if (char const* const name = secure_getenv("NQ_BRIDGE_OPENCL"); name != nullptr && *name != '\0') {
+    if (char const* const name = trusted_environment("NQ_BRIDGE_OPENCL"); name != nullptr && *name != '\0') {
         return load_named(name);
     }
     if (void* const found = find_in_global_scope(); found != nullptr) {
         take_exports(found);
         return {};
     }
-    return load_named("libOpenCL.so.1");
+    return load_named(default_library);
 }
 
 bool is_in_library(void* function) noexcept {

@@ -1,7 +1,8 @@
 #include "vendors.hpp"
 
+#include "system.hpp"
+
 #include <algorithm>
-#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 
@@ -22,9 +23,12 @@ vendor read_vendor(fs::path const& file) {
 
 } // namespace
 
+char const* const vendor_entry = "vendor file (*.icd)";
+char const* const vendor_remedy = " (on Debian: apt-get install pocl-opencl-icd) or name the folder in OCL_ICD_VENDORS";
+
 std::string vendor_setting() {
     for (char const* variable : {"OCL_ICD_VENDORS", "OPENCL_VENDOR_PATH"}) {
-        if (char const* const value = secure_getenv(variable); value != nullptr && *value != '\0') {
+        if (char const* const value = trusted_environment(variable); value != nullptr && *value != '\0') {
             return value;
         }
     }

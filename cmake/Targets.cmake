@@ -18,7 +18,9 @@ function(vorn_mero_target_defaults target)
   target_compile_features(${target} PRIVATE cxx_std_20)
   set_target_properties(${target} PROPERTIES CXX_EXTENSIONS OFF CXX_VISIBILITY_PRESET hidden VISIBILITY_INLINES_HIDDEN ON
     POSITION_INDEPENDENT_CODE ON UNITY_BUILD OFF)
-  target_compile_options(${target} PRIVATE -fno-plt -fno-semantic-interposition)
+  if(NOT WIN32)
+    target_compile_options(${target} PRIVATE -fno-plt -fno-semantic-interposition)
+  endif()
   if(VORN_MERO_WARNINGS)
     target_compile_options(${target} PRIVATE
       -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wsign-conversion -Wnon-virtual-dtor -Wold-style-cast
@@ -28,6 +30,23 @@ function(vorn_mero_target_defaults target)
   if(VORN_MERO_SANITIZE)
     target_compile_options(${target} PRIVATE -fsanitize=${VORN_MERO_SANITIZE} -fno-omit-frame-pointer)
     target_link_options(${target} PRIVATE -fsanitize=${VORN_MERO_SANITIZE})
+  endif()
+endfunction()
+
+# The sources of a target contain what its library exports.
+function(vorn_mero_marks_exports target)
+  target_compile_definitions(${target} PRIVATE $<$<PLATFORM_ID:Windows>:NQ_BUILDING VORN_MERO_BUILDING>)
+endfunction()
+
+# A shared library exports what the version script names. Windows has none: the marks in the sources say it there.
+function(vorn_mero_exports target version_script)
+  target_link_options(${target} PRIVATE LINKER:--no-undefined)
+  if(WIN32)
+    vorn_mero_marks_exports(${target})
+    set_target_properties(${target} PROPERTIES PREFIX "")
+  else()
+    target_link_options(${target} PRIVATE LINKER:--version-script=${version_script})
+    set_target_properties(${target} PROPERTIES LINK_DEPENDS ${version_script})
   endif()
 endfunction()
 

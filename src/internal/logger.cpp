@@ -2,17 +2,10 @@
 
 #include "internal/log_failure.hpp"
 #include "internal/logger_library.hpp"
+#include "internal/system.hpp"
 
 #include <atomic>
-#include <cstdlib>
-#include <dlfcn.h>
-#include <stdexcept>
-#include <string>
 #include <string_view>
-
-namespace spdlog {
-[[gnu::weak]] std::shared_ptr<logger> get(std::string const& name); // null unless the program itself uses spdlog
-}
 
 namespace vorn::mero::internal {
 namespace {
@@ -20,32 +13,13 @@ namespace {
 std::atomic<bool> logging_has_ended{false};
 
 std::string_view environment(char const* name, std::string_view otherwise) {
-    char const* const value = secure_getenv(name); // a set-uid program must not be told by its user where to write
+    char const* const value = trusted_environment(name);
     return value != nullptr ? value : otherwise;
-}
-
-/// The folder of the library with a slash, or nothing.
-std::string own_folder() {
-    Dl_info here{};
-    if (::dladdr(&logging_has_ended, &here) == 0 || here.dli_fname == nullptr || here.dli_fname[0] != '/') {
-        return {};
-    }
-    std::string const path = here.dli_fname;
-    return path.substr(0, path.rfind('/') + 1);
 }
 
 /// Throws `std::runtime_error`.
 logger_library const& load_library() {
-    // beside the library first: a tool that intercepts dlopen hides who calls it, and with that the run path
-    std::string const name = VORN_MERO_LOGGER_LIBRARY;
-    int const flags = RTLD_NOW | RTLD_LOCAL | RTLD_NODELETE;
-    void* const beside = ::dlopen((own_folder() + name).c_str(), flags);
-    void* const library = beside != nullptr ? beside : ::dlopen(name.c_str(), flags);
-    void* const found = library != nullptr ? ::dlsym(library, "vorn_mero_logger_library") : nullptr;
-    if (found == nullptr) {
-        throw std::runtime_error(::dlerror());
-    }
-    return *static_cast<logger_library const*>(found);
+    return *static_cast<logger_library const*>(load_symbol(VORN_MERO_LOGGER_LIBRARY, "vorn_mero_logger_library"));
 }
 
 logger_library const& library() {
@@ -55,7 +29,7 @@ logger_library const& library() {
 
 bool load_early() noexcept {
     auto const target = environment("MERO_LOG_TARGET", "none");
-    bool const is_needed = &spdlog::get != nullptr || target == "file" || target == "console";
+    bool const is_needed = program_uses_spdlog() || target == "file" || target == "console";
     try {
         return is_needed && library().make != nullptr;
     } catch (...) { // whoever logs is told

@@ -1,13 +1,12 @@
 #include "internal/logger_library.hpp"
 
 #include <cerrno>
-#include <fcntl.h>
+#include <cstdio>
 #include <spdlog/sinks/basic_file_sink.h>
 #include <spdlog/sinks/null_sink.h>
 #include <spdlog/sinks/stdout_sinks.h>
 #include <spdlog/spdlog.h>
 #include <string>
-#include <unistd.h>
 
 namespace vorn::mero::internal {
 namespace {
@@ -20,11 +19,11 @@ constexpr char const* file_name = "mero.log";
 
 // spdlog tries five times, 10 ms apart, before it says that it cannot open a file.
 void require_file() {
-    int const file = ::open(file_name, O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC, 0666);
-    if (file < 0) {
+    std::FILE* const file = std::fopen(file_name, "a");
+    if (file == nullptr) {
         throw spdlog::spdlog_ex(std::string("Failed opening file ") + file_name + " for writing", errno);
     }
-    ::close(file);
+    std::fclose(file);
 }
 
 std::shared_ptr<spdlog::logger> make_for(std::string_view target) {

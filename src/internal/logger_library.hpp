@@ -3,6 +3,8 @@
 // What the library needs of spdlog. It is in a shared object of its own, which is not loaded before it is needed: most
 // programs log nothing, and to load spdlog costs more than to load the library.
 
+#include <vorn/mero/common/export.hpp>
+
 #include <memory>
 #include <string_view>
 
@@ -21,4 +23,4 @@ struct logger_library {
 } // namespace vorn::mero::internal
 
 /// The one symbol of that shared object.
-extern "C" [[gnu::visibility("default")]] vorn::mero::internal::logger_library const vorn_mero_logger_library;
+extern "C" VORN_MERO_EXPORT vorn::mero::internal::logger_library const vorn_mero_logger_library;

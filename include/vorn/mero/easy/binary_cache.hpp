@@ -1,5 +1,9 @@
 #pragma once
 
+#ifdef _WIN32
+#error "<vorn/mero/easy/binary_cache.hpp> uses files as POSIX has them; Windows lacks that"
+#endif
+
 #include <vorn/mero/easy/included_files.hpp>
 #include <vorn/mero/easy/session.hpp>
 

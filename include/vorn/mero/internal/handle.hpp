@@ -34,7 +34,7 @@ namespace vorn::mero::internal {
 /// Failing calls throw the exceptions of `nq` and `vorn::mero::common`. Different threads may use distinct objects,
 /// even of the same OpenCL object. No thread may assign or destroy an object that another uses.
 template <class Kind>
-class VORN_MERO_EXPORT owner {
+class VORN_MERO_EXPORT_TEMPLATE owner {
 public:
     /// What the raw handle points to.
     using raw_type = typename Kind::raw_type;

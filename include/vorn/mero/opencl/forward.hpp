@@ -86,23 +86,23 @@ using host_queue = host_command_queue;
 } // namespace vorn::mero::VORN_MERO_NAMESPACE
 
 #if VORN_MERO_OPENCL >= 110
-extern template class vorn::mero::internal::owner<vorn::mero::VORN_MERO_NAMESPACE::internal::event_promise_kind>;
+VORN_MERO_IN_LIBRARY(vorn::mero::internal::owner<vorn::mero::VORN_MERO_NAMESPACE::internal::event_promise_kind>);
 #endif
 
 #if VORN_MERO_OPENCL < 200
-extern template class vorn::mero::internal::owner<vorn::mero::VORN_MERO_NAMESPACE::internal::command_queue_kind>;
+VORN_MERO_IN_LIBRARY(vorn::mero::internal::owner<vorn::mero::VORN_MERO_NAMESPACE::internal::command_queue_kind>);
 #else
-extern template class vorn::mero::internal::owner<vorn::mero::VORN_MERO_NAMESPACE::internal::host_command_queue_kind>;
-extern template class vorn::mero::internal::owner<vorn::mero::VORN_MERO_NAMESPACE::internal::device_command_queue_kind>;
+VORN_MERO_IN_LIBRARY(vorn::mero::internal::owner<vorn::mero::VORN_MERO_NAMESPACE::internal::host_command_queue_kind>);
+VORN_MERO_IN_LIBRARY(vorn::mero::internal::owner<vorn::mero::VORN_MERO_NAMESPACE::internal::device_command_queue_kind>);
 #endif
 
-extern template class vorn::mero::internal::owner<vorn::mero::VORN_MERO_NAMESPACE::internal::platform_kind>;
-extern template class vorn::mero::internal::owner<vorn::mero::VORN_MERO_NAMESPACE::internal::device_kind>;
-extern template class vorn::mero::internal::owner<vorn::mero::VORN_MERO_NAMESPACE::internal::context_kind>;
-extern template class vorn::mero::internal::owner<vorn::mero::VORN_MERO_NAMESPACE::internal::memory_object_kind>;
-extern template class vorn::mero::internal::owner<vorn::mero::VORN_MERO_NAMESPACE::internal::sampler_kind>;
-extern template class vorn::mero::internal::owner<vorn::mero::VORN_MERO_NAMESPACE::internal::program_kind>;
-extern template class vorn::mero::internal::owner<vorn::mero::VORN_MERO_NAMESPACE::internal::kernel_kind>;
-extern template class vorn::mero::internal::owner<vorn::mero::VORN_MERO_NAMESPACE::internal::event_kind>;
+VORN_MERO_IN_LIBRARY(vorn::mero::internal::owner<vorn::mero::VORN_MERO_NAMESPACE::internal::platform_kind>);
+VORN_MERO_IN_LIBRARY(vorn::mero::internal::owner<vorn::mero::VORN_MERO_NAMESPACE::internal::device_kind>);
+VORN_MERO_IN_LIBRARY(vorn::mero::internal::owner<vorn::mero::VORN_MERO_NAMESPACE::internal::context_kind>);
+VORN_MERO_IN_LIBRARY(vorn::mero::internal::owner<vorn::mero::VORN_MERO_NAMESPACE::internal::memory_object_kind>);
+VORN_MERO_IN_LIBRARY(vorn::mero::internal::owner<vorn::mero::VORN_MERO_NAMESPACE::internal::sampler_kind>);
+VORN_MERO_IN_LIBRARY(vorn::mero::internal::owner<vorn::mero::VORN_MERO_NAMESPACE::internal::program_kind>);
+VORN_MERO_IN_LIBRARY(vorn::mero::internal::owner<vorn::mero::VORN_MERO_NAMESPACE::internal::kernel_kind>);
+VORN_MERO_IN_LIBRARY(vorn::mero::internal::owner<vorn::mero::VORN_MERO_NAMESPACE::internal::event_kind>);
 
 #endif
