@@ -2,6 +2,7 @@
 
 #include "doctor.hpp"
 #include "run.hpp"
+#include "sweep.hpp"
 
 #include "../layers/trace_log.hpp"
 #include "../layers/trace_report.hpp"
@@ -33,6 +34,7 @@ struct options {
     bool report = false;
     unsigned limit = 256;
     unsigned exit_status = 1;
+    nq::command::sweep_options sweep;
 };
 
 // What a program has left behind that did not come to its end.
@@ -80,6 +82,15 @@ int faults(options const& with) {
     return run_under("faults", with.rules + (with.report ? ",report" : ""), with.program);
 }
 
+int sweep(options& with) {
+    with.sweep.exit_status = static_cast<int>(with.exit_status);
+    return nq::command::sweep(with.program, with.sweep);
+}
+
+void add_exit_status(CLI::App* to, options& with, char const* text) {
+    to->add_option("--exit-status", with.exit_status, text)->check(CLI::Range(0, 255))->capture_default_str();
+}
+
 CLI::App* add(CLI::App& to, options& with, char const* name, char const* text) {
     CLI::App* const made = to.add_subcommand(name, text);
     made->add_option("program", with.program, "the program and its arguments, after --")->required();
@@ -104,13 +115,22 @@ int main(int count, char** arguments) {
     to_trace->add_option("--limit", with.limit, "MiB to record at most")->check(CLI::Range(1, 1 << 20));
     CLI::App* const to_errors = add(app, with, "errors", "print each failing call, and what is wrong with it");
     CLI::App* const to_leaks = add(app, with, "leaks", "print what was never released, and the line that made it");
-    to_leaks->add_option("--exit-status", with.exit_status, "the exit status if there is any; 0: the program's own")
-        ->check(CLI::Range(0, 255))
-        ->capture_default_str();
+    add_exit_status(to_leaks, with, "the exit status if there is any; 0: the program's own");
     CLI::App* const to_faults = add(app, with, "faults", "make calls fail");
     to_faults->add_option("-r,--rule", with.rules, "which calls fail and how, as entry=clCreateBuffer:call=2:-4")
         ->required();
     to_faults->add_flag("--report", with.report, "print which calls failed");
+    CLI::App* const to_sweep =
+        add(app, with, "sweep", "run the program once for each call, which fails; print what broke");
+    to_sweep->add_option("-f,--failure", with.sweep.failures, "how calls fail; may be given several times")
+        ->allow_extra_args(false)
+        ->capture_default_str();
+    to_sweep->add_option("-j,--jobs", with.sweep.jobs, "how many run at once; 0: one on each processor")
+        ->check(CLI::Range(0, 1024));
+    to_sweep->add_option("--step", with.sweep.step, "fail one of so many calls")->check(CLI::Range(1, 1 << 30));
+    to_sweep->add_option("--timeout", with.sweep.seconds, "seconds after which a run counts as hanging")
+        ->check(CLI::PositiveNumber);
+    add_exit_status(to_sweep, with, "the exit status if a run broke; 0: the program's own");
     CLI::App* const to_convert =
         app.add_subcommand("convert", "write the timeline of a program that did not come to its end");
     to_convert->add_option("recording", with.recording, "what trace has left behind, FILE.part")->required();
@@ -126,6 +146,7 @@ int main(int count, char** arguments) {
                : to_errors->parsed() ? run_under("errors", "", with.program)
                : to_leaks->parsed()  ? leaks(with)
                : to_faults->parsed() ? faults(with)
+               : to_sweep->parsed()  ? sweep(with)
                                      : (convert(with.recording, with.output), 0);
     } catch (CLI::ParseError const& failure) {
         return app.exit(failure) == 0 ? 0 : unusable;

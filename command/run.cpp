@@ -1,11 +1,12 @@
 #include "run.hpp"
 
 #include <elf.h>
+#include <fcntl.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include <array>
+#include <algorithm>
 #include <cctype>
 #include <cerrno>
 #include <cstdlib>
@@ -85,33 +86,59 @@ fs::path find_layer(std::string const& name) {
 
 } // namespace
 
-int run_under(std::string const& layer, std::string const& settings, command_line const& program) {
-    fs::path const path = find_program(program.at(0));
+launch::launch(std::vector<layer_use> layers, command_line program)
+    : layers_(std::move(layers)), arguments_(std::move(program)) {
+    fs::path const path = find_program(arguments_.at(0));
     check(path);
-    fs::path const file = find_layer(layer);
-    std::string variable = "NQ_" + layer;
-    for (char& each : variable) {
-        each = static_cast<char>(std::toupper(static_cast<unsigned char>(each)));
+    path_ = path;
+    for (layer_use const& each : layers_) {
+        preload_ += (preload_.empty() ? "" : ":") + find_layer(each.name).string();
     }
-    char const* const before = std::getenv("LD_PRELOAD");
-    std::string const preload = file.string() + (before != nullptr ? std::string(":") + before : "");
+    if (char const* const before = std::getenv("LD_PRELOAD")) {
+        preload_ += std::string(":") + before;
+    }
+}
+
+pid_t launch::start(int errors) const {
     std::vector<char*> arguments;
-    for (std::string const& each : program) {
+    for (std::string const& each : arguments_) {
         arguments.push_back(const_cast<char*>(each.c_str()));
     }
     arguments.push_back(nullptr);
     pid_t const child = fork();
-    if (child == 0) {
-        setenv("LD_PRELOAD", preload.c_str(), 1);
-        setenv(variable.c_str(), settings.c_str(), 1);
-        execv(path.c_str(), arguments.data());
-        _exit(127);
+    if (child < 0) {
+        give_up("cannot run " + path_ + ": " + std::strerror(errno));
     }
+    if (child != 0) {
+        return child;
+    }
+    if (errors >= 0) {
+        int const nothing = open("/dev/null", O_RDWR | O_CLOEXEC);
+        dup2(nothing, STDIN_FILENO);
+        dup2(nothing, STDOUT_FILENO);
+        dup2(errors, STDERR_FILENO);
+        setpgid(0, 0);
+    }
+    setenv("LD_PRELOAD", preload_.c_str(), 1);
+    for (layer_use const& each : layers_) {
+        std::string variable = "NQ_" + each.name;
+        std::transform(variable.begin(), variable.end(), variable.begin(),
+                       [](unsigned char letter) { return static_cast<char>(std::toupper(letter)); });
+        setenv(variable.c_str(), each.settings.c_str(), 1);
+    }
+    execv(path_.c_str(), arguments.data());
+    _exit(127);
+}
+
+int shell_status(int status) noexcept { return WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status); }
+
+int run_under(std::string const& layer, std::string const& settings, command_line const& program) {
+    pid_t const child = launch({{layer, settings}}, program).start();
     int status = 0;
-    if (child < 0 || waitpid(child, &status, 0) != child) {
-        give_up("cannot run " + path.string() + ": " + std::strerror(errno));
+    if (waitpid(child, &status, 0) != child) {
+        give_up("cannot wait for " + program.at(0) + ": " + std::strerror(errno));
     }
-    return WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
+    return shell_status(status);
 }
 
 } // namespace nq::command

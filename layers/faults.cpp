@@ -8,7 +8,6 @@
 #include <charconv>
 #include <cstdlib>
 #include <cstring>
-#include <mutex>
 #include <optional>
 #include <stdexcept>
 #include <string_view>
@@ -18,7 +17,7 @@ namespace nq::layer {
 namespace {
 
 constexpr char name[] = "nq-faults";
-constexpr std::size_t longest_report = 100; // lines
+constexpr std::uint64_t longest_report = 100; // lines
 
 // Which calls fail, and how. All conditions hold at once.
 struct rule {
@@ -108,7 +107,7 @@ void add_part(rule& made, std::string_view part) {
     } else if (key == "seed") {
         made.seed = number<std::uint64_t>(value, 0, UINT64_MAX, "give a whole number as the seed");
     } else if (key == "result") {
-        made.result = number(value, INT32_MIN, -1, "give a negative result of libnq such as -1");
+        made.result = number(value, INT32_MIN, INT32_MAX, "give a result of libnq such as -1");
     } else {
         throw unusable("use call=, every=, entry=, probability=, seed= or result=, not '" + std::string(key) + "='");
     }
@@ -156,8 +155,6 @@ settings& chosen() {
 struct account {
     std::atomic<std::uint64_t> calls{0};
     std::atomic<std::uint64_t> failed{0};
-    std::mutex mutex;
-    std::vector<std::string> lines;
 };
 
 account& done() {
@@ -198,27 +195,21 @@ void refuse(call const& made, description const& about, std::int32_t status) {
     }
 }
 
+// At once, since the program may not come to its end.
 void record(call const& made, description const* about, rule const& how, std::uint64_t number) {
-    account& all = done();
-    ++all.failed;
-    std::scoped_lock const lock{all.mutex};
-    if (chosen().report && all.lines.size() < longest_report) {
+    if (++done().failed <= longest_report && chosen().report) {
         char const* const status = values::status.name_of(how.status);
         std::string const code = status != nullptr ? status : "status " + std::to_string(how.status);
-        all.lines.push_back("call " + std::to_string(number) + ": " +
-                            (about != nullptr ? about->name : "command " + std::to_string(made.id)) + " = " +
-                            (how.result != 0 ? "result " + std::to_string(how.result) : code));
+        print(name, "call " + std::to_string(number) + ": " +
+                        (about != nullptr ? about->name : "command " + std::to_string(made.id)) + " = " +
+                        (how.result != 0 ? "result " + std::to_string(how.result) : code));
     }
 }
 
 [[gnu::destructor]] void report() {
-    account& all = done();
+    account const& all = done();
     if (all.calls != 0 && chosen().report) {
         print(name, std::to_string(all.calls) + " calls, " + std::to_string(all.failed) + " failed");
-        std::scoped_lock const lock{all.mutex};
-        for (std::string const& line : all.lines) {
-            print(name, line);
-        }
     }
 }
 

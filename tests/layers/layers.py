@@ -116,6 +116,16 @@ def breaches_of_command(command, program):
             yield "the trace of a program that did not come to its end is not whole"
 
 
+def breaches_of_sweep(command, program):
+    """Each call fails once; what a program does badly then is a line with the call."""
+    done = subprocess.run([command, "sweep", "-f", "-6", "--timeout", "5", "--", program, PLATFORM, "careless"],
+                          capture_output=True, text=True, timeout=200)
+    wanted = (r"^\d+ calls, \d+ runs$", r"^call=\d+:-6 +clCreateUserEvent +1 object not released$",
+              r"^call=\d+:-6 +clFlush +ends by SIGABRT$", r"^call=\d+:-6 +clFinish +hangs$", "^3 broke;")
+    if done.returncode != 1 or any(not re.search(each, done.stdout, re.M) for each in wanted):
+        yield f"exit status {done.returncode}, {done.stdout}{done.stderr}"
+
+
 def breaches_of_manual(command):
     """The manual page has the options that the command has."""
     page = (pathlib.Path(__file__).parents[2] / "command/vorn-mero.1").read_text().replace("\\-", "-")
@@ -141,6 +151,7 @@ def main():
     wholes = {"trace": breaches_of_trace(program, folder)}
     if len(sys.argv) > 4:
         wholes["command"] = breaches_of_command(sys.argv[4], program)
+        wholes["sweep"] = breaches_of_sweep(sys.argv[4], program)
         wholes["manual"] = breaches_of_manual(sys.argv[4])
     for name, breaches_found in wholes.items():
         found = list(breaches_found)

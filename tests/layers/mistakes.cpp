@@ -5,11 +5,13 @@
 #include <vorn/mero/opencl_1_2.hpp>
 
 #include <array>
+#include <chrono>
 #include <cstdio>
 #include <cstdlib>
 #include <functional>
 #include <map>
 #include <string>
+#include <thread>
 #include <typeinfo>
 #include <vector>
 
@@ -118,6 +120,26 @@ std::map<std::string, std::function<void(session&)>> const mistakes{
              new cl::event(here.queue.enqueue_marker(0, nullptr));
          }
      }},
+    {"careless", // about three calls that may fail
+     [](session& here) {
+         auto const fails = [](auto make) {
+             try {
+                 make();
+                 return false;
+             } catch (std::exception const&) {
+                 return true;
+             }
+         };
+         if (fails([&] { (void)here.context.create_user_event(); })) {
+             new cl::buffer(here.buffer);
+         }
+         if (fails([&] { here.queue.flush(); })) {
+             std::abort();
+         }
+         while (fails([&] { here.queue.finish(); })) {
+             std::this_thread::sleep_for(std::chrono::hours(1));
+         }
+     }},
     {"moved",
      [](session& here) {
          cl::command_queue const taken = std::move(here.queue);
@@ -131,17 +153,18 @@ int main(int count, char** arguments) {
     if (count != 3 || mistakes.count(arguments[2]) == 0) {
         return 2;
     }
-    for (cl::device const& device : cl::get_all_devices()) {
-        if (device.get_platform().name().find(arguments[1]) != std::string::npos) {
-            try {
+    try {
+        for (cl::device const& device : cl::get_all_devices()) {
+            if (device.get_platform().name().find(arguments[1]) != std::string::npos) {
                 session here{device};
                 mistakes.at(arguments[2])(here);
                 std::puts("done");
-            } catch (std::exception const& failure) {
-                std::printf("%s\n", typeid(failure).name());
+                return 0;
             }
-            return 0;
         }
+    } catch (std::exception const& failure) {
+        std::printf("%s\n", typeid(failure).name());
+        return 0;
     }
     std::printf("no platform %s\n", arguments[1]);
     return 77;
