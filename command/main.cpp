@@ -125,6 +125,10 @@ int main(int count, char** arguments) {
     to_sweep->add_option("-f,--failure", with.sweep.failures, "how calls fail; may be given several times")
         ->allow_extra_args(false)
         ->capture_default_str();
+    to_sweep
+        ->add_option("--except", with.sweep.except,
+                     "an entry point whose failures do not count; may be given several times")
+        ->allow_extra_args(false);
     to_sweep->add_option("-j,--jobs", with.sweep.jobs, "how many run at once; 0: one on each processor")
         ->check(CLI::Range(0, 1024));
     to_sweep->add_option("--step", with.sweep.step, "fail one of so many calls")->check(CLI::Range(1, 1 << 30));

@@ -195,7 +195,9 @@ private:
             return;
         }
         std::string const fault = fault_of(ended, entry);
-        if (fault.empty()) {
+        if (std::find(options_.except.begin(), options_.except.end(), entry) != options_.except.end()) {
+            ++outcomes_["do not count"];
+        } else if (fault.empty()) {
             int const status = WEXITSTATUS(ended.status);
             ++outcomes_["ended with exit status " + std::to_string(status)];
         } else {

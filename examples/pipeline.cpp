@@ -68,6 +68,7 @@ std::vector<step> run(cl::device const& device, std::vector<float>& values) {
         kernels.push_back(program.create_kernel("iterate"));
         kernels.back().set_argument(0, buffers.back());
     }
+    easy::finish_guard const guard(queue); // the commands use `values` also where one of the calls fails
     auto steps = enqueue(queue, buffers, kernels, values);
     queue.finish();
     return steps;

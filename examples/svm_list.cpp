@@ -40,15 +40,20 @@ kernel void square_and_append(global struct node* head, global struct node* spar
 }
 )";
 
-// Nodes in shared virtual memory; they are freed together.
+// Nodes in shared virtual memory; they are freed together, when the commands that may use them have ended.
 class node_pool {
 public:
-    explicit node_pool(cl::context const& context) : context_(context) {}
+    node_pool(cl::context const& context, cl::host_command_queue const& queue) : context_(context), queue_(queue) {}
     node_pool(node_pool const&) = delete;
     node_pool& operator=(node_pool const&) = delete;
     ~node_pool() {
-        for (void* const pointer : pointers_) {
-            context_.svm_free(pointer);
+        try {
+            queue_.finish();
+            for (void* const pointer : pointers_) {
+                context_.svm_free(pointer);
+            }
+        } catch (std::exception const& failure) { // memory that commands may use is rather lost
+            std::fprintf(stderr, "nodes are not freed: %s\n", failure.what());
         }
     }
 
@@ -65,6 +70,7 @@ public:
 
 private:
     cl::context context_;
+    cl::host_command_queue queue_;
     std::vector<void*> pointers_;
 };
 
@@ -114,7 +120,7 @@ std::size_t run(cl::device const& device, std::size_t count) {
     cl::host_command_queue queue = context.create_host_command_queue(device, false, false);
     cl::program program = easy::build<200>(context, device, source);
     cl::kernel kernel = program.create_kernel("square_and_append");
-    node_pool pool(context);
+    node_pool pool(context, queue);
     node* const head = link(pool, count, queue);
     node* const spare = pool.make();
     kernel.set_svm_argument(0, head);
