@@ -15,6 +15,7 @@ def pages(names):
     for path in sorted((ROOT / "docs").glob("*.md")):
         made[path.name] = page(f"docs/{path.name}", "docs/", names)
     made["changelog.md"] = page("CHANGELOG.md", "", names)
+    made["security.md"] = page("SECURITY.md", "", names)
     made["contributing.md"] = page("CONTRIBUTING.md", "", names)
     made["license.md"] = f"# Licence\n\n```text\n{(ROOT / 'LICENSE').read_text()}```\n"
     for folder in SOURCES:
@@ -87,7 +88,7 @@ def link(label, target, folder):
     path = re.sub(r"^\.\./", "", path) if folder and path.startswith("../") else folder + path
     if label == target and path.startswith("docs/"):
         label = title_of((ROOT / path).read_text())
-    known = {"CHANGELOG.md": "changelog.md", "CONTRIBUTING.md": "contributing.md", "LICENSE": "license.md",
+    known = {"CHANGELOG.md": "changelog.md", "SECURITY.md": "security.md", "CONTRIBUTING.md": "contributing.md", "LICENSE": "license.md",
              "README.md": START}
     if path.startswith(SOURCES) and path.endswith("pp"):
         path = re.sub(r"\.([ch]pp)$", r"_\1.md", path)
