@@ -180,8 +180,9 @@ private:
             std::this_thread::sleep_for(std::chrono::milliseconds(1));
         }
         kill(-which.process, SIGKILL); // what it left behind
+        auto const place = running_.begin() + (&which - running_.data());
         run ended = std::move(which);
-        running_.erase(running_.begin() + (&which - running_.data()));
+        running_.erase(place);
         return ended;
     }
 
