@@ -42,7 +42,7 @@ std::string unusable(vendor const& each, bool platforms_found) {
     if (load_library(each.driver.c_str(), binding::when_called) == nullptr) {
         std::string const reason = load_failure(each.driver.c_str());
         return line(named + each.driver + ", which does not load: " + reason) +
-               line("install or repair the package that holds " + reason.substr(0, reason.find(':')));
+               line("install or repair the package that holds " + reason.substr(0, reason.find(": ")));
     }
     return platforms_found ? ""
                            : line(named + each.driver +
