@@ -48,10 +48,11 @@ public:
     /// In this folder, which is made when there is something to store. An empty path keeps nothing.
     explicit binary_cache(std::string folder) : folder_(std::move(folder)) {}
 
-    /// "vorn-mero/binaries" in `$XDG_CACHE_HOME`, else in `$HOME/.cache`; empty without both.
+    /// "vorn-mero/binaries" in `$XDG_CACHE_HOME`, else in `$HOME/.cache`; empty without both, and in a program with
+    /// another user's rights, whose caller may not choose what code it runs.
     [[nodiscard]] static std::string default_folder() {
-        char const* const cache = std::getenv("XDG_CACHE_HOME");
-        char const* const home = std::getenv("HOME");
+        char const* const cache = ::secure_getenv("XDG_CACHE_HOME");
+        char const* const home = ::secure_getenv("HOME");
         return cache != nullptr && *cache == '/'  ? std::string(cache) + "/vorn-mero/binaries" // else it does not count
                : home != nullptr && *home != '\0' ? std::string(home) + "/.cache/vorn-mero/binaries"
                                                   : std::string();
