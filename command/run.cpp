@@ -2,6 +2,7 @@
 
 #include <elf.h>
 #include <fcntl.h>
+#include <sys/prctl.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -9,6 +10,7 @@
 #include <algorithm>
 #include <cctype>
 #include <cerrno>
+#include <csignal>
 #include <cstdlib>
 #include <cstring>
 #include <filesystem>
@@ -118,6 +120,7 @@ pid_t launch::start(int errors) const {
         dup2(nothing, STDOUT_FILENO);
         dup2(errors, STDERR_FILENO);
         setpgid(0, 0);
+        prctl(PR_SET_PDEATHSIG, SIGKILL); // the keys that end this program do not reach other process groups
     }
     setenv("LD_PRELOAD", preload_.c_str(), 1);
     for (layer_use const& each : layers_) {

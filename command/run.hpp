@@ -27,7 +27,7 @@ public:
     launch(std::vector<layer_use> layers, command_line program);
 
     /// Starts it and returns the number of its process. With a file its standard error goes there, its output and
-    /// input nowhere, and it leads a process group of its own.
+    /// input nowhere, and it leads a process group of its own; it is ended with the thread that called this.
     pid_t start(int errors = -1) const;
 
     /// Of the last layer.

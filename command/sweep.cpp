@@ -139,28 +139,35 @@ public:
 
 private:
     void start(std::string const& rule) {
-        program_.set(rule.empty() ? "report" : rule + ",report");
+        program_.set(rule + ",report");
         error_file errors;
         pid_t const process = program_.start(errors.number());
         running_.push_back({process, std::move(errors), clock::now(), rule});
         ++started_;
     }
 
-    // The program as it is.
+    // The program as it is. The layer reads how calls shall fail, and refuses what it does not know.
     std::uint64_t count_calls() {
-        start("");
+        std::string rules;
+        for (std::string const& failure : options_.failures) {
+            rules += (rules.empty() ? "" : ",") + failure + ":call=" + std::to_string(UINT64_MAX); // which none reaches
+        }
+        start(rules);
         run const first = wait_for(running_.back());
+        auto const lines = first.errors.lines_of("faults");
+        if (std::string const refusal = "NQ_FAULTS: "; !lines.empty() && lines.front().starts_with(refusal)) {
+            throw std::runtime_error("--failure: " + lines.front().substr(refusal.size()));
+        }
         own_status_ = shell_status(first.status);
         auto const took = std::chrono::duration<double>(clock::now() - first.begin);
-        limit_ = clock::duration(std::chrono::duration_cast<clock::duration>(
-            std::chrono::duration<double>(options_.seconds > 0 ? options_.seconds : 10 + took.count() * 10)));
+        limit_ = std::chrono::duration_cast<clock::duration>(
+            std::chrono::duration<double>(options_.seconds > 0 ? options_.seconds : 10 + took.count() * 10));
         if (std::string const fault = fault_of(first, ""); !fault.empty()) {
             std::printf("without a failing call: %s\n", fault.c_str());
         } else if (own_status_ != 0) {
             std::printf("without a failing call: exit status %d\n", own_status_);
         }
         std::uint64_t calls = 0;
-        auto const lines = first.errors.lines_of("faults");
         if (!lines.empty()) {
             std::from_chars(lines.back().data(), lines.back().data() + lines.back().size(), calls);
         }

@@ -16,7 +16,8 @@ struct sweep_options {
 };
 
 /// Prints each run that a signal ended, that hung, or that released less than it should, then what became of how many.
-/// Returns the exit status for the command. Throws as `launch` does, and if the program makes no call.
+/// Returns the exit status for the command. Throws as `launch` does, if the layer does not know a failure, and if the
+/// program makes no call.
 int sweep(command_line const& program, sweep_options options);
 
 } // namespace nq::command

@@ -124,6 +124,10 @@ def breaches_of_sweep(command, program):
               r"^call=\d+:-6 +clFlush +ends by SIGABRT$", r"^call=\d+:-6 +clFinish +hangs$", "^3 broke;")
     if done.returncode != 1 or any(not re.search(each, done.stdout, re.M) for each in wanted):
         yield f"exit status {done.returncode}, {done.stdout}{done.stderr}"
+    done = subprocess.run([command, "sweep", "-f", "-6", "-f", "CL_SOMETHING", "--", program, PLATFORM, "none"],
+                          capture_output=True, text=True, timeout=200)
+    if done.returncode != 2 or "not 'CL_SOMETHING'" not in done.stderr:
+        yield f"a failure that there is not: exit status {done.returncode}, {done.stdout}{done.stderr}"
 
 
 def breaches_of_manual(command):
