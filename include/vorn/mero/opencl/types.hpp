@@ -321,7 +321,7 @@ enum class kernel_argument_address_qualifier : std::uint32_t {
     global = 0x119B,   ///< `__global`; images too.
     local = 0x119C,    ///< `__local`.
     constant = 0x119D, ///< `__constant`.
-    private_ = 0x119E, ///< A value: neither of these.
+    private_ = 0x119E, ///< A value: none of these.
 };
 
 /// How a kernel accesses an image or pipe argument (`cl_kernel_arg_access_qualifier`); `none` for any other argument.
