@@ -77,8 +77,8 @@ struct image_desc {
     std::size_t image_height;      ///< In pixels; 0 in one dimension.
     std::size_t image_depth;       ///< In pixels; 0 unless there are three dimensions.
     std::size_t image_array_size;  ///< The images of an array.
-    std::size_t image_row_pitch;   ///< The bytes from a row to the next; 0 without host memory.
-    std::size_t image_slice_pitch; ///< The bytes from a slice, or an image, to the next; 0 without host memory.
+    std::size_t image_row_pitch;   ///< The bytes from a row to the next; 0 for no gaps, and without host memory.
+    std::size_t image_slice_pitch; ///< The same from a slice, or an image, to the next.
     std::uint32_t num_mip_levels;  ///< Levels of mip-maps, which are an extension; else 0.
     std::uint32_t num_samples;     ///< Samples of a pixel, which are an extension; else 0.
     _nq_cl_mem* mem_object;        ///< The buffer of an image in a buffer.

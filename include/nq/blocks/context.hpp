@@ -166,7 +166,8 @@ struct clSetUserEventStatus {
 static_assert(offsetof(clSetUserEventStatus, event) == 0 && offsetof(clSetUserEventStatus, execution_status) == 8 &&
               offsetof(clSetUserEventStatus, status) == 12 && sizeof(clSetUserEventStatus) == 16);
 
-/// Calls back when a command reaches a state: 0 complete, 1 running, 2 submitted. Since OpenCL 1.1.
+/// Calls back when a command reaches a state: 0 complete and, since OpenCL 1.2, 1 running, 2 submitted. Since OpenCL
+/// 1.1.
 struct clSetEventCallback {
     _nq_cl_event* event;
     event_callback pfn_notify;

@@ -255,8 +255,8 @@ private:
 /// The state of a command that triggers a callback (`cl_int`). Mind the spelling, with three m. Since OpenCL 1.1.
 enum class commmand_exec_callback_type : std::int32_t {
     complete = 0,  ///< It has ended, or failed.
-    running = 1,   ///< The device has started it.
-    submitted = 2, ///< The queue has handed it to the device.
+    running = 1,   ///< The device has started it. An implementation of OpenCL 1.1 may refuse it.
+    submitted = 2, ///< The queue has handed it to the device. An implementation of OpenCL 1.1 may refuse it.
 };
 #endif
 
