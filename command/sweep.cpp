@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cerrno>
 #include <charconv>
 #include <chrono>
 #include <csignal>
@@ -138,6 +139,10 @@ public:
     }
 
 private:
+    static clock::duration seconds(double count) {
+        return std::chrono::duration_cast<clock::duration>(std::chrono::duration<double>(count));
+    }
+
     void start(std::string const& rule) {
         program_.set(rule + ",report");
         error_file errors;
@@ -152,6 +157,7 @@ private:
         for (std::string const& failure : options_.failures) {
             rules += (rules.empty() ? "" : ",") + failure + ":call=" + std::to_string(UINT64_MAX); // which none reaches
         }
+        limit_ = seconds(options_.seconds);
         start(rules);
         run const first = wait_for(running_.back());
         auto const lines = first.errors.lines_of("faults");
@@ -160,8 +166,7 @@ private:
         }
         own_status_ = shell_status(first.status);
         auto const took = std::chrono::duration<double>(clock::now() - first.begin);
-        limit_ = std::chrono::duration_cast<clock::duration>(
-            std::chrono::duration<double>(options_.seconds > 0 ? options_.seconds : 10 + took.count() * 10));
+        limit_ = options_.seconds > 0 ? limit_ : seconds(10 + took.count() * 10);
         if (std::string const fault = fault_of(first, ""); !fault.empty()) {
             std::printf("without a failing call: %s\n", fault.c_str());
         } else if (own_status_ != 0) {
@@ -179,12 +184,16 @@ private:
     }
 
     run wait_for(run& which) {
-        while (waitpid(which.process, &which.status, WNOHANG) == 0) {
+        pid_t done = 0;
+        while ((done = waitpid(which.process, &which.status, WNOHANG)) == 0) {
             if (limit_ != clock::duration::zero() && clock::now() - which.begin > limit_ && !which.hung) {
                 which.hung = true;
                 kill(-which.process, SIGKILL);
             }
             std::this_thread::sleep_for(std::chrono::milliseconds(1));
+        }
+        if (done < 0) {
+            throw std::runtime_error(std::string("cannot wait for the program: ") + std::strerror(errno));
         }
         kill(-which.process, SIGKILL); // what it left behind
         auto const place = running_.begin() + (&which - running_.data());
