@@ -19,13 +19,10 @@ struct program {
 };
 
 struct kernel {
-    kernel(held<easy::session> session, easy::kernel made)
-        : gpu(std::move(session)), it(std::move(made)),
-          declared(easy::detail::parameters_of<easy::default_version>(it->exact())) {}
+    kernel(held<easy::session> session, easy::kernel made) : gpu(std::move(session)), it(std::move(made)) {}
 
     held<easy::session> gpu;
     held<easy::kernel> it;
-    std::vector<easy::detail::parameter> declared;
     std::unique_ptr<std::mutex> one_caller = std::make_unique<std::mutex>(); ///< Arguments belong to the kernel.
 };
 
@@ -64,10 +61,11 @@ easy::range range_of(extent const& size, std::optional<extent> const& local, std
 easy::event call(kernel& self, extent const& size, nb::args const& given, std::optional<extent> const& local_size,
                  std::optional<extent> const& offset, after const& earlier) {
     auto const over = range_of(size, local_size, offset);
+    auto const& all = self.it->parameters();
     std::vector<argument> arguments;
     arguments.reserve(given.size());
     for (std::size_t i = 0; i != given.size(); ++i) {
-        auto const* const declared = i < self.declared.size() ? &self.declared[i] : nullptr;
+        auto const* const declared = i < all.size() ? &all[i] : nullptr;
         arguments.emplace_back(given[i], declared, "kernel '" + self.it->name() + "', argument " + std::to_string(i),
                                easy::detail::raw_of(self.gpu->context()));
     }
@@ -79,7 +77,7 @@ easy::event call(kernel& self, extent const& size, nb::args const& given, std::o
 
 std::vector<std::string> arguments_of(kernel const& self) {
     std::vector<std::string> made;
-    for (auto const& each : self.declared) {
+    for (auto const& each : self.it->parameters()) {
         made.push_back(each.type.empty() ? "?" : each.type + " " + each.name);
     }
     return made;

@@ -80,6 +80,9 @@ public:
     /// The same of an object that does not change.
     [[nodiscard]] exact_type const& exact() const noexcept { return exact_; }
 
+    /// How the source declares the arguments, as far as the implementation tells.
+    [[nodiscard]] std::vector<detail::parameter> const& parameters() const noexcept { return parameters_; }
+
     /// The name of the function.
     [[nodiscard]] std::string const& name() const noexcept { return name_; }
 
