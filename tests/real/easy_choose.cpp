@@ -43,11 +43,12 @@ bool does(bench<Api>& b, needs what) {
     if (what == needs::fp16) {
         return builds(b, "half const h = (half)v[0]; v[0] = (float)(h * h);", "-DEXTENSION=cl_khr_fp16");
     }
-    if (what == needs::sub_groups && b.name != "oclgrind") { // which declares the functions and has none
+    if (what == needs::sub_groups && !b.differs("oclgrind", "declares the functions of sub-groups and has none")) {
         return builds(b, "v[0] = (float)get_sub_group_size();", "-DEXTENSION=cl_khr_subgroups -cl-std=CL3.0") ||
                builds(b, "v[0] = (float)get_sub_group_size();", "-DEXTENSION=cl_khr_subgroups -cl-std=CL2.0");
     }
-    if (what == needs::out_of_order && Api::number >= 200 && b.name == "rusticl") { // takes the property and drops it
+    if (what == needs::out_of_order && Api::number >= 200 &&
+        b.differs("rusticl", "takes the property of out-of-order queues and drops it")) {
         return false;
     }
     if (what == needs::out_of_order) {
@@ -62,7 +63,8 @@ bool does(bench<Api>& b, needs what) {
         if (what == needs::pipes) {
             return works([&] { b.context.create_pipe(flags::read_write, 4, 4); });
         }
-        if (what == needs::device_queue && b.name != "rusticl") { // makes a queue of the host instead
+        if (what == needs::device_queue &&
+            !b.differs("rusticl", "makes a queue of the host instead of one of the device")) {
             return works([&] { b.context.create_device_command_queue(b.device, false); });
         }
     }

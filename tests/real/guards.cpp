@@ -103,7 +103,7 @@ SCENARIO(refuses_arguments_without_a_value, "arguments without a value", 100) {
     b.expect(CL_INVALID_ARG_VALUE, argument(1, 4, nullptr));
     b.expect(CL_SUCCESS, argument(0, 8, nullptr));
     b.expect(CL_SUCCESS, argument(0, 8, null_handle));
-    if (b.name == "rusticl") {
+    if (b.differs("rusticl", "refuses null images as arguments")) {
         b.expect(CL_INVALID_ARG_VALUE, argument(2, 8, nullptr));
     } else {
         b.perform(argument(2, 8, nullptr));
@@ -111,7 +111,8 @@ SCENARIO(refuses_arguments_without_a_value, "arguments without a value", 100) {
     for (void const* const value : {static_cast<void const*>(nullptr), static_cast<void const*>(null_handle)}) {
         EXPECT_TRUE(b.perform(argument(3, 8, value)).status == CL_INVALID_SAMPLER || b.name != "oclgrind");
     }
-    if (b.name == "oclgrind" || b.name == "pocl") {
+    std::string const ends = "would end the process for work-groups of no items; the bridge refuses them";
+    if (b.differs("oclgrind", ends) || b.differs("pocl", ends)) {
         refuse_empty_groups(b, kernel);
     }
 }

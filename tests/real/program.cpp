@@ -107,7 +107,7 @@ SCENARIO(compiles_and_links, "programs compiled and linked", 120) {
     EXPECT_EQ(program.binary_type(b.device), Api::program_binary_type::executable);
     EXPECT_EQ(program.kernel_names(), std::vector<std::string>{"f"});
     EXPECT_EQ(result_of(b, program.create_kernel("f")), negated);
-    if (b.name != "oclgrind") { // links anything
+    if (!b.differs("oclgrind", "links without a function that is called")) {
         auto const lacking = compile(b, "void missing(void); __kernel void all(void) { missing(); }");
         EXPECT_THROW(b.context.link_programs({}, {lacking}, "", nullptr, nullptr), common::opencl_error);
     }

@@ -41,26 +41,58 @@ void expect_no_context() {
     EXPECT_EQ(living_contexts.exchange(0), 0) << "an object of the scenario still holds its context";
 }
 
+struct outcome {
+    std::string what; // "works", "differs", "skipped" or the status of the refusal
+    std::string why;
+
+    auto operator<=>(outcome const&) const = default;
+};
+
 /// What each implementation does with each feature: by feature, device and outcome, the versions.
-std::map<std::string, std::map<std::string, std::map<std::string, std::set<int>>>> table;
+std::map<std::string, std::map<std::string, std::map<outcome, std::set<int>>>> table;
+
+/// What the running scenario has noted.
+std::set<std::string> differences;
 
 std::string version_text(int version) {
     return std::to_string(version / 100) + "." + std::to_string(version / 10 % 10);
 }
 
-/// One line for each pair. Versions are named only where they differ.
+std::string text_of(std::set<int> const& versions) {
+    std::string const first = version_text(*versions.begin());
+    return versions.size() > 1 ? first + "-" + version_text(*versions.rbegin()) : first;
+}
+
+void print_row(std::string const& head, std::vector<std::string> const& cells) {
+    std::string line = "[ " + head + " ]";
+    for (std::string const& cell : cells) {
+        line += (&cell == cells.data() ? " " : " | ") + cell;
+    }
+    std::puts(line.c_str());
+}
+
+/// The devices with their versions, and a line for every outcome of a feature on a device. tools/features.py reads
+/// them.
 void print_table() {
-    for (auto const& [feature, devices] : table) {
-        for (auto const& [device, outcomes] : devices) {
-            std::string text;
-            for (auto const& [outcome, in] : outcomes) {
-                text += (text.empty() ? "" : "; ") + outcome;
-                if (outcomes.size() > 1) {
-                    text += " " + version_text(*in.begin());
-                    text += in.size() > 1 ? "-" + version_text(*in.rbegin()) : "";
-                }
+    std::map<std::string, std::pair<std::vector<std::string>, std::set<int>>> devices;
+    for_each_version([&devices]<class Api>(Api) {
+        auto const all = Api::get_all_devices();
+        for (std::size_t i = 0; i < all.size(); ++i) {
+            auto const platform = all[i].get_platform();
+            auto& [cells, versions] = devices[found_devices<Api>().at(i).name];
+            cells = {platform.name(), platform.version(), all[i].driver_version(), all[i].name()};
+            versions.insert(Api::number);
+        }
+    });
+    for (auto const& [name, described] : devices) {
+        auto const& [cells, versions] = described;
+        print_row("DEVICE  ", {name, cells[0], cells[1], cells[2], cells[3], text_of(versions)});
+    }
+    for (auto const& [feature, on] : table) {
+        for (auto const& [device, outcomes] : on) {
+            for (auto const& [outcome, versions] : outcomes) {
+                print_row("FEATURE ", {feature, device, outcome.what, text_of(versions), outcome.why});
             }
-            std::printf("[ FEATURE  ] %-28s | %-9s | %s\n", feature.c_str(), device.c_str(), text.c_str());
         }
     }
 }
@@ -70,30 +102,33 @@ public:
     scenario_test(scenario_name const& name, std::function<void()> const& body) : name_(name), body_(body) {}
 
     void TestBody() override {
-        std::string const outcome = run_body();
+        differences.clear();
+        outcome const seen = run_body();
         expect_no_context();
-        table[name_.feature][name_.device][HasFailure() ? "FAILED" : outcome].insert(name_.version);
+        auto& outcomes = table[name_.feature][name_.device];
+        outcomes[HasFailure() ? outcome{"FAILED", {}} : seen].insert(name_.version);
+        for (std::string const& how : differences) {
+            outcomes[{"differs", how}].insert(name_.version);
+        }
     }
 
 private:
-    /// "works", "skipped" or the status of the refusal.
-    std::string run_body() {
+    outcome run_body() {
         if (defect const* const known = find_defect(common::error_code::success)) {
-            return leave_out(known->reason, "skipped");
+            return leave_out({"skipped", known->reason});
         }
         try {
             body_();
-            return "works";
+            return {"works", {}};
         } catch (skipped const& reason) {
-            return leave_out(reason.what(), "skipped");
+            return leave_out({"skipped", reason.what()});
         } catch (common::opencl_error const& error) {
             defect const* const known = find_defect(error.code());
             std::string const status = std::to_string(static_cast<int>(error.code()));
             if (known == nullptr && is_known(name_.implementation)) {
                 ADD_FAILURE() << "status " << status << ": " << error.what();
             }
-            return leave_out("refused with status " + status + ", " + (known != nullptr ? known->reason : error.what()),
-                             "refused (" + status + ")");
+            return leave_out({"refused (" + status + ")", known != nullptr ? known->reason : error.what()});
         }
     }
 
@@ -107,9 +142,11 @@ private:
         return found != all.end() ? &*found : nullptr;
     }
 
-    std::string leave_out(std::string const& reason, std::string const& outcome) const {
-        [&] { GTEST_SKIP() << name_.implementation << ", " << name_.feature << ": " << reason; }();
-        return outcome;
+    outcome leave_out(outcome seen) const {
+        [&] {
+            GTEST_SKIP() << name_.implementation << ", " << name_.feature << ": " << seen.what << ", " << seen.why;
+        }();
+        return seen;
     }
 
     scenario_name name_;
@@ -152,6 +189,8 @@ void add_device(std::vector<found_device>& devices, std::string const& platform,
 }
 
 void skip(std::string const& reason) { throw skipped(reason); }
+
+void note_difference(std::string const& how) { differences.insert(how); }
 
 bool comes_true(std::function<bool()> const& condition) {
     for (int i = is_nulling() ? 500 : 0; i < 500 && !condition(); ++i) {

@@ -92,6 +92,9 @@ std::string implementation_of(std::string const& platform_name);
 /// Ends the scenario, from any depth; the reason is printed and counted.
 [[noreturn]] void skip(std::string const& reason);
 
+/// Has the table that closes the run tell what an implementation does in another way, in the running scenario.
+void note_difference(std::string const& how);
+
 /// What one implementation is known not to do. With a status, the scenario may end with it; with success, the scenario
 /// is not run at all.
 struct defect {
@@ -185,6 +188,21 @@ struct bench {
         : name(std::move(implementation)), device(target), context(Api::create_context(device)),
           queue(Api::create_queue(context, device, false, false)) {
         watch(name, raw_of(context));
+    }
+
+    /// Whether this is the implementation that does something in another way, which the table then tells.
+    bool differs(std::string const& implementation, std::string const& how) const {
+        if (name == implementation) {
+            note_difference(how);
+        }
+        return name == implementation;
+    }
+
+    /// Ends the scenario if this is that implementation.
+    void leave_out(std::string const& implementation, std::string const& reason) const {
+        if (name == implementation) {
+            skip(reason);
+        }
     }
 
     template <class T>
