@@ -11,6 +11,7 @@
 #include <iterator>
 #include <set>
 #include <stdexcept>
+#include <tuple>
 
 namespace real {
 namespace {
@@ -45,7 +46,9 @@ struct outcome {
     std::string what; // "works", "differs", "skipped" or the status of the refusal
     std::string why;
 
-    auto operator<=>(outcome const&) const = default;
+    friend bool operator<(outcome const& one, outcome const& other) {
+        return std::tie(one.what, one.why) < std::tie(other.what, other.why);
+    }
 };
 
 /// What each implementation does with each feature: by feature, device and outcome, the versions.
