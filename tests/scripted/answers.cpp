@@ -29,6 +29,7 @@ struct answerer {
 
     int run() {
         if (auto const failure = self.take_failure(name)) {
+            record.has_failed = true;
             spoil();
             if (failure->result == 0) {
                 set_status(failure->status);
@@ -162,6 +163,8 @@ int perform_as(libnq& self, void* memory, call& record) {
     auto& block = *static_cast<Block*>(memory);
     record.name = name_of<Block>();
     record.inputs = inputs_of(block);
+    record.has_status = requires { block.status; }
+    || requires { block.error_code; };
     return answerer<Block>{self, block, record}.run();
 }
 

@@ -51,6 +51,8 @@ struct call {
     std::string name;                // of the entry point; empty for an id that the version lacks
     std::vector<std::string> inputs; // what the block said, as `inputs_of` has it
     void const* made = nullptr;      // what it was answered: the object made last, or memory
+    bool has_status = false;         // or error code
+    bool has_failed = false;         // because it was to
 };
 
 /// How a call fails: by the result of the call layer or by an OpenCL status.

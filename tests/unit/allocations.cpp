@@ -8,15 +8,19 @@
 
 std::size_t unit::allocated = 0;
 std::size_t unit::failing_allocation = 0;
+bool unit::little_memory::there_is = false;
 
 // The array forms and those with a size come here by default.
 void* operator new(std::size_t size) {
-    bool const fails = !scripted::libnq::is_answering && ++unit::allocated == unit::failing_allocation;
+    bool const is_too_large = unit::little_memory::there_is && size > unit::little_memory::largest;
+    bool const fails =
+        !scripted::libnq::is_answering && (++unit::allocated == unit::failing_allocation || is_too_large);
     if (void* const memory = fails ? nullptr : std::malloc(size != 0 ? size : 1)) {
         return memory;
     }
     throw std::bad_alloc();
 }
+void* operator new(std::size_t size, std::nothrow_t const&) noexcept { return std::malloc(size); } // never fails here
 
 // Overwrites what is given back, so that whoever still reads it is seen.
 void operator delete(void* memory) noexcept {

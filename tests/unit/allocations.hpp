@@ -9,6 +9,18 @@ namespace unit {
 extern std::size_t allocated;
 extern std::size_t failing_allocation;
 
+/// What is larger fails too, while there is one of these.
+struct little_memory {
+    static constexpr std::size_t largest = 1 << 20;
+
+    little_memory() { there_is = true; }
+    little_memory(little_memory const&) = delete;
+    little_memory& operator=(little_memory const&) = delete;
+    ~little_memory() { there_is = false; }
+
+    static bool there_is;
+};
+
 /// How many allocations some work makes. The n-th of them fails, counted from 1.
 template <class Work>
 std::size_t allocations_of(Work work, std::size_t failing = 0) {

@@ -136,18 +136,6 @@ std::vector<subject> const subjects {
 #endif
 };
 
-/// A way in which a call fails, and what is thrown then.
-struct failing {
-    scripted::failure how;
-    std::type_info const& thrown;
-};
-
-failing const failures[] = {{scripted::status(-5), typeid(common::out_of_resources)},
-                            {scripted::status(-999), typeid(common::unknown_opencl_error)},
-                            {scripted::layer(-1), typeid(nq::unrecoverable_error)},
-                            {scripted::layer(-2), typeid(nq::invalid_command_id)},
-                            {scripted::layer(7), typeid(nq::unknown_error)}};
-
 /// What the library's logger writes while something is done.
 std::string logged(std::function<void()> const& done) {
     std::ostringstream text;
@@ -357,6 +345,13 @@ TEST_P(ownership, logs_what_fails_in_a_destructor) {
         EXPECT_EQ(other_handle.use_count(), 1);
         expect_calls({{"Release", raw, other_handle}});
         libnq.failures.clear();
+        for (std::size_t n = 1; n != 20; ++n) { // nor does it throw where memory lacks for the report
+            auto adopted = each.adopt(other_handle, raw);
+            libnq.fail(failure.how);
+            logged([&] { allocations_of([&] { adopted.reset(); }, n); });
+            libnq.failures.clear();
+        }
+        libnq.forget_calls();
     }
     EXPECT_EQ(logged([&] { own(handle); }), "");
 }
