@@ -98,7 +98,7 @@ std::vector<std::size_t> binary_sizes(cl_program program, cl_int& code) {
     code = ask(program, CL_PROGRAM_BINARY_SIZES, 0, nullptr, &bytes);
     std::vector<std::size_t> sizes(code == CL_SUCCESS ? bytes / sizeof(std::size_t) : 0);
     if (!sizes.empty()) {
-        code = ask(program, CL_PROGRAM_BINARY_SIZES, bytes, sizes.data(), nullptr);
+        code = ask(program, CL_PROGRAM_BINARY_SIZES, sizes.size() * sizeof(std::size_t), sizes.data(), nullptr);
     }
     return sizes;
 }
