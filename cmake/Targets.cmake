@@ -70,7 +70,9 @@ endfunction()
 
 # A shared library exports what the version script names. Windows has none: the marks in the sources say it there.
 function(vorn_mero_exports target version_script)
-  target_link_options(${target} PRIVATE LINKER:--no-undefined)
+  if(NOT VORN_MERO_SANITIZE) # clang's runtime library is in the program alone
+    target_link_options(${target} PRIVATE LINKER:--no-undefined)
+  endif()
   if(WIN32)
     vorn_mero_marks_exports(${target})
     set_target_properties(${target} PROPERTIES PREFIX "")

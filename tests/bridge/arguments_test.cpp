@@ -1,6 +1,7 @@
 // Each command calls its function, with each field of the block as the argument of its name, and keeps what it returns.
 
 #include "bridge/call_handle.hpp"
+#include "bridge/functions.hpp"
 
 #include <nq/describe.hpp>
 
@@ -38,9 +39,11 @@ word word_of(Argument argument) {
     }
 }
 
-/// What each function of OpenCL does here.
+} // namespace
+
+/// Notes its arguments.
 template <class Result, class... Parameters>
-Result note(char const* name, Parameters... arguments) {
+Result opencl_function(char const* name, Parameters... arguments) {
     calls.push_back({name, {word_of(arguments)...}});
     if constexpr (std::is_pointer_v<Result>) {
         auto const last = std::get<sizeof...(arguments) - 1>(std::tuple(arguments...));
@@ -54,17 +57,7 @@ Result note(char const* name, Parameters... arguments) {
     }
 }
 
-template <class Result, class... Parameters>
-Result result_of(Result (*)(Parameters...));
-
-nq::bridge::functions make_functions() {
-    nq::bridge::functions made{};
-#define ENTRY(entry)                                                                                                   \
-    made.entry = [](auto... arguments) { return note<decltype(result_of(made.entry))>(#entry, arguments...); };
-#include "entry_points.inc"
-#undef ENTRY
-    return made;
-}
+namespace {
 
 /// The names of the parameters of each function, as OpenCL's header has them.
 std::map<std::string, std::vector<std::string>> read_header() {

@@ -9,12 +9,14 @@
 std::size_t unit::allocated = 0;
 std::size_t unit::failing_allocation = 0;
 bool unit::little_memory::there_is = false;
+bool unit::little_memory::was_short = false;
 
 // The array forms and those with a size come here by default.
 void* operator new(std::size_t size) {
-    bool const is_too_large = unit::little_memory::there_is && size > unit::little_memory::largest;
-    bool const fails =
-        !scripted::libnq::is_answering && (++unit::allocated == unit::failing_allocation || is_too_large);
+    bool const is_counted = !scripted::libnq::is_answering;
+    bool const is_too_large = is_counted && unit::little_memory::there_is && size > unit::little_memory::largest;
+    unit::little_memory::was_short = unit::little_memory::was_short || is_too_large;
+    bool const fails = is_counted && (++unit::allocated == unit::failing_allocation || is_too_large);
     if (void* const memory = fails ? nullptr : std::malloc(size != 0 ? size : 1)) {
         return memory;
     }

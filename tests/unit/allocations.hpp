@@ -13,12 +13,16 @@ extern std::size_t failing_allocation;
 struct little_memory {
     static constexpr std::size_t largest = 1 << 20;
 
-    little_memory() { there_is = true; }
+    little_memory() {
+        there_is = true;
+        was_short = false;
+    }
     little_memory(little_memory const&) = delete;
     little_memory& operator=(little_memory const&) = delete;
     ~little_memory() { there_is = false; }
 
     static bool there_is;
+    static bool was_short; ///< Since the last one was made.
 };
 
 /// How many allocations some work makes. The n-th of them fails, counted from 1.
