@@ -254,6 +254,7 @@ void split(std::string const& text) {
 
 extern "C" int LLVMFuzzerInitialize(int*, char***) {
     objects();
+    scripted::libnq::instance().notes_inputs = false;
     answer_queries<clGetPlatformInfo, clGetDeviceInfo, clGetContextInfo, clGetCommandQueueInfo, clGetMemObjectInfo,
                    clGetImageInfo, clGetPipeInfo, clGetSamplerInfo, clGetProgramInfo, clGetProgramBuildInfo,
                    clGetKernelInfo, clGetKernelArgInfo, clGetKernelWorkGroupInfo, clGetKernelSubGroupInfo,

@@ -277,6 +277,7 @@ void perform(operation const& chosen) {
 } // namespace
 
 extern "C" int LLVMFuzzerInitialize(int*, char***) {
+    libnq.notes_inputs = false;
     answer_queries<clGetPlatformInfo, clGetDeviceInfo, clGetContextInfo, clGetCommandQueueInfo, clGetProgramInfo,
                    clGetKernelInfo, clGetEventInfo, clGetEventProfilingInfo>();
     return 0;

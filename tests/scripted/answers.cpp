@@ -162,7 +162,9 @@ template <class Block>
 int perform_as(libnq& self, void* memory, call& record) {
     auto& block = *static_cast<Block*>(memory);
     record.name = name_of<Block>();
-    record.inputs = inputs_of(block);
+    if (self.notes_inputs) {
+        record.inputs = inputs_of(block);
+    }
     record.has_status = requires { block.status; }
     || requires { block.error_code; };
     return answerer<Block>{self, block, record}.run();

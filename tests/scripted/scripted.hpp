@@ -124,6 +124,7 @@ struct SCRIPTED_EXPORT libnq {
 
     // What was called since the start, or since `forget_calls`.
     std::vector<call> calls;
+    bool notes_inputs = true; ///< Of calls; takes longer than all else.
     /// "version", "roots 3 array", "nodes of 71 for 4 0" and "open 1 4": the functions that find and open nodes with
     /// the capacity that they are given, and whether there is an array.
     std::vector<std::string> discovery_calls;
