@@ -9,6 +9,11 @@ namespace {
 
 namespace ez = vorn::mero::easy;
 
+static_assert(ez::kernel_argument<float> && ez::kernel_argument<ez::local<int>> && ez::kernel_argument<ez::array<int>>);
+static_assert(!ez::kernel_argument<float*> && !ez::kernel_argument<std::string> && !ez::kernel_argument<ez::session>);
+static_assert(ez::kernel_argument<ez::basic_array<int, 200>, 200> && !ez::kernel_argument<ez::basic_array<int, 200>>);
+static_assert(ez::element<int> && !ez::element<std::string> && !ez::element_list<std::vector<bool>>);
+
 char const source[] = R"(
     kernel void add(global float const* a, global float const* b, global float* sum, uint n) {
         size_t const i = get_global_id(0);
@@ -65,6 +70,10 @@ SCENARIO(easy_transfers, "easy layer", 120) {
     std::array<std::int32_t, 2> middle{};
     copy.read(middle, 1);
     EXPECT_EQ(middle, (std::array<std::int32_t, 2>{14, 16}));
+    EXPECT_EQ(gpu.array(middle).read(), (numbers{14, 16}));
+    EXPECT_EQ(gpu.array(std::span<std::int32_t const>(middle).subspan(1)).read(), numbers{16});
+    EXPECT_EQ((gpu.template array<std::array<std::int32_t, 2>>({{1, 2}}).size()), 1U); // a list of one pair
+    EXPECT_EQ(gpu.array_over(std::span(middle)).map_read().data(), middle.data());
     copy.fill(5).wait();
     EXPECT_EQ(copy.read(), numbers(4, 5));
     EXPECT_TRUE(gpu.template array<std::int32_t>(0).read().empty());
@@ -107,7 +116,7 @@ SCENARIO(easy_mistakes, "easy layer", 120) {
               }).find("The program has no kernel 'ad'; it has: "),
               0U);
     EXPECT_EQ(refusal<ez::bounds_error>([&] { x.read(nullptr, 3, 6); }),
-              "elements 6 to 9 are not within an array of 8");
+              "elements 6 to 9 are not within an array of 8: ask for fewer, or make a larger array");
     EXPECT_NE(
         refusal<ez::build_failure>([&] { static_cast<void>(gpu.build("kernel void f( {", "-DX")); }).find("with '-DX"),
         std::string::npos);

@@ -37,7 +37,8 @@ SCENARIO(easy_parts, "easy layer", 110) {
     expected[step + 1] = -1;
     EXPECT_EQ(whole.read(), expected);
     EXPECT_EQ(whole.part(3, 0).size(), 0U);
-    EXPECT_EQ(refusal<ez::bounds_error>([&] { part.part(1, 2); }), "elements 1 to 3 are not within an array of 2");
+    EXPECT_EQ(refusal<ez::bounds_error>([&] { part.part(1, 2); }),
+              "elements 1 to 3 are not within an array of 2: ask for fewer, or make a larger array");
     std::string const refused = refusal<ez::bounds_error>([&] { whole.part(1, 2); });
     std::string const wanted = "multiples of " + std::to_string(step) + " elements of 4 bytes";
     std::size_t const huge = (std::size_t{1} << 62) + 4; // 16 bytes, where the size in bytes wraps around

@@ -46,8 +46,11 @@ SCENARIO(easy_shared_memory, "SVM", 200) {
             }
         }
         auto moved = std::move(links);
-        EXPECT_EQ(links.map().size(), 0U); // NOLINT(bugprone-use-after-move): is told
-        EXPECT_THROW(links.fill({}), ez::bounds_error);
+        EXPECT_THROW(links.map(), ez::moved_from); // NOLINT(bugprone-use-after-move): is told
+        EXPECT_THROW(links.fill({}), ez::moved_from);
+        EXPECT_THROW(links.read(), ez::moved_from);
+        EXPECT_NE(refusal<ez::argument_error>([&] { sum(ez::range(1), links, total); }).find("that was moved from"),
+                  std::string::npos);
         sum(ez::range(1), moved, total);
         ++moved.map()[0].value;
         sum(ez::range(1), moved, total); // still runs when the memory goes
@@ -76,6 +79,10 @@ SCENARIO(easy_shared_memory, "SVM", 200) {
     using allocator = ez::basic_shared_allocator<std::int32_t, version>;
     std::vector<std::int32_t, allocator> list(3, 7, allocator(gpu));
     add(ez::range(3), list, 1).wait();
+    auto taken = std::move(list);
+    list.assign(3, 1); // NOLINT(bugprone-use-after-move): its allocator is still there
+    EXPECT_EQ(list.back(), 1);
+    list = std::move(taken);
     list.resize(1000, 0); // in other memory
     add(ez::range(4), list, 1).wait();
     EXPECT_EQ(numbers(list.begin(), list.begin() + 5), (numbers{9, 9, 9, 1, 0}));

@@ -12,7 +12,7 @@
 ///
 /// Templates over one OpenCL version, header only: `session` and its siblings use OpenCL 1.2, `basic_session<200>` and
 /// so on another one. `exact()` of each object is the object beneath, with everything that this layer lacks. Objects of
-/// both layers mix freely. Needs C++17; overloads with `std::span` exist since C++20.
+/// both layers mix freely. Needs C++17; overloads with `std::span`, and concepts, exist since C++20.
 ///
 /// Errors of the layer itself derive from `easy::error` and say what to do. What OpenCL refuses throws the exceptions
 /// of `vorn::mero::common`, as in the exact interface.

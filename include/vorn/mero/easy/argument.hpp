@@ -180,6 +180,17 @@ struct is_object<
     std::void_t<decltype(std::declval<typename api<Version>::kernel&>().set_argument(0U, std::declval<T&>()))>>
     : std::bool_constant<!std::is_arithmetic<T>::value> {};
 
+/// The size of an argument that is local memory.
+template <class Argument>
+struct local_bytes {
+    static constexpr bool is_local = false;
+};
+template <class T>
+struct local_bytes<local<T>> {
+    static constexpr bool is_local = true;
+    static std::size_t of(local<T> const& memory) { return product(memory.count, sizeof(T)); }
+};
+
 /// Whether the traits of a `T` tell the context that it belongs to.
 template <class Traits, class T, class = void>
 struct has_context : std::false_type {};
@@ -206,10 +217,7 @@ struct has_context<Traits, T, std::void_t<decltype(Traits::context(std::declval<
 /// `CL/cl_platform.h`), a structure.
 template <class T, int Version, class = void>
 struct argument_traits {
-    static_assert(!std::is_pointer<T>::value,
-                  "a pointer of the host means nothing to a device: pass an array or shared memory");
-    static_assert(std::is_trivially_copyable<T>::value,
-                  "an argument is an array, an OpenCL object of the kernel's version, or a value without pointers");
+    static constexpr bool is_copied = !std::is_pointer<T>::value && std::is_trivially_copyable<T>::value;
 
     /// Throws `argument_error` for a value of another kind or size than declared.
     static void check(argument_place const& at, T const& value) {
@@ -217,6 +225,10 @@ struct argument_traits {
     }
     /// OpenCL copies the bytes.
     static void set(typename api<Version>::kernel& target, unsigned index, T const& value) {
+        static_assert(!std::is_pointer<T>::value,
+                      "a pointer of the host means nothing to a device: pass an array or shared memory");
+        static_assert(std::is_trivially_copyable<T>::value,
+                      "an argument is an array, an OpenCL object of the kernel's version, or a value without pointers");
         target.set_argument_raw(index, sizeof value, &value);
     }
     /// The value for messages: "the integer 8".
@@ -257,5 +269,14 @@ struct argument_traits<T, Version, std::enable_if_t<detail::is_object<T, Version
     }
     static std::string text(T const&) { return detail::name_of(kind); }
 };
+
+#if __cplusplus >= 202002L
+/// What a kernel of the version takes as an argument: `template <ez::kernel_argument<200>... Arguments>`. Since C++20.
+template <class T, int Version = default_version>
+concept kernel_argument = !requires {
+    argument_traits<T, Version>::is_copied;
+}
+|| argument_traits<T, Version>::is_copied;
+#endif
 
 } // namespace vorn::mero::easy

@@ -21,8 +21,11 @@ namespace detail {
 
 [[noreturn, gnu::cold, gnu::noinline]] inline void refuse_bounds(std::size_t offset, std::size_t count,
                                                                  std::size_t size) {
-    throw bounds_error(joined({"elements ", std::to_string(offset), " to ", std::to_string(offset + count),
-                               " are not within an array of ", std::to_string(size)}));
+    std::size_t const end =
+        count > static_cast<std::size_t>(-1) - offset ? static_cast<std::size_t>(-1) : offset + count;
+    throw bounds_error(
+        joined({"elements ", std::to_string(offset), " to ", std::to_string(end), " are not within an array of ",
+                std::to_string(size), ": ask for fewer, or make a larger array"}));
 }
 
 inline void check_bounds(std::size_t offset, std::size_t count, std::size_t size) {
@@ -32,6 +35,19 @@ inline void check_bounds(std::size_t offset, std::size_t count, std::size_t size
 }
 
 } // namespace detail
+
+#if __cplusplus >= 202002L
+/// What an array has as elements: `template <ez::element T> void sort(ez::array<T>& numbers);`. Since C++20.
+template <class T>
+concept element = std::is_object_v<T> && std::is_trivially_copyable_v<T>;
+
+/// Elements side by side in host memory: a `std::vector`, a `std::array`, a `std::span` and so on. Since C++20.
+template <class List>
+concept element_list = requires(List& list) {
+    std::span(list.data(), list.size());
+}
+&&element<std::remove_pointer_t<decltype(std::declval<List&>().data())>>;
+#endif
 
 /// `size()` elements in a buffer, made by a session. A copy names the same memory. Offsets and counts are in elements.
 ///
@@ -72,12 +88,13 @@ public:
 
     /// The raw handle of its context, which kernels must share; null if it was moved from.
     [[nodiscard]] _nq_cl_context* raw_context() const noexcept {
-        return state_ ? detail::raw_of(state_->context) : nullptr;
+        return state_.get() != nullptr ? detail::raw_of(state_.get()->context) : nullptr;
     }
 
-    /// The same elements, by way of another session's queue; of the same context.
+    /// The same elements, by way of another session's queue; of the same context, else throws `argument_error`.
     template <class Session>
     [[nodiscard]] basic_array on(Session const& other) const {
+        detail::check_same_context(raw_context(), detail::raw_of(other.context()));
         basic_array made(other.state(), exact_, size_);
         made.is_part_ = is_part_;
         return made;
@@ -90,27 +107,30 @@ public:
     /// A copy of all elements.
     [[nodiscard]] std::vector<T> read(waits_type const& earlier = {}) const {
         std::vector<T> values(size_);
+        static_cast<void>(*state_);
         read(values.data(), size_, 0, earlier);
         return values;
     }
 
     /// Copies `count` elements from `offset` on to the host.
     void read(T* destination, std::size_t count, std::size_t offset = 0, waits_type const& earlier = {}) const {
-        detail::check_bounds(offset, count, size_);
+        check_bounds(offset, count);
         if (count != 0) {
-            state_->enqueue_and_wait(typename api<Version>::read_buffer(exact_, earlier.size() == 0, offset * sizeof(T),
-                                                                        count * sizeof(T), destination),
-                                     earlier);
+            state_.get()->enqueue_and_wait(typename api<Version>::read_buffer(exact_, earlier.size() == 0,
+                                                                              offset * sizeof(T), count * sizeof(T),
+                                                                              destination),
+                                           earlier);
         }
     }
 
     /// Copies `count` elements of the host to `offset` and behind.
     void write(T const* source, std::size_t count, std::size_t offset = 0, waits_type const& earlier = {}) {
-        detail::check_bounds(offset, count, size_);
+        check_bounds(offset, count);
         if (count != 0) {
-            state_->enqueue_and_wait(typename api<Version>::write_buffer(exact_, earlier.size() == 0,
-                                                                         offset * sizeof(T), count * sizeof(T), source),
-                                     earlier);
+            state_.get()->enqueue_and_wait(typename api<Version>::write_buffer(exact_, earlier.size() == 0,
+                                                                               offset * sizeof(T), count * sizeof(T),
+                                                                               source),
+                                           earlier);
         }
     }
 
@@ -132,14 +152,14 @@ public:
     /// Reads `count` elements from `offset` on into the program's memory. Does not block; the result's destructor does.
     transfer_type read_async(T* destination, std::size_t count, std::size_t offset = 0,
                              waits_type const& earlier = {}) const {
-        detail::check_bounds(offset, count, size_);
+        check_bounds(offset, count);
         return transfer_type(enqueue_read(destination, count, offset, earlier));
     }
 
     /// Writes the elements of a list that the session keeps until they are written. Does not block. The memory goes
     /// with a later asynchronous write, `session::finish` or the session.
     event_type write_async(std::vector<T>&& values, std::size_t offset = 0, waits_type const& earlier = {}) {
-        detail::check_bounds(offset, values.size(), size_);
+        check_bounds(offset, values.size());
         auto const kept = std::make_shared<std::vector<T>>(std::move(values));
         auto written = enqueue_write(kept->data(), kept->size(), offset, earlier);
         try {
@@ -154,7 +174,7 @@ public:
     /// Writes `count` elements of the program's memory. Does not block; the result's destructor does.
     transfer_type write_async(T const* source, std::size_t count, std::size_t offset = 0,
                               waits_type const& earlier = {}) {
-        detail::check_bounds(offset, count, size_);
+        check_bounds(offset, count);
         return transfer_type(enqueue_write(source, count, offset, earlier));
     }
 
@@ -200,7 +220,7 @@ public:
         static_assert(Version >= 120, "OpenCL fills since 1.2; write a vector instead");
         static_assert(sizeof(T) <= 128 && (sizeof(T) & (sizeof(T) - 1)) == 0,
                       "OpenCL fills with patterns of 1, 2, 4, ... 128 bytes");
-        detail::check_bounds(offset, count, size_);
+        check_bounds(offset, count);
         using fill_buffer = typename api<Version>::template fill_buffer<T>;
         return count == 0 ? state_->enqueue_nothing(earlier)
                           : state_->enqueue(fill_buffer(exact_, value, offset * sizeof(T), count), earlier);
@@ -214,8 +234,9 @@ public:
     /// Copies `count` elements from `from` on to another array, there from `to` on. Does not block.
     event_type copy_to(basic_array& destination, std::size_t from, std::size_t to, std::size_t count,
                        waits_type const& earlier = {}) const {
-        detail::check_bounds(from, count, size_);
-        detail::check_bounds(to, count, destination.size_);
+        check_bounds(from, count);
+        destination.check_bounds(to, count);
+        detail::check_same_context(raw_context(), destination.raw_context());
         using copy_buffer = typename api<Version>::copy_buffer;
         return count == 0 ? state_->enqueue_nothing(earlier)
                           : state_->enqueue(copy_buffer(exact_, destination.exact_, from * sizeof(T), to * sizeof(T),
@@ -256,6 +277,16 @@ public:
 private:
     using flags = typename api<Version>::map_flags;
 
+    void check_bounds(std::size_t offset, std::size_t count) const {
+        if (offset > size_ || count > size_ - offset) {
+            refuse_bounds(offset, count);
+        }
+    }
+
+    [[noreturn, gnu::cold, gnu::noinline]] void refuse_bounds(std::size_t offset, std::size_t count) const {
+        detail::refuse_bounds(offset, count, (static_cast<void>(*state_), size_));
+    }
+
     event_type enqueue_read(T* destination, std::size_t count, std::size_t offset, waits_type const& earlier) const {
         using read_buffer = typename api<Version>::read_buffer;
         return count == 0
@@ -274,7 +305,8 @@ private:
     template <class Element>
     mapped_array<Element, Version> map_as(flags how, std::size_t offset, std::size_t count,
                                           waits_type const& earlier) const {
-        detail::check_bounds(offset, count, size_);
+        check_bounds(offset, count);
+        static_cast<void>(*state_);
         return {state_, exact_, how, offset, count, earlier};
     }
 
@@ -290,16 +322,16 @@ private:
                             std::to_string(sizeof(T)), " bytes; a kernel can take the offset as an argument instead"}));
     }
 
-    std::shared_ptr<detail::session_state<Version>> state_;
+    detail::session_link<Version> state_;
     exact_type exact_;
-    std::size_t size_;
+    detail::zero_once_moved<std::size_t> size_; // so that no region is within it
     bool is_part_;
 };
 
 template <class T, int Version>
 basic_array<T, Version> basic_array<T, Version>::part(std::size_t offset, std::size_t count) {
     static_assert(Version >= 110, "OpenCL has parts of buffers since 1.1");
-    detail::check_bounds(offset, count, size_);
+    check_bounds(offset, count);
     if (count == 0) { // OpenCL has no empty ones
         return {state_, exact_, 0};
     }

@@ -2,6 +2,7 @@
 
 #include <vorn/mero/easy/embedded.hpp>
 #include <vorn/mero/easy/program.hpp>
+#include <vorn/mero/easy/session_state.hpp>
 
 #include <algorithm>
 #include <cerrno>
@@ -156,7 +157,13 @@ public:
                 detail::joined({state_->device.name(), " takes no intermediate language: build the program "
                                                        "from source"}));
         }
-        return made(state_->context.create_program_from_il(il), options);
+        try {
+            return made(state_->context.create_program_from_il(il), options);
+        } catch (common::logic_error const& refused) {
+            std::throw_with_nested(build_failure(
+                state_->device.name(), options.text(),
+                detail::joined({refused.what(), " It must be ", il_version(), ", as `spirv-val` can tell."})));
+        }
     }
 
     /// From `program::binary()` of the same device under the same driver; `binary_cache` keeps track of that. Some
@@ -219,13 +226,16 @@ protected:
     /// For the session that builds.
     explicit basic_builder(std::shared_ptr<detail::session_state<Version>> state) noexcept : state_(std::move(state)) {}
 
-    std::shared_ptr<detail::session_state<Version>> state_; ///< What the programs keep alive.
+    detail::session_link<Version> state_; ///< What the programs keep alive.
 
 private:
     friend class binary_cache; // which has read the file
 
     template <class Sources>
     basic_program<Version> build_parts(Sources const& sources, build_options const& options) const {
+        if (sources.size() == 0) {
+            refuse_nothing(options);
+        }
         std::string all;
         std::size_t number = 0;
         for (auto const& each : sources) {
@@ -237,6 +247,9 @@ private:
     /// From the texts of files, each behind its path.
     basic_program<Version> build_read(std::vector<std::pair<std::string, std::string>> const& files,
                                       build_options const& options) const {
+        if (files.empty()) {
+            refuse_nothing(options);
+        }
         std::string source;
         std::string names;
         std::vector<std::string> folders;
@@ -251,6 +264,11 @@ private:
             }
         }
         return made(state_->context.create_program_from_source(source), with, names);
+    }
+
+    [[noreturn, gnu::cold, gnu::noinline]] void refuse_nothing(build_options const& options) const {
+        throw build_failure(state_->device.name(), options.text(),
+                            "There is nothing to build it from: give at least one source, file or part.");
     }
 
     static build_options checked(build_options options) {
@@ -275,15 +293,23 @@ private:
     typename exact_api::program linked(std::vector<basic_compiled<Version>> const& parts,
                                        build_options const& options) const {
         static_assert(Version >= 120, "OpenCL links since 1.2");
+        if (parts.empty()) {
+            refuse_nothing(options);
+        }
         std::vector<typename exact_api::program> programs;
         programs.reserve(parts.size());
         for (auto const& each : parts) {
+            if (detail::raw_of(each.exact()) == nullptr) {
+                detail::refuse_moved_from();
+            }
             programs.push_back(each.exact());
         }
         try {
             return state_->context.link_programs({state_->device}, programs, options.text(), nullptr, nullptr);
         } catch (common::error const& refused) { // OpenCL drops the linker's log with the program
-            std::throw_with_nested(build_failure(state_->device.name(), options.text(), refused.what()));
+            std::throw_with_nested(build_failure(
+                state_->device.name(), options.text(),
+                detail::joined({refused.what(), " OpenCL tells no more: look for a function that no part defines."})));
         }
     }
 };

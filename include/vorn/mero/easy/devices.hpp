@@ -50,6 +50,9 @@ public:
 
     /// These devices, or sub-devices; a device that is listed twice has two queues.
     explicit basic_devices(std::vector<device_type> const& list) {
+        if (list.empty()) {
+            throw no_device("The list of devices is empty: ask `find_devices`, or partition a device");
+        }
         auto left = list;
         while (!left.empty()) {
             auto const platform = left.front().get_platform();

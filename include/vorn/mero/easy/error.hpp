@@ -128,7 +128,37 @@ public:
     using error::error;
 };
 
+/// An object was used that was moved from.
+class moved_from : public error {
+public:
+    using error::error;
+};
+
 namespace detail {
+
+[[noreturn, gnu::cold, gnu::noinline]] inline void refuse_moved_from() {
+    throw moved_from("An object was used that was moved from: use the one that it was moved to");
+}
+
+/// A value that is zero once it was moved from.
+template <class T>
+class zero_once_moved {
+public:
+    constexpr zero_once_moved(T value) noexcept : value_(value) {}
+    constexpr zero_once_moved(zero_once_moved&& other) noexcept : value_(std::exchange(other.value_, T{})) {}
+    constexpr zero_once_moved& operator=(zero_once_moved&& other) noexcept {
+        value_ = std::exchange(other.value_, T{});
+        return *this;
+    }
+    constexpr zero_once_moved(zero_once_moved const&) noexcept = default;
+    constexpr zero_once_moved& operator=(zero_once_moved const&) noexcept = default;
+    ~zero_once_moved() = default;
+
+    constexpr operator T const&() const noexcept { return value_; }
+
+private:
+    T value_;
+};
 
 /// The product of a number of things and the number or size of what each has.
 constexpr std::size_t product(std::size_t count, std::size_t each) {

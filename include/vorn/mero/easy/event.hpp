@@ -1,6 +1,6 @@
 #pragma once
 
-#include <vorn/mero/easy/host_event.hpp>
+#include <vorn/mero/easy/continuation.hpp>
 
 #include <array>
 #include <chrono>
@@ -40,6 +40,19 @@ public:
     explicit basic_event(std::shared_ptr<detail::host_event<Version>> host)
         : exact_(host->event()), host_(std::move(host)) {}
 
+    /// @{
+    /// Throws `moved_from` for an event that was moved from.
+    basic_event(basic_event const& other) : exact_(other.there()), host_(other.host_) {}
+    basic_event& operator=(basic_event const& other) {
+        exact_ = other.there();
+        host_ = other.host_;
+        return *this;
+    }
+    /// @}
+    basic_event(basic_event&&) noexcept = default;
+    basic_event& operator=(basic_event&&) noexcept = default;
+    ~basic_event() = default;
+
     /// The event of the exact interface.
     [[nodiscard]] exact_type& exact() noexcept { return exact_; }
     /// The same of an object that does not change.
@@ -51,7 +64,7 @@ public:
         if (host_) {
             host_->wait();
         } else {
-            detail::wait_for<Version>(exact_);
+            detail::wait_for<Version>(there());
         }
     }
 
@@ -59,7 +72,7 @@ public:
     /// result of `then` it may call the function. Some implementations run no command before `session::flush` or a
     /// wait.
     [[nodiscard]] bool done() const {
-        return host_ ? host_->done() : exact_.execution_status() <= api<Version>::event_execution_status::complete;
+        return host_ ? host_->done() : there().execution_status() <= api<Version>::event_execution_status::complete;
     }
 
     /// Has the function called once when the command has succeeded, and flushes the command's queue. The result ends
@@ -76,7 +89,7 @@ public:
         static_assert(Version >= 110, "OpenCL calls back since 1.1; wait for the event instead");
         static_assert(std::is_invocable<std::decay_t<Function>&>::value, "the function takes no arguments");
         auto const made = std::make_shared<detail::continuation<Version, std::decay_t<Function>>>(
-            exact_, host_, std::forward<Function>(function));
+            there(), host_, std::forward<Function>(function));
         made->start(made);
         return basic_event(std::shared_ptr<detail::host_event<Version>>(made));
     }
@@ -105,6 +118,13 @@ private:
     template <int, std::size_t>
     friend class wait_list;
 
+    exact_type& there() const {
+        if (detail::raw_of(exact_) == nullptr) {
+            detail::refuse_moved_from();
+        }
+        return exact_;
+    }
+
     /// What a wait list holds of it. Throws what it failed with, if that is known: some implementations never start,
     /// and never end, a command that is enqueued after an event that has failed.
     template <class Take>
@@ -117,7 +137,7 @@ private:
                 take(detail::raw_of(*origin));
             }
         }
-        take(detail::raw_of(exact_));
+        take(detail::raw_of(there()));
     }
 
     mutable exact_type exact_; // its own queries are not const

@@ -8,16 +8,14 @@
 #include <nq/commands.hpp>
 #include <vorn/mero/internal/call_capability.hpp>
 
-#include <array>
 #include <atomic>
 #include <condition_variable>
 #include <cstddef>
 #include <cstdint>
 #include <exception>
-#include <map>
+#include <list>
 #include <memory>
 #include <mutex>
-#include <optional>
 #include <utility>
 #include <vector>
 
@@ -72,10 +70,19 @@ inline common::error_code status_of(std::exception_ptr const& failure) noexcept 
         std::rethrow_exception(failure);
     } catch (common::opencl_error const& refused) {
         return refused.code();
-    } catch (...) {
-        return common::error_code::exec_status_error_for_events_in_wait_list;
+    } catch (common::unknown_opencl_error const& refused) {
+        if (refused.value() < 0) { // an event fails with a negative status
+            return common::error_code(refused.value());
+        }
+    } catch (...) { // none of OpenCL's
     }
+    return common::error_code::exec_status_error_for_events_in_wait_list;
 }
+
+class follower;
+
+/// Followers to be told, each with what its command failed with.
+using followers = std::list<std::pair<std::shared_ptr<follower>, std::exception_ptr>>;
 
 /// What is told, from any thread, that a command has ended; at least once, with null if it succeeded.
 class follower {
@@ -84,10 +91,28 @@ public:
     follower(follower const&) = delete;
     follower& operator=(follower const&) = delete;
     virtual ~follower() = default;
-    virtual void ended(std::exception_ptr const& failure) noexcept = 0;
+    /// Puts those that follow it in turn to the front of `next`; whoever calls tells them. So a chain of any length
+    /// needs no more stack than one.
+    virtual void ended(std::exception_ptr const& failure, followers& next) noexcept = 0;
     /// Finds out by itself that the command has failed.
-    virtual void look() noexcept {}
+    virtual void look_for_failure() noexcept {}
 };
+
+/// Tells them, and those that follow them.
+inline void tell_all(followers next) noexcept {
+    while (!next.empty()) {
+        followers one;
+        one.splice(one.begin(), next, next.begin());
+        one.front().first->ended(one.front().second, next);
+    }
+}
+
+/// Tells one, and those that follow it.
+inline void tell_one(follower& each, std::exception_ptr const& failure) noexcept {
+    followers next;
+    each.ended(failure, next);
+    tell_all(std::move(next));
+}
 
 /// The host's side of an event that the host ends. Threads may share it.
 template <int Version>
@@ -103,14 +128,42 @@ public:
     /// The command that must succeed first, null if there is none. Implementations that do not call back for a failed
     /// command fail at least the commands that wait for it; so wait lists hold both.
     virtual typename api<Version>::event const* origin() const noexcept = 0;
-    /// Whether it has ended. Finds out by itself that the origin failed.
-    virtual bool done() = 0;
-    /// Blocks until it has ended. Rethrows what it failed with.
-    virtual void wait() = 0;
+    /// What it follows, if that is the host's too; null once it has ended.
+    virtual std::shared_ptr<host_event> before() const = 0;
+    /// Whether it has ended. Ends it if it follows a command, and that has.
+    virtual bool look() = 0;
+    /// Blocks until it has ended, for which what it follows has to end. What it failed with.
+    virtual std::exception_ptr settle() = 0;
     /// Rethrows what it failed with, if it has.
     virtual void check() = 0;
     /// Tells a follower when it ends, at once if it has.
     virtual void tell(std::shared_ptr<follower> each) = 0;
+
+    /// Whether it has ended. Finds out by itself that the origin has.
+    bool done() {
+        auto first = before();
+        for (auto next = first; next; next = next->before()) {
+            first = next;
+        }
+        if (first) {
+            first->look();
+        }
+        return look();
+    }
+
+    /// Blocks until it has ended. Rethrows what it failed with.
+    void wait() {
+        std::vector<std::shared_ptr<host_event>> earlier;
+        for (auto each = before(); each; each = each->before()) {
+            earlier.push_back(each);
+        }
+        for (; !earlier.empty(); earlier.pop_back()) { // in their order, so that none has to wait for several
+            earlier.back()->settle();
+        }
+        if (auto const failure = settle()) {
+            std::rethrow_exception(failure);
+        }
+    }
 };
 
 /// A user event with its host's side. Whoever claims it ends it, once.
@@ -119,39 +172,47 @@ class promised_event : public host_event<Version> {
 public:
     using exact_type = typename api<Version>::event;
 
-    /// Makes the user event.
-    explicit promised_event(typename api<Version>::context context) : promise_(context.create_user_event()) {}
+    /// Makes the user event, to be ended after what it follows; null if that is nothing of the host.
+    explicit promised_event(typename api<Version>::context context, std::shared_ptr<host_event<Version>> before = {})
+        : promise_(context.create_user_event()), before_(std::move(before)) {}
 
     exact_type event() const override { return promise_.get_event(); }
     exact_type const* origin() const noexcept override { return nullptr; }
-    bool done() override { return has_ended(); }
+    bool look() override { return has_ended(); }
 
-    void wait() override {
+    std::shared_ptr<host_event<Version>> before() const override {
+        std::lock_guard<std::mutex> const lock(guard_);
+        return before_;
+    }
+
+    std::exception_ptr settle() override {
         std::unique_lock<std::mutex> lock(guard_);
         changed_.wait(lock, [this] { return has_ended_; });
-        rethrow();
+        return failure_;
     }
 
     void check() override {
         std::lock_guard<std::mutex> const lock(guard_);
-        rethrow();
+        if (failure_) {
+            std::rethrow_exception(failure_);
+        }
     }
 
     void tell(std::shared_ptr<follower> each) override {
         std::unique_lock<std::mutex> lock(guard_);
         if (!has_ended_) {
-            followers_.push_back(std::move(each));
+            followers_.emplace_back(std::move(each), nullptr);
             return;
         }
         lock.unlock();
-        each->ended(failure_);
+        tell_one(*each, failure_);
     }
 
     /// True for the first call.
     bool claim() noexcept { return !is_claimed_.exchange(true); }
 
-    /// For who claimed it: lets everything that waits for it start, or fail.
-    void end(std::exception_ptr const& failure) noexcept {
+    /// For who claimed it: lets everything that waits for it start, or fail. Puts its followers to the front of `next`.
+    void end(std::exception_ptr const& failure, followers& next) noexcept {
         try {
             if (failure) {
                 promise_.set_status_failure(status_of(failure));
@@ -160,185 +221,40 @@ public:
             }
         } catch (std::exception const&) { // OpenCL is gone; the waiting threads of the host must not hang
         }
-        std::unique_lock<std::mutex> lock(guard_);
+        std::shared_ptr<host_event<Version>> earlier; // goes when the lock has gone
+        std::lock_guard<std::mutex> const lock(guard_);
         failure_ = failure;
         has_ended_ = true;
-        auto const followers = std::move(followers_);
-        changed_.notify_all();
-        lock.unlock();
-        for (auto const& each : followers) {
-            each->ended(failure);
+        earlier.swap(before_);
+        for (auto& [each, its_failure] : followers_) {
+            its_failure = failure;
         }
+        next.splice(next.begin(), followers_);
+        changed_.notify_all();
+    }
+
+    /// The same, and tells the followers.
+    void end(std::exception_ptr const& failure) noexcept {
+        followers next;
+        end(failure, next);
+        tell_all(std::move(next));
     }
 
 protected:
-    bool has_ended() {
+    bool has_ended() const {
         std::lock_guard<std::mutex> const lock(guard_);
         return has_ended_;
     }
 
 private:
-    void rethrow() const {
-        if (failure_) {
-            std::rethrow_exception(failure_);
-        }
-    }
-
     typename api<Version>::event_promise promise_;
     std::atomic<bool> is_claimed_ = false;
-    std::mutex guard_;
+    std::shared_ptr<host_event<Version>> before_;
+    mutable std::mutex guard_;
     std::condition_variable changed_;
     bool has_ended_ = false;
     std::exception_ptr failure_; // does not change once it has ended
-    std::vector<std::shared_ptr<follower>> followers_;
-};
-
-/// What OpenCL calls back for. Not every callback comes: so OpenCL is given a number, not an address, what no longer
-/// waits for its callback takes itself off the list, and each addition has two of the others look for themselves.
-class callback_list {
-public:
-    /// Sets the follower's number.
-    void add(std::shared_ptr<follower> each, std::uintptr_t& number) {
-        std::array<std::shared_ptr<follower>, 2> others;
-        {
-            std::lock_guard<std::mutex> const lock(guard_);
-            for (auto& other : others) {
-                auto const next = followers_.upper_bound(looked_);
-                looked_ = next == followers_.end() ? 0 : next->first;
-                other = next == followers_.end() ? nullptr : next->second;
-            }
-            followers_.emplace(++last_, std::move(each));
-            number = last_;
-        }
-        for (auto const& other : others) {
-            if (other) {
-                other->look();
-            }
-        }
-    }
-
-    /// Null if it is not on the list.
-    std::shared_ptr<follower> take(std::uintptr_t number) noexcept {
-        std::lock_guard<std::mutex> const lock(guard_);
-        auto const found = followers_.find(number);
-        if (found == followers_.end()) {
-            return nullptr;
-        }
-        auto taken = std::move(found->second);
-        followers_.erase(found);
-        return taken;
-    }
-
-    /// The list of the process; never destroyed, since implementations may call back while the process ends.
-    static callback_list& all() {
-        static auto& list = *new callback_list;
-        return list;
-    }
-
-    /// The function for OpenCL.
-    static void call(_nq_cl_event* /*event*/, int status, void* number) {
-        if (auto const taken = all().take(reinterpret_cast<std::uintptr_t>(number))) {
-            taken->ended(exception_of(status));
-        }
-    }
-
-private:
-    std::mutex guard_;
-    std::uintptr_t last_ = 0;
-    std::uintptr_t looked_ = 0; // the last that was asked to look
-    std::map<std::uintptr_t, std::shared_ptr<follower>> followers_;
-};
-
-/// A function that runs when a command has succeeded: in a callback, or in whoever waits or asks for it and finds that
-/// no callback came.
-template <int Version, class Function>
-class continuation final : public promised_event<Version>, public follower {
-public:
-    using exact_type = typename api<Version>::event;
-
-    /// `before` is the host's side of `source`, null for a command.
-    continuation(exact_type source, std::shared_ptr<host_event<Version>> before, Function function)
-        : promised_event<Version>(source.get_context()), source_(std::move(source)), before_(std::move(before)),
-          function_(std::move(function)) {}
-
-    /// Asks to be told. Called once, with what owns this.
-    void start(std::shared_ptr<follower> self) {
-        if (before_) {
-            before_->tell(std::move(self));
-            return;
-        }
-        callback_list::all().add(std::move(self), number_);
-        try {
-            using when = typename api<Version>::commmand_exec_callback_type;
-            void* const number = reinterpret_cast<void*>(number_); // NOLINT(performance-no-int-to-ptr): no address
-            source_.set_callback(when::complete, callback_list::call, number);
-            if (source_.has_associated_command_queue()) {
-                source_.get_command_queue().flush(); // some run no command before
-            }
-        } catch (...) {
-            callback_list::all().take(number_);
-            throw;
-        }
-        done(); // some do not call back for what has ended already
-    }
-
-    exact_type const* origin() const noexcept override { return before_ ? before_->origin() : &source_; }
-
-    bool done() override {
-        if (before_) {
-            before_->done();
-        } else if (!this->has_ended()) {
-            using status = typename api<Version>::event_execution_status;
-            if (source_.execution_status() <= status::complete) {
-                ended(exception_of(static_cast<std::int32_t>(source_.error_code())));
-            }
-        }
-        return this->has_ended();
-    }
-
-    void look() noexcept override {
-        try {
-            auto const status = source_.error_code();
-            if (status != common::error_code::success) {
-                ended(exception_of(static_cast<std::int32_t>(status)));
-            }
-        } catch (std::exception const&) { // it waits on
-        }
-    }
-
-    void wait() override {
-        std::exception_ptr failure;
-        try {
-            before_ ? before_->wait() : wait_for<Version>(source_);
-        } catch (...) {
-            failure = std::current_exception();
-        }
-        ended(failure);
-        promised_event<Version>::wait();
-    }
-
-    void ended(std::exception_ptr const& failure) noexcept override {
-        if (!this->claim()) {
-            return;
-        }
-        std::exception_ptr outcome = failure;
-        try {
-            if (!failure) {
-                (*function_)();
-            }
-        } catch (...) {
-            outcome = std::current_exception();
-        }
-        function_.reset();
-        this->end(outcome);
-        callback_list::all().take(number_);
-    }
-
-private:
-    exact_type source_;
-    std::shared_ptr<host_event<Version>> before_;
-    std::optional<Function> function_;
-    std::uintptr_t number_ = 0;
+    followers followers_;
 };
 
 } // namespace vorn::mero::easy::detail

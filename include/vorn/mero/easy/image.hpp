@@ -112,8 +112,9 @@ inline std::string size_text(std::array<std::size_t, 3> const& size) {
 inline void check_region(image_region const& region, std::array<std::size_t, 3> const& size) {
     for (std::size_t i = 0; i != size.size(); ++i) {
         if (region.size[i] == 0 || region.origin[i] > size[i] || region.size[i] > size[i] - region.origin[i]) {
-            throw bounds_error(joined({"a region of ", size_text(region.size), " from ", size_text(region.origin),
-                                       " is empty or not within an image of ", size_text(size)}));
+            throw bounds_error(
+                joined({"a region of ", size_text(region.size), " from ", size_text(region.origin),
+                        " is empty or not within an image of ", size_text(size), ": ask for a part of it"}));
         }
     }
 }
@@ -171,14 +172,15 @@ public:
 
     /// The raw handle of its context, which kernels must share; null if it was moved from.
     [[nodiscard]] _nq_cl_context* raw_context() const noexcept {
-        return state_ ? detail::raw_of(state_->context) : nullptr;
+        return state_.get() != nullptr ? detail::raw_of(state_.get()->context) : nullptr;
     }
     /// All of the image.
     [[nodiscard]] image_region whole() const noexcept { return {{0, 0, 0}, size_}; }
 
-    /// The same image, by way of another session's queue; of the same context.
+    /// The same image, by way of another session's queue; of the same context, else throws `argument_error`.
     template <class Session>
     [[nodiscard]] basic_image on(Session const& other) const {
+        detail::check_same_context(raw_context(), detail::raw_of(other.context()));
         basic_image same = *this;
         same.state_ = other.state();
         return same;
@@ -237,6 +239,7 @@ public:
                        size_type const& origin, waits_type const& earlier = {}) const {
         detail::check_region(region, size_);
         detail::check_region({origin, region.size}, destination.size());
+        detail::check_same_context(raw_context(), destination.raw_context());
         using copy_image = typename api<Version>::copy_image;
         return state_->enqueue(copy_image(exact_, destination.exact(), region.origin, origin, region.size), earlier);
     }
@@ -295,45 +298,61 @@ private:
         try {
             return kind::make(state_->context, size, mem_flags::read_write,
                               typename api<Version>::image_format(Format::order, Format::type));
-        } catch (common::image_format_not_supported const&) {
-            refuse_format();
-        } catch (common::invalid_image_format_descriptor const&) {
-            refuse_format();
-        } catch (common::invalid_operation const&) {
-            refuse_format(); // without images at all
-        } catch (common::invalid_image_size const&) {
-            throw bounds_error(detail::joined({"The device has no image of ", detail::size_text(size),
-                                               " pixels: ask its image_2d_max_width() and the siblings"}));
+        } catch (common::error const&) { // each implementation has its own
+            explain(size);
+            throw;
         }
     }
 
-    [[noreturn, gnu::cold, gnu::noinline]] void refuse_format() const {
+    /// Called while OpenCL's exception is handled: throws what is wrong with format or size, if that can be told.
+    [[gnu::cold, gnu::noinline]] void explain(size_type const& size) const {
+        std::string const wanted = detail::format_name(Format::order, Format::type);
         std::string list;
+        bool is_listed = false;
         if (state_->device.image_support()) {
             for (auto const& each : kind::formats(state_->context, mem_flags::read_write)) {
-                list += list.empty() ? " of this format; it has: " : ", ";
-                list += detail::format_name(static_cast<std::uint32_t>(each.channel_order),
-                                            static_cast<std::uint32_t>(each.channel_data_type));
+                auto const name = detail::format_name(static_cast<std::uint32_t>(each.channel_order),
+                                                      static_cast<std::uint32_t>(each.channel_data_type));
+                is_listed = is_listed || name == wanted;
+                list += detail::joined({list.empty() ? " of this format; it has: " : ", ", name});
             }
         }
-        throw unsupported(detail::joined({state_->device.name(), " has no images",
-                                          list.empty() ? ": use arrays, or choose a device that has images" : list,
-                                          ". Wanted: ", detail::format_name(Format::order, Format::type)}));
+        if (!is_listed) {
+            throw unsupported(detail::joined({state_->device.name(), " has no images",
+                                              list.empty() ? ": use arrays, or choose a device that has images" : list,
+                                              ". Wanted: ", wanted}));
+        }
+        auto const& device = state_->device;
+        size_type const flat{device.image2d_max_width(), device.image2d_max_height(), 1};
+        size_type const deep{device.image3d_max_width(), device.image3d_max_height(), device.image3d_max_depth()};
+        size_type const& largest = Kind == image_kind::three ? deep : flat;
+        std::size_t const bytes = device.max_mem_alloc_size();
+        std::size_t const row = size[0] * sizeof(pixel_type);
+        bool const is_empty = size[0] == 0 || size[1] == 0 || size[2] == 0;
+        bool const is_large = size[0] > largest[0] || size[1] > largest[1] || row > bytes ||
+                              (!is_empty && size[1] > bytes / row / size[2]);
+        if (is_empty || is_large) {
+            throw bounds_error(detail::joined({device.name(), " has no image of ", detail::size_text(size),
+                                               " pixels: there is at least one in each direction, at most ",
+                                               detail::size_text(largest), " and ", std::to_string(bytes), " bytes"}));
+        }
     }
 
     void check_both(image_region const& region, basic_array<pixel_type, Version> const& other,
                     std::size_t offset) const {
         detail::check_region(region, size_);
+        detail::check_same_context(raw_context(), other.raw_context());
         detail::check_bounds(offset, region.size[0] * region.size[1] * region.size[2], other.size());
     }
 
     template <class Pixel>
     mapped_image<Pixel, Version> map_as(flags how, image_region const& region, waits_type const& earlier) const {
         detail::check_region(region, size_);
+        static_cast<void>(*state_);
         return {state_, exact_, how, region, Kind != image_kind::one_array, earlier};
     }
 
-    std::shared_ptr<detail::session_state<Version>> state_;
+    detail::session_link<Version> state_;
     exact_type exact_;
     size_type size_;
 };

@@ -87,7 +87,7 @@ public:
     [[nodiscard]] std::string const& name() const noexcept { return name_; }
 
     /// The device that it runs on, of the exact interface.
-    [[nodiscard]] typename api<Version>::device const& device() const noexcept { return session_->device; }
+    [[nodiscard]] typename api<Version>::device const& device() const { return session_->device; }
 
     /// Sets the arguments and enqueues a launch on the session's queue. Does not block. Throws `argument_error` when an
     /// argument does not fit and `launch_error` when OpenCL refuses the launch; OpenCL's own exception is nested.
@@ -116,6 +116,7 @@ public:
     /// language: a type with `argument_traits` of its own holds any of them.
     template <class Argument>
     event_type launch(range const& over, waits<Version> const& earlier, std::vector<Argument> const& arguments) {
+        check_offset(over);
         if (arguments.size() != parameters_.size()) {
             refuse_count(arguments.size());
         }
@@ -129,14 +130,20 @@ public:
 private:
     template <class... Arguments>
     event_type enqueue(range const& over, unsigned count, _nq_cl_event* const* list, Arguments const&... arguments) {
+        check_offset(over);
         set_arguments(arguments...);
         return start(over, count, list);
     }
 
-    event_type start(range const& over, unsigned count, _nq_cl_event* const* list) {
+    void check_offset(range const& over) const {
         if (Version < 110 && over.offset() != std::array<std::size_t, 3>{}) {
-            throw argument_error(detail::joined({"kernel '", name_, "': OpenCL launches from an offset since 1.1"}));
+            throw unsupported(detail::joined({"kernel '", name_, "' over ", over.text(),
+                                              ": OpenCL launches from an offset since 1.1: use ez::basic_session<110>, "
+                                              "or pass the offset as an argument"}));
         }
+    }
+
+    event_type start(range const& over, unsigned count, _nq_cl_event* const* list) {
         try {
             return event_type(session_->queue.enqueue_command(detail::launch<Version>(exact_, over), count, list));
         } catch (common::error const& refused) {
@@ -145,6 +152,7 @@ private:
     }
 
     [[noreturn, gnu::cold, gnu::noinline]] void refuse_count(std::size_t given) const {
+        static_cast<void>(*session_);
         std::string wanted;
         for (auto const& each : parameters_) {
             wanted +=
@@ -163,14 +171,37 @@ private:
             traits::check(at, argument);
         }
         if constexpr (detail::has_context<traits, Argument>::value) { // not every implementation compares them
-            if (auto const* const context = traits::context(argument); context != detail::raw_of(session_->context)) {
+            if (auto const* const context = traits::context(argument);
+                context != detail::raw_of(session_.get()->context)) {
                 refuse_context(at, traits::text(argument), context == nullptr);
             }
+        }
+        std::size_t local_bytes = 0;
+        if constexpr (detail::local_bytes<Argument>::is_local) {
+            local_bytes = detail::local_bytes<Argument>::of(argument);
+        }
+        if (local_bytes > every_device_has) {
+            check_local(at, local_bytes, local_bytes);
         }
         try {
             traits::set(exact_, index, argument);
         } catch (common::error const& refused) {
             refuse_argument(at, traits::text(argument), refused);
+        }
+        if (local_bytes > every_device_has) {
+            check_local(at, local_bytes, exact_.local_mem_size(session_->device)); // with the other arguments
+        }
+    }
+
+    static constexpr std::size_t every_device_has = 16384; // bytes of local memory; more are worth a question
+
+    /// PoCL ends the process at the launch where there is not enough for all, Oclgrind allocates it.
+    [[gnu::cold, gnu::noinline]] void check_local(argument_place const& at, std::size_t bytes, std::size_t all) const {
+        std::size_t const most = session_->device.local_mem_size();
+        if (all > most) {
+            throw argument_error(detail::joined({at.text(), " was given ", std::to_string(bytes),
+                                                 " bytes of local memory, but a work-group has ", std::to_string(most),
+                                                 " here for everything: use smaller work-groups"}));
         }
     }
 
@@ -178,7 +209,7 @@ private:
                                                                       bool is_empty) {
         throw argument_error(detail::joined(
             {at.text(), " was given ", what,
-             is_empty ? " that was moved from"
+             is_empty ? " that was moved from: pass the object that it was moved to"
                       : " of another context: make it by the kernel's session, or by one of its `another_queue`"}));
     }
 
@@ -190,8 +221,11 @@ private:
 
     /// Called while OpenCL's exception is handled.
     [[noreturn, gnu::cold, gnu::noinline]] void refuse_launch(range const& over, common::error const& refused) const {
-        std::throw_with_nested(launch_error(
-            detail::joined({"kernel '", name_, "' over ", over.text(), ": ", refused.what(), launch_advice(over)})));
+        std::throw_with_nested(
+            launch_error(detail::joined({"kernel '", name_, "' over ", over.text(), ": ", refused.what(),
+                                         dynamic_cast<common::invalid_context const*>(&refused) != nullptr
+                                             ? "; the list of `after` has an event of another context"
+                                             : launch_advice(over)})));
     }
 
     /// What to do about sizes that the kernel cannot have; empty for those that it can.
@@ -221,7 +255,7 @@ private:
         return {};
     }
 
-    std::shared_ptr<detail::session_state<Version>> session_;
+    detail::session_link<Version> session_;
     exact_type exact_;
     std::string name_;
     std::vector<detail::parameter> parameters_;

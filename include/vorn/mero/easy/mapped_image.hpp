@@ -49,7 +49,7 @@ public:
 
     /// `other` is empty afterwards.
     mapped_image(mapped_image&& other) noexcept
-        : state_(std::move(other.state_)), image_(std::move(other.image_)), size_(other.size_),
+        : state_(std::move(other.state_)), image_(std::move(other.image_)), size_(std::exchange(other.size_, {})),
           row_pitch_(other.row_pitch_), slice_pitch_(other.slice_pitch_), bytes_(std::exchange(other.bytes_, nullptr)) {
     }
 
@@ -85,7 +85,7 @@ public:
 private:
     using byte = std::conditional_t<std::is_const<Pixel>::value, std::byte const, std::byte>;
 
-    std::shared_ptr<detail::session_state<Version>> state_;
+    detail::session_link<Version> state_;
     image_type image_;
     std::array<std::size_t, 3> size_;
     std::size_t row_pitch_;

@@ -56,7 +56,7 @@ public:
     /// A folder to search for what the source includes. Blanks are put in quotation marks, which PoCL 3.1 does not
     /// understand.
     build_options& include(std::string_view folder) {
-        refuse_in(folder, "\"\n", "a folder");
+        refuse_in(folder, "\"\n", "a folder", false, "name one without quotation marks, \".\" for the current one");
         // no blank behind -I and -D: rusticl of Mesa 22.3 ends the process for an option of one character
         bool const is_plain = folder.find_first_of(" \t") == std::string_view::npos;
         return add(is_plain ? detail::joined({"-I", folder}) : detail::joined({"-I\"", folder, "\""}));
@@ -81,11 +81,12 @@ public:
     [[nodiscard]] std::string const& text() const noexcept { return text_; }
 
 private:
-    static void refuse_in(std::string_view text, char const* unwanted, char const* what, bool may_be_empty = false) {
+    static void refuse_in(std::string_view text, char const* unwanted, char const* what, bool may_be_empty = false,
+                          char const* remedy = "put it into the source instead") {
         std::size_t const found = text.find_first_of(std::string_view(unwanted));
         if (found != std::string_view::npos || (text.empty() && !may_be_empty)) {
-            throw option_error(detail::joined(
-                {"'", text, "' cannot be ", what, " in the options of a build: put it into the source instead"}));
+            throw option_error(
+                detail::joined({"'", text, "' cannot be ", what, " in the options of a build: ", remedy}));
         }
     }
 

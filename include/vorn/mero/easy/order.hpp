@@ -57,21 +57,35 @@ public:
     }
 
     /// For wait lists; it may outlive this object. Its `wait` rethrows what the event fails with.
-    [[nodiscard]] basic_event<Version> event() const { return basic_event<Version>(host_); }
+    [[nodiscard]] basic_event<Version> event() const { return basic_event<Version>(host()); }
 
     /// Ends it; commands that wait for it start. Throws `order_error` if it has ended.
     void complete() { end(nullptr); }
 
-    /// Fails it; commands that wait for it fail and do not run. Its `wait` rethrows `failure`, which is not null.
-    /// Throws `order_error` if it has ended.
-    void fail(std::exception_ptr const& failure) { end(failure); }
+    /// Fails it; commands that wait for it fail and do not run. Its `wait` rethrows `failure`. Throws
+    /// `order_error` if it has ended, and for a null `failure`.
+    void fail(std::exception_ptr const& failure) {
+        if (!failure) {
+            throw order_error(
+                "A user event fails with an exception: give std::make_exception_ptr(...), or complete it");
+        }
+        end(failure);
+    }
 
 private:
     void end(std::exception_ptr const& failure) {
-        if (!host_ || !host_->claim()) {
-            throw order_error("A user event ends once, and this one has ended already or was moved from");
+        if (!host()->claim()) {
+            throw order_error(
+                "A user event ends once, and this one has ended already: complete or fail it at one place");
         }
         host_->end(failure);
+    }
+
+    std::shared_ptr<detail::promised_event<Version>> const& host() const {
+        if (!host_) {
+            detail::refuse_moved_from();
+        }
+        return host_;
     }
 
     std::shared_ptr<detail::promised_event<Version>> host_;

@@ -102,25 +102,31 @@ public:
     /// The same of an object that does not change.
     [[nodiscard]] exact_type const& exact() const noexcept { return exact_; }
 
-    /// The same program, whose kernels use the queue of another session of its device and context.
+    /// The same program, whose kernels use the queue of another session of its device and context. Throws
+    /// `argument_error` for another context.
     template <class Session>
     [[nodiscard]] basic_program on(Session const& other) const {
+        detail::check_same_context(detail::raw_of(session_->context), detail::raw_of(other.context()));
         return {other.state(), exact_};
     }
 
     /// The kernel of this name, without arguments. Throws `no_kernel` when the program has none of it.
     [[nodiscard]] basic_kernel<Version> operator[](std::string const& name) const {
+        static_cast<void>(*session_);
         try {
             return basic_kernel<Version>(session_, exact_.create_kernel(name));
         } catch (common::invalid_kernel_name const&) {
-            throw no_kernel(detail::joined({"The program has no kernel '", name, "'", names()}));
+            refuse_name(name);
+        } catch (common::invalid_program_executable const&) { // of a program without any (Intel's)
+            refuse_name(name);
         }
     }
 
     /// The binary for the session's device, for `session::build_binary` on the same device with the same driver.
     [[nodiscard]] std::vector<unsigned char> binary() const {
+        auto const& device = session_->device;
         for (auto& each : exact_.binaries()) {
-            if (each.device == session_->device) {
+            if (each.device == device) {
                 return std::move(each.binary);
             }
         }
@@ -128,18 +134,22 @@ public:
     }
 
 private:
-    std::string names() const {
+    [[noreturn, gnu::cold, gnu::noinline]] void refuse_name(std::string const& wanted) const {
         std::string list;
         if constexpr (Version >= 120) {
-            for (std::string const& each : exact_.kernel_names()) {
-                list += list.empty() ? "; it has: " : ", ";
-                list += each;
+            try {
+                for (std::string const& each : exact_.kernel_names()) {
+                    list += list.empty() ? "; it has: " : ", ";
+                    list += each;
+                }
+            } catch (common::invalid_program_executable const&) { // has none (Intel)
             }
+            list += list.empty() ? "; it has none" : "";
         }
-        return list;
+        throw no_kernel(detail::joined({"The program has no kernel '", wanted, "'", list}));
     }
 
-    std::shared_ptr<detail::session_state<Version>> session_;
+    detail::session_link<Version> session_;
     mutable exact_type exact_; // its own members that make kernels are not const
 };
 

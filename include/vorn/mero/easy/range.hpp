@@ -8,9 +8,14 @@
 
 namespace vorn::mero::easy {
 
-/// The least multiple of `step` that is at least `count`; `step` must not be 0.
-[[nodiscard]] constexpr std::size_t round_up(std::size_t count, std::size_t step) noexcept {
-    return (count + step - 1) / step * step;
+/// The least multiple of `step` that is at least `count`. Throws `bounds_error` if `step` is 0, and if there is none.
+[[nodiscard]] constexpr std::size_t round_up(std::size_t count, std::size_t step) {
+    std::size_t const beyond = step == 0 ? 0 : count % step;
+    if (step == 0 || (beyond != 0 && step - beyond > static_cast<std::size_t>(-1) - count)) {
+        throw bounds_error(detail::joined({std::to_string(count), " cannot be rounded up to a multiple of ",
+                                           std::to_string(step), ": round to the size of a work-group"}));
+    }
+    return beyond == 0 ? count : count + (step - beyond);
 }
 
 /// The work-items of a launch, in one, two or three dimensions.
@@ -19,17 +24,19 @@ namespace vorn::mero::easy {
 ///     auto const picture = ez::range(640, 480).local(16, 16); // work-groups of 16 x 16
 ///     auto const rest = ez::range(100).from(28);              // get_global_id(0) is 28 to 127; since OpenCL 1.1
 ///
-/// A local size must divide the global size before OpenCL 2.0: `ez::range(ez::round_up(n, 64)).local(64)`.
+/// A local size must divide the global size before OpenCL 2.0: `ez::range(ez::round_up(n, 64)).local(64)`. Throws
+/// `bounds_error` for a size or an offset that can only be a negative number, since implementations crash for it.
 class range {
 public:
     /// One dimension of `x` work-items.
-    explicit constexpr range(std::size_t x) noexcept : dimensions_(1), size_{x, 1, 1} {}
+    explicit constexpr range(std::size_t x) : dimensions_(1), size_{checked(x), 1, 1} {}
 
     /// Two dimensions.
-    constexpr range(std::size_t x, std::size_t y) noexcept : dimensions_(2), size_{x, y, 1} {}
+    constexpr range(std::size_t x, std::size_t y) : dimensions_(2), size_{checked(x), checked(y), 1} {}
 
     /// Three dimensions.
-    constexpr range(std::size_t x, std::size_t y, std::size_t z) noexcept : dimensions_(3), size_{x, y, z} {}
+    constexpr range(std::size_t x, std::size_t y, std::size_t z)
+        : dimensions_(3), size_{checked(x), checked(y), checked(z)} {}
 
     /// The same range in work-groups of this size. Dimensions that are left out count 1.
     [[nodiscard]] constexpr range local(std::size_t x, std::size_t y = 1, std::size_t z = 1) const noexcept {
@@ -40,9 +47,9 @@ public:
     }
 
     /// The same range with global ids that begin here. Since OpenCL 1.1.
-    [[nodiscard]] constexpr range from(std::size_t x, std::size_t y = 0, std::size_t z = 0) const noexcept {
+    [[nodiscard]] constexpr range from(std::size_t x, std::size_t y = 0, std::size_t z = 0) const {
         range made = *this;
-        made.offset_ = {x, y, z};
+        made.offset_ = {checked(x), checked(y), checked(z)};
         return made;
     }
 
@@ -69,6 +76,16 @@ public:
     }
 
 private:
+    static constexpr std::size_t checked(std::size_t number) {
+        return number <= static_cast<std::size_t>(-1) / 2 ? number : refuse(number);
+    }
+
+    [[noreturn, gnu::cold, gnu::noinline]] static std::size_t refuse(std::size_t number) {
+        throw bounds_error(detail::joined({"a range of ", std::to_string(number),
+                                           " work-items, or from there on, was a negative number: look at how it is "
+                                           "computed"}));
+    }
+
     [[gnu::cold, gnu::noinline]] std::string product(std::array<std::size_t, 3> const& sizes) const {
         std::string listed;
         for (unsigned i = 0; i < dimensions_; ++i) {

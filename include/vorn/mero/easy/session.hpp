@@ -5,6 +5,7 @@
 #include <vorn/mero/easy/device.hpp>
 #include <vorn/mero/easy/sampler.hpp>
 
+#include <exception>
 #include <initializer_list>
 #include <memory>
 #include <string>
@@ -94,14 +95,14 @@ public:
     }
 
     /// The device of the exact interface.
-    [[nodiscard]] device_type& device() const noexcept { return state_->device; }
+    [[nodiscard]] device_type& device() const { return state_->device; }
     /// The context of the exact interface.
-    [[nodiscard]] context_type& context() const noexcept { return state_->context; }
+    [[nodiscard]] context_type& context() const { return state_->context; }
     /// The queue of the exact interface, in order and with profiling.
-    [[nodiscard]] queue_type& queue() const noexcept { return state_->queue; }
+    [[nodiscard]] queue_type& queue() const { return state_->queue; }
 
-    /// `count` elements that nothing has been written to. `count` may be 0. Throws `bounds_error` if their size in
-    /// bytes is no number of the host.
+    /// `count` elements that nothing has been written to. `count` may be 0. Throws `bounds_error` if the device has no
+    /// buffer of that size.
     template <class T>
     [[nodiscard]] basic_array<T, Version> array(std::size_t count) const {
         return make_array<T>(flags::read_write, count, nullptr);
@@ -114,6 +115,18 @@ public:
                               : make_array<T>(flags::read_write | flags::copy_host_ptr, values.size(),
                                               const_cast<T*>(values.data())); // OpenCL only reads it
     }
+
+#if __cplusplus >= 202002L
+    /// The same of a `std::span`, a `std::array` and so on.
+    template <class... None, element_list List>
+    requires(sizeof...(None) == 0) // the type of the elements is that of the list
+        [[nodiscard]] auto array(List const& values) const {
+        using value = std::remove_cvref_t<decltype(*values.data())>;
+        return values.size() == 0 ? array<value>(0)
+                                  : make_array<value>(flags::read_write | flags::copy_host_ptr, values.size(),
+                                                      const_cast<value*>(values.data())); // OpenCL only reads it
+    }
+#endif
 
     /// The same: `gpu.array({1.0F, 2.0F})`.
     template <class T>
@@ -132,6 +145,13 @@ public:
     [[nodiscard]] basic_array<T, Version> array_over(std::vector<T>& values) const {
         return array_over(values.data(), values.size());
     }
+#if __cplusplus >= 202002L
+    /// The same in the memory of a span.
+    template <class T, std::size_t Extent>
+    [[nodiscard]] basic_array<T, Version> array_over(std::span<T, Extent> values) const {
+        return array_over(values.data(), values.size());
+    }
+#endif
 
     /// An image of `width` x `height` pixels that nothing has been written to: `gpu.image<ez::rgba8>(640, 480)`. For
     /// this and its siblings include `vorn/mero/easy/image.hpp`, which says more.
@@ -204,7 +224,22 @@ private:
     template <class T>
     basic_array<T, Version> make_array(flags how, std::size_t count, T* values) const {
         std::size_t const bytes = detail::product(count != 0 ? count : 1, sizeof(T)); // OpenCL has no empty buffers
-        return {state_, context().create_buffer(how, bytes, values), count};
+        try {
+            return {state_, context().create_buffer(how, bytes, values), count};
+        } catch (common::error const&) { // each implementation has its own
+            check_size(bytes);
+            throw;
+        }
+    }
+
+    [[gnu::cold, gnu::noinline]] void check_size(std::size_t bytes) const {
+        if (bytes <= device().max_mem_alloc_size()) {
+            return;
+        }
+        std::throw_with_nested(
+            bounds_error(detail::joined({device().name(), " has no buffer of ", std::to_string(bytes),
+                                         " bytes, but of at most ", std::to_string(device().max_mem_alloc_size()),
+                                         ": use several arrays, or work on one part after another"})));
     }
 
     using basic_builder<Version>::state_;

@@ -88,4 +88,46 @@ private:
     std::deque<std::pair<basic_event<Version>, std::shared_ptr<void const>>> kept_;
 };
 
+/// Throws unless both objects belong to one context, which not every implementation compares.
+inline void check_same_context(_nq_cl_context const* one, _nq_cl_context const* other) {
+    if (one != other) {
+        if (one == nullptr || other == nullptr) {
+            refuse_moved_from();
+        }
+        throw argument_error("The objects belong to different contexts: use a session of `another_queue` or "
+                             "`out_of_order`, or read the elements here and write them there");
+    }
+}
+
+/// The session that an object belongs to; none once the object was moved from, which then is told who uses it.
+template <int Version>
+class session_link {
+public:
+    session_link(std::shared_ptr<session_state<Version>> state) noexcept : state_(std::move(state)) {}
+
+    session_link(session_link const& other) : state_((static_cast<void>(*other), other.state_)) {}
+    session_link& operator=(session_link const& other) {
+        state_ = (static_cast<void>(*other), other.state_);
+        return *this;
+    }
+    session_link(session_link&&) noexcept = default;
+    session_link& operator=(session_link&&) noexcept = default;
+    ~session_link() = default;
+
+    session_state<Version>& operator*() const {
+        if (!state_) {
+            refuse_moved_from();
+        }
+        return *state_;
+    }
+    session_state<Version>* operator->() const { return &**this; }
+
+    /// Not checked: null once the object was moved from.
+    session_state<Version>* get() const noexcept { return state_.get(); }
+    operator std::shared_ptr<session_state<Version>> const&() const noexcept { return state_; }
+
+private:
+    std::shared_ptr<session_state<Version>> state_;
+};
+
 } // namespace vorn::mero::easy::detail

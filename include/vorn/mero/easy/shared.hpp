@@ -94,7 +94,7 @@ public:
     /// Blocks until the elements are there; the `map` functions of shared memory call it.
     mapped_shared(std::shared_ptr<detail::shared_block<Version>> block, flags_type how, std::size_t count,
                   waits<Version> const& earlier)
-        : element_range<T>(static_cast<T*>(block ? block->address() : nullptr), count), block_(std::move(block)) {
+        : element_range<T>(static_cast<T*>(block->address()), count), block_(std::move(block)) {
         if (count != 0) {
             block_->state().enqueue_and_wait(
                 typename api<Version>::svm_map(earlier.size() == 0, how, block_->address(), count * sizeof(T)),
@@ -102,7 +102,10 @@ public:
         }
     }
 
-    mapped_shared(mapped_shared&&) noexcept = default;
+    /// `other` is empty afterwards.
+    mapped_shared(mapped_shared&& other) noexcept
+        : element_range<T>(std::exchange(static_cast<element_range<T>&>(other), element_range<T>(nullptr, 0))),
+          block_(std::move(other.block_)) {}
     mapped_shared(mapped_shared const&) = delete;
     mapped_shared& operator=(mapped_shared const&) = delete;
     mapped_shared& operator=(mapped_shared&&) = delete;
@@ -173,9 +176,15 @@ public:
     /// while it is mapped.
     [[nodiscard]] T* data() const noexcept { return static_cast<T*>(block_ ? block_->address() : nullptr); }
 
+    /// The raw handle of its context, which kernels must share; null if it was moved from.
+    [[nodiscard]] _nq_cl_context* raw_context() const noexcept {
+        return block_ ? detail::raw_of(block_->state().context) : nullptr;
+    }
+
     /// A copy of all elements. Blocks.
     [[nodiscard]] std::vector<T> read(waits_type const& earlier = {}) const {
         std::vector<T> values(size_);
+        static_cast<void>(block());
         if (size_ != 0) {
             block_->state().enqueue_and_wait(copy(values.data(), data(), size_, earlier), earlier);
         }
@@ -184,43 +193,44 @@ public:
 
     /// Copies the elements of a list to the front. Blocks. Throws `bounds_error` if there are too many.
     void write(std::vector<T> const& values, waits_type const& earlier = {}) {
+        static_cast<void>(block());
         detail::check_bounds(0, values.size(), size_);
         if (!values.empty()) {
             block_->state().enqueue_and_wait(copy(data(), values.data(), values.size(), earlier), earlier);
         }
     }
 
-    /// Sets every element. Does not block. Throws `bounds_error` if it was moved from.
+    /// Sets every element. Does not block.
     event_type fill(T const& value, waits_type const& earlier = {}) {
         static_assert(sizeof(T) <= 128 && (sizeof(T) & (sizeof(T) - 1)) == 0,
                       "OpenCL fills with patterns of 1, 2, 4, ... 128 bytes");
         using fill_svm = typename api<Version>::template fill_svm<T>;
-        return size_ == 0 ? block().state().enqueue_nothing(earlier)
-                          : block().state().enqueue(fill_svm(data(), value, size_), earlier);
+        return size_ == 0 ? block()->state().enqueue_nothing(earlier)
+                          : block()->state().enqueue(fill_svm(data(), value, size_), earlier);
     }
 
     /// Gives the host the elements, for reading and writing, until the result is destroyed; kernels must not use them
     /// meanwhile. Blocks until they are there. Needless with fine grain, once the commands before have ended.
     mapped_shared<T, Version> map(waits_type const& earlier = {}) {
-        return {block_, flags::read | flags::write, size_, earlier};
+        return {block(), flags::read | flags::write, size_, earlier};
     }
     /// The same for reading only; kernels may read the elements meanwhile.
     mapped_shared<T const, Version> map_read(waits_type const& earlier = {}) const {
-        return {block_, flags::read, size_, earlier};
+        return {block(), flags::read, size_, earlier};
     }
     /// The same for writing all of the elements: what was there may be gone.
     mapped_shared<T, Version> map_write(waits_type const& earlier = {}) {
-        return {block_, flags::write_invalidate_region, size_, earlier};
+        return {block(), flags::write_invalidate_region, size_, earlier};
     }
 
 private:
     using flags = typename api<Version>::map_flags;
 
-    detail::shared_block<Version> const& block() const {
+    std::shared_ptr<detail::shared_block<Version>> const& block() const {
         if (!block_) {
-            throw bounds_error("this shared memory was moved from and has no elements: use what it was moved to");
+            detail::refuse_moved_from();
         }
-        return *block_;
+        return block_;
     }
 
     static typename api<Version>::svm_memcpy copy(void* to, void const* from, std::size_t count,
@@ -264,6 +274,13 @@ public:
     /// In the context of a session.
     explicit basic_shared_allocator(basic_session<Version> const& owner) : state_(owner.state()) {}
 
+    /// @{
+    /// Of the same context; a move as well, since the container that was moved from may be filled anew.
+    basic_shared_allocator(basic_shared_allocator const& other) noexcept = default;
+    basic_shared_allocator& operator=(basic_shared_allocator const& other) noexcept = default;
+    /// @}
+    ~basic_shared_allocator() = default;
+
     /// For elements of another type in the same context.
     template <class Other>
     basic_shared_allocator(basic_shared_allocator<Other, Version> const& other) noexcept : state_(other.state_) {}
@@ -278,6 +295,9 @@ public:
 
     /// Finishes the queue, then frees.
     void deallocate(T* memory, std::size_t /*count*/) noexcept { detail::shared_block<Version>::free(*state_, memory); }
+
+    /// The raw handle of the context, which kernels must share.
+    [[nodiscard]] _nq_cl_context* raw_context() const noexcept { return detail::raw_of(state_->context); }
 
     /// Whether one may free what the other allocated.
     template <class Other>
@@ -310,6 +330,7 @@ struct argument_traits<basic_shared<T, Version>, Version> {
     static void set(typename api<Version>::kernel& target, unsigned index, basic_shared<T, Version> const& memory) {
         target.set_svm_argument(index, memory.data());
     }
+    static _nq_cl_context* context(basic_shared<T, Version> const& memory) noexcept { return memory.raw_context(); }
     static std::string text(basic_shared<T, Version> const& memory) {
         return detail::joined(
             {"shared memory of ", std::to_string(memory.size()), " elements of ", std::to_string(sizeof(T)), " bytes"});
@@ -327,6 +348,7 @@ struct argument_traits<std::vector<T, basic_shared_allocator<T, Version>>, Versi
     static void set(typename api<Version>::kernel& target, unsigned index, list const& values) {
         target.set_svm_argument(index, values.data());
     }
+    static _nq_cl_context* context(list const& values) noexcept { return values.get_allocator().raw_context(); }
     static std::string text(list const& values) {
         return detail::joined(
             {"a shared list of ", std::to_string(values.size()), " elements of ", std::to_string(sizeof(T)), " bytes"});

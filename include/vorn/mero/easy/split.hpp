@@ -22,14 +22,17 @@ struct share {
 };
 
 /// Shares of `count` items in proportion to weights, one after another; they may be empty. All are multiples of `step`,
-/// which is not 0, but the largest, which takes what is left. Throws `bounds_error` unless the weights are finite, at
-/// least 0, and one is above.
+/// but the largest, which takes what is left. Throws `bounds_error` unless the weights are finite, at least 0, one of
+/// them above, and the step is not 0.
 [[nodiscard]] inline std::vector<share> shares_of(std::size_t count, std::vector<double> const& weights,
                                                   std::size_t step = 1) {
     auto const is_fit = [](double weight) { return std::isfinite(weight) && weight >= 0; };
     double const most = weights.empty() ? 0 : *std::max_element(weights.begin(), weights.end());
     if (!std::all_of(weights.begin(), weights.end(), is_fit) || !(most > 0)) {
         throw bounds_error("shares need finite weights of at least 0, one of them above 0");
+    }
+    if (step == 0) {
+        throw bounds_error("shares cannot be multiples of 0: give a step of at least 1");
     }
     double sum = 0; // in units of the largest, since the sum of the weights themselves may be no number
     for (double const weight : weights) {

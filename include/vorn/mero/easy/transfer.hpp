@@ -45,13 +45,18 @@ public:
     }
 
     /// The event of the transfer, which does not keep the memory.
-    [[nodiscard]] basic_event<Version> const& event() const noexcept { return *command_; }
+    [[nodiscard]] basic_event<Version> const& event() const {
+        if (!command_) {
+            detail::refuse_moved_from();
+        }
+        return *command_;
+    }
 
     /// Blocks until the transfer has ended. Throws the exception of its status when it failed.
-    void wait() const { command_->wait(); }
+    void wait() const { event().wait(); }
 
     /// Whether the transfer has ended, see `basic_event::done`.
-    [[nodiscard]] bool done() const { return command_->done(); }
+    [[nodiscard]] bool done() const { return event().done(); }
 
 private:
     std::optional<basic_event<Version>> command_;
@@ -70,7 +75,7 @@ public:
     basic_reading(std::size_t count, Start start) : values_(count), transfer_(start(values_.data())) {}
 
     /// The event of the transfer.
-    [[nodiscard]] basic_event<Version> const& event() const noexcept { return transfer_.event(); }
+    [[nodiscard]] basic_event<Version> const& event() const { return transfer_.event(); }
 
     /// Whether the elements are there, see `basic_event::done`.
     [[nodiscard]] bool done() const { return transfer_.done(); }
@@ -162,7 +167,7 @@ private:
         return static_cast<T*>(first);
     }
 
-    std::shared_ptr<detail::session_state<Version>> state_;
+    detail::session_link<Version> state_;
     buffer_type buffer_;
     bool is_mapped_;
 };

@@ -144,7 +144,7 @@ timing measure(basic_kernel<Version>& on, range const& over, Arguments const&...
         return refusal(refused);
     } catch (launch_error const& refused) {
         return refusal(refused);
-    } catch (common::opencl_error const& failed) { // enqueued, and then failed on the device
+    } catch (common::error const& failed) { // enqueued, and then failed on the device
         return refusal(failed);
     }
 }
