@@ -87,8 +87,8 @@ SCENARIO(easy_knows_what_was_moved_from, "easy misuse", 120) {
     ez::basic_session<Api::number> const gpu(b.device, b.context, Api::create_queue(b.context, b.device, false, true));
     auto const moved_from = [](auto object, auto... actions) {
         auto const taken = std::move(object);
-        (says<ez::moved_from>("use the one that it was moved to", [&] { actions(object); }), ...);
-        (says<ez::moved_from>("use the one that it was moved to", [&] { std::vector(1, object); }));
+        (says<ez::moved_from>("use the one", [&] { actions(object); }), ...); // NOLINT(bugprone-use-after-move)
+        says<ez::moved_from>("use the one", [&] { std::vector(1, object); });
         auto again = std::move(object); // may be moved from again, and assigned to
         object = taken;
         (refusal<std::logic_error>([&] { actions(object); }), ...);
