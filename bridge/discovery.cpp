@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <atomic>
 #include <mutex>
+#include <new>
 
 namespace nq::bridge {
 namespace {
@@ -33,7 +34,7 @@ void after_fork_in_child() {
             }
         }
     }
-    asking().unlock();
+    new (&asking()) std::recursive_mutex; // its owner, this thread, has another number in the child
 }
 
 std::vector<cl_platform_id> list_platforms() {
