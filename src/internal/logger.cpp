@@ -5,12 +5,28 @@
 #include "internal/system.hpp"
 
 #include <atomic>
+#include <mutex>
+#include <new>
 #include <string_view>
 
 namespace vorn::mero::internal {
 namespace {
 
 std::atomic<bool> logging_has_ended{false};
+
+// Held by a thread that logs, and during a fork: else the child could inherit a lock of spdlog's that none of its
+// threads holds, and would wait for ever when it logs. Recursive: a sink of the program may itself fork, or fail to
+// release an object. Never destroyed: a detached thread may log until the process has ended.
+std::recursive_mutex& logging = *new std::recursive_mutex;
+
+void before_fork() { logging.lock(); }
+void after_fork_in_parent() { logging.unlock(); }
+void after_fork_in_child() { new (&logging) std::recursive_mutex; } // its owner has another number in the child
+
+[[maybe_unused]] bool const forks_wait = [] {
+    watch_forks(before_fork, after_fork_in_parent, after_fork_in_child);
+    return true;
+}();
 
 std::string_view environment(char const* name, std::string_view otherwise) {
     char const* const value = trusted_environment(name);
@@ -75,6 +91,7 @@ void log_failure(char const* message) noexcept {
         return;
     }
     try {
+        std::lock_guard const lock(logging);
         library().log_error(*get_mero_logger(), message);
     } catch (...) { // a destructor has nowhere to report this
     }

@@ -16,4 +16,7 @@ void* load_symbol(std::string const& library, char const* symbol);
 /// Whether the program itself uses the shared library of spdlog.
 bool program_uses_spdlog() noexcept;
 
+/// Calls these around each fork, where there are forks; they must not fail.
+void watch_forks(void (*before)(), void (*after_in_parent)(), void (*after_in_child)()) noexcept;
+
 } // namespace vorn::mero::internal

@@ -3,6 +3,7 @@
 #include <cstdlib>
 #include <dlfcn.h>
 #include <memory>
+#include <pthread.h>
 #include <stdexcept>
 
 namespace spdlog {
@@ -41,5 +42,9 @@ void* load_symbol(std::string const& library, char const* symbol) {
 }
 
 bool program_uses_spdlog() noexcept { return &spdlog::get != nullptr; }
+
+void watch_forks(void (*before)(), void (*after_in_parent)(), void (*after_in_child)()) noexcept {
+    ::pthread_atfork(before, after_in_parent, after_in_child);
+}
 
 } // namespace vorn::mero::internal

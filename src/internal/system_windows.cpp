@@ -41,4 +41,6 @@ void* load_symbol(std::string const& library, char const* symbol) {
 
 bool program_uses_spdlog() noexcept { return false; } // the logger's library has a registry of its own
 
+void watch_forks(void (*)(), void (*)(), void (*)()) noexcept {}
+
 } // namespace vorn::mero::internal
