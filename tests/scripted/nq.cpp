@@ -1,12 +1,16 @@
 #include "scripted/scripted.hpp"
 
 #include <algorithm>
+#include <mutex>
 
 namespace {
 
 using scripted::libnq;
 
 constexpr nq::device root = 0xD0;
+
+// Recursive: an answer may call back into the program.
+std::recursive_mutex one_at_a_time;
 
 /// Marks libnq as being at work.
 struct entered {
@@ -20,9 +24,12 @@ struct entered {
         if (reserved != nullptr) {
             self.faults.push_back(call + " with a last argument other than null");
         }
-        self.discovery_calls.push_back(std::move(call));
+        if (self.remembers_calls) {
+            self.discovery_calls.push_back(std::move(call));
+        }
     }
 
+    std::lock_guard<std::recursive_mutex> lock{one_at_a_time};
     libnq& self = libnq::instance();
 };
 
@@ -125,7 +132,9 @@ int libnq::perform(nq_call_handle* handle, std::uint32_t command_id, void* block
     } else {
         result = answer(understood->node, block, record);
     }
-    calls.push_back(record);
+    if (remembers_calls) {
+        calls.push_back(record);
+    }
     return result;
 }
 

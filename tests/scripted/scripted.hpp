@@ -71,7 +71,7 @@ struct listing {
     std::array<std::optional<std::uint64_t>, 2> counts{};
 };
 
-/// The one libnq of the process; for one thread.
+/// The one libnq of the process. Any number of threads may call it, and one sets it up while none does.
 struct SCRIPTED_EXPORT libnq {
     static libnq& instance();
 
@@ -123,6 +123,7 @@ struct SCRIPTED_EXPORT libnq {
     std::string leftovers() const;
 
     // What was called since the start, or since `forget_calls`.
+    bool remembers_calls = true;
     std::vector<call> calls;
     bool notes_inputs = true; ///< Of calls; takes longer than all else.
     /// "version", "roots 3 array", "nodes of 71 for 4 0" and "open 1 4": the functions that find and open nodes with
