@@ -24,7 +24,6 @@ def run(program, mistake, layers=(), settings=""):
     if layers:
         environment["NQ_" + layers[-1].stem.removeprefix("libnq-").upper()] = settings
         environment["LD_PRELOAD"] = ":".join(map(str, layers))
-        environment["ASAN_OPTIONS"] = environment.get("ASAN_OPTIONS", "") + ":verify_asan_link_order=0"
     done = subprocess.run([program, PLATFORM, mistake], env=environment, capture_output=True, text=True, timeout=100)
     return done.returncode, done.stdout, [line for line in done.stderr.splitlines() if line.startswith("nq-")]
 

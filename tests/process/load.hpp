@@ -67,10 +67,10 @@ void discover(objects<Api>& on) {
 
 template <class Api>
 void copy(objects<Api>& on) {
-    auto copies = std::vector<objects<Api>>(2, on);
-    copies.push_back(std::move(copies.front()));
-    copies.front() = copies.back();
-    copies.back() = std::move(copies.front());
+    objects<Api> first = on;
+    objects<Api> second = std::move(first);
+    first = second;
+    second = std::move(first);
 }
 
 template <class Api>

@@ -144,18 +144,22 @@ void exit_while_a_thread_is_blocked() {
 void objects_of_threads() {
     thread_local std::optional<shared_objects> of_main;
     of_main.emplace(make());
+    std::atomic<bool> is_ready = false;
     for (bool const ends : {true, false}) {
-        std::thread user([ends] {
+        std::thread user([ends, &is_ready] {
             thread_local std::optional<shared_objects> of_thread;
             of_thread.emplace(make());
             launch(*of_thread);
             if (!ends) {
+                is_ready = true;
                 pause();
             }
         });
         ends ? user.join() : user.detach();
     }
-    sleep_milliseconds(50);
+    while (!is_ready) {
+        sleep_milliseconds(1);
+    }
     at_the_edge();
 }
 
