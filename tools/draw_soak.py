@@ -1,0 +1,80 @@
+"""Draws what tools/soak has measured, as an SVG for light and dark pages: a row for each implementation and kind of load,
+with the resident memory over the operations on the left and the times of each operation on the right."""
+
+import html
+import math
+
+COLOURS = {"library": ("#0969da", "#58a6ff"), "c": ("#bc4c00", "#f0883e")}  # on light and on dark pages
+WIDTH, HEAD, PANEL, GAP = 960, 60, 150, 66
+LEFT, MIDDLE, RIGHT = (70, 430), (600, 930), 930
+MIB = 1 << 20
+
+
+def style():
+    def rules(which):
+        marks = "".join(f".{name}{{fill:{colour[which]};stroke:{colour[which]}}}" for name, colour in COLOURS.items())
+        ink, faint, rule = (("#1f2328", "#59636e", "#d1d9e0"), ("#e6edf3", "#9198a1", "#3d444d"))[which]
+        return f"text{{fill:{ink}}}.faint{{fill:{faint}}}.grid{{stroke:{rule}}}" + marks
+    return f"<style>{rules(0)}polyline{{fill:none}}@media(prefers-color-scheme:dark){{{rules(1)}}}</style>"
+
+
+def text(x, y, content, anchor="start", kind="", size=12):
+    kind = f' class="{kind}"' if kind else ""
+    return f'<text x="{x:.1f}" y="{y:.1f}" text-anchor="{anchor}" font-size="{size}"{kind}>{html.escape(content)}</text>'
+
+
+def line(x1, y1, x2, y2, kind="grid", width=1):
+    return f'<line class="{kind}" stroke-width="{width}" x1="{x1:.1f}" y1="{y1:.1f}" x2="{x2:.1f}" y2="{y2:.1f}"/>'
+
+
+def draw_memory(run, top):
+    """Resident memory from zero, so that what looks flat is flat."""
+    most = max(each["resident"] for load in COLOURS for each in run[load]["samples"]) * 1.1
+    end = max(run[load]["samples"][-1]["operations"] for load in COLOURS)
+    for share in (0, 0.5, 1):
+        y = top + PANEL * (1 - share / 1.1)
+        yield line(LEFT[0], y, LEFT[1], y)
+        yield text(LEFT[0] - 8, y + 4, f"{most / 1.1 * share / MIB:.0f} MiB", "end", "faint", 11)
+    for load in ("c", "library"):
+        points = " ".join(f"{LEFT[0] + (LEFT[1] - LEFT[0]) * each['operations'] / end:.1f},"
+                          f"{top + PANEL * (1 - each['resident'] / most):.1f}" for each in run[load]["samples"])
+        dashes = ' stroke-dasharray="4 3"' if load == "c" else ""
+        yield f'<polyline class="{load}" style="fill:none" stroke-width="1.5"{dashes} points="{points}"/>'
+    yield text(LEFT[1], top + PANEL + 16, f"{end:,} operations".replace(",", " "), "end", "faint", 11)
+
+
+def draw_times(run, top):
+    """From the median to the longest, with a mark at 99 of 100; logarithmic, 10 ns to 10 s."""
+    def at(nanoseconds):
+        return MIDDLE[0] + (MIDDLE[1] - MIDDLE[0]) * max(0.0, math.log10(max(1, nanoseconds) / 10)) / 9
+    for power, name in ((2, "100 ns"), (4, "10 µs"), (6, "1 ms"), (8, "100 ms"), (10, "10 s")):
+        yield line(at(10 ** power), top, at(10 ** power), top + PANEL)
+        yield text(at(10 ** power), top + PANEL + 16, name, "middle", "faint", 11)
+    names = list(run["library"]["nanoseconds"])
+    for i, name in enumerate(names):
+        y = top + PANEL * (i + 0.5) / len(names)
+        yield text(MIDDLE[0] - 8, y + 4, name, "end", size=11)
+        for beside, load in ((-2.5, "library"), (2.5, "c")):
+            times = run[load]["nanoseconds"].get(name)
+            if times:
+                yield line(at(times["p50"]), y + beside, at(times["max"]), y + beside, load)
+                yield f'<circle class="{load}" cx="{at(times["p50"]):.1f}" cy="{y + beside:.1f}" r="2.5"/>'
+                yield line(at(times["p99"]), y + beside - 2.5, at(times["p99"]), y + beside + 2.5, load, 2)
+
+
+def draw(runs):
+    height = HEAD + len(runs) * (PANEL + GAP)
+    parts = [f'<svg xmlns="http://www.w3.org/2000/svg" viewBox="0 0 {WIDTH} {height}" width="{WIDTH}" height="{height}" '
+             'font-family="sans-serif" role="img">', "<title>Memory and times of a mixed load</title>", style(),
+             text(16, 24, "Memory, and the time of each operation: ● median, | 99 of 100, line to the longest", size=14)]
+    x = 16
+    for load, name in (("library", "library"), ("c", "the same load by OpenCL's own functions")):
+        parts += [f'<circle class="{load}" cx="{x + 5}" cy="40" r="4"/>', text(x + 16, 44, name)]
+        x += 110
+    for i, run in enumerate(runs):
+        top = HEAD + i * (PANEL + GAP) + 24
+        kind = "all operations" if run["kind"] == "all" else "without commands and builds"
+        verdict = "; ".join(run["wrong"] + run["own"]) or "flat"
+        parts += [text(16, top - 10, f"{run['implementation']}, {kind}: {verdict}", size=13),
+                  *draw_memory(run, top), *draw_times(run, top)]
+    return "\n".join([*parts, "</svg>"]) + "\n"
