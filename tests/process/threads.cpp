@@ -8,6 +8,8 @@
 #endif
 
 #include <gtest/gtest.h>
+#include <nq/commands.hpp>
+#include <nq/nq.hpp>
 
 #include <barrier>
 #include <chrono>
@@ -149,6 +151,38 @@ void share_all() {
         share<Api>(device);
     }
 }
+
+#ifndef THREADS_SCRIPTED
+TEST(threads, open_and_close_one_call_handle) {
+    constexpr auto version = nq::capability::opencl_1_2;
+    nq::capability_node node{};
+    nq_call_handle* kept = nullptr;
+    std::uint64_t count = 0;
+    ASSERT_EQ(nq_find_capability_nodes(1, version, 1, &node, &count, nullptr), 0);
+    ASSERT_EQ(nq_create_call_handle(node, &kept, nullptr), 0);
+    {
+        std::barrier start(thread_count);
+        std::vector<std::jthread> threads;
+        for (std::size_t thread = 0; thread < thread_count; ++thread) {
+            threads.emplace_back([&] {
+                start.arrive_and_wait();
+                for (int i = 0; i < 300000; ++i) {
+                    nq_call_handle* opened = nullptr;
+                    nq_create_call_handle(node, &opened, nullptr);
+                    nq_close_call_handle(opened);
+                }
+            });
+        }
+    }
+    nq::block::call_handle_device block{};
+    auto const ask = [&] {
+        return nq_call_capability(kept, nq::command_id<version, nq::block::call_handle_device>, &block, nullptr);
+    };
+    EXPECT_EQ(ask(), nq::result::success) << "an opening was not counted";
+    nq_close_call_handle(kept);
+    EXPECT_EQ(ask(), nq::result::unrecoverable) << "a closing was not counted";
+}
+#endif
 
 TEST(threads, share_everything) {
     share_all<api<120>>();
