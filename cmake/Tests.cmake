@@ -33,8 +33,11 @@ if(VORN_MERO_SANITIZE MATCHES thread)
   endif()
 endif()
 
-# vorn_mero_add_test(ROOM NAME TIMEOUT COMMAND...): a timeout in seconds
+# vorn_mero_add_test(ROOM NAME TIMEOUT COMMAND...): a timeout in seconds; sanitizers get longer
 function(vorn_mero_add_test room name timeout)
+  if(VORN_MERO_SANITIZE)
+    math(EXPR timeout "${timeout} * 5")
+  endif()
   add_test(NAME ${name} COMMAND ${vorn_mero_test_launcher} ${ARGN})
   set_tests_properties(${name} PROPERTIES LABELS ${room} TIMEOUT ${timeout} SKIP_RETURN_CODE 77
     ENVIRONMENT_MODIFICATION "${vorn_mero_test_environment}")
