@@ -80,6 +80,9 @@ def breaches_of_trace(program, folder):
         yield f"the summary is {table}"
     if left:
         yield f"left behind: {left}"
+    status, text, printed = run(program, "newer", [folder / "libnq-trace.so"], "output=/dev/null,summary,profile")
+    if (status, text) != run(program, "newer")[:2] or not any(re.match(r"nq-trace: one +1 ", each) for each in printed):
+        yield f"newer: exit status {status}, the program sees {text}, the summary is {printed}"
 
 
 def breaches_of_command(command, program):

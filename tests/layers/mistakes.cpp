@@ -3,7 +3,9 @@
 //     mistakes PLATFORM MISTAKE        77 as exit status if there is no such platform
 
 #include <vorn/mero/opencl_1_2.hpp>
+#include <vorn/mero/opencl_2_1.hpp>
 
+#include <algorithm>
 #include <array>
 #include <chrono>
 #include <cstdio>
@@ -51,6 +53,36 @@ void scale(session& here, std::size_t global, std::size_t local) {
     std::printf("%g\n", static_cast<double>(here.values[0]));
 }
 
+// What only newer versions have: queues by a list of properties, lists of objects, shared memory. Keeps some of it.
+void use_newer(session& here, bool keep) {
+    namespace newer = vorn::mero::opencl_2_1;
+    auto* const raw = cl::raw::get_raw_device_id(here.device);
+    std::vector<newer::device> devices = newer::get_all_devices();
+    auto const same = [raw](newer::device const& each) { return newer::raw::get_raw_device_id(each) == raw; };
+    newer::device device = *std::find_if(devices.begin(), devices.end(), same);
+    newer::context context = newer::create_context({}, {device}, nullptr, nullptr);
+    newer::host_command_queue queue = context.create_host_command_queue(device, false, false);
+    newer::program program =
+        context.create_program_from_source("kernel void one(global int* v) { v[get_global_id(0)] += 1; }"
+                                           "kernel void two(global int* v) { v[0] += 2; }");
+    program.build({device}, "", nullptr, nullptr);
+    std::vector<newer::kernel> kernels = program.create_all_kernels();
+    auto* const shared = static_cast<int*>(context.svm_allocate(newer::svm_mem_flags::read_write, 64, 0));
+    newer::kernel clone = kernels[0].clone();
+    clone.set_svm_argument(0, shared);
+    queue.enqueue_command_without_event(newer::fill_svm<int>(shared, 0, 16));
+    queue.enqueue_command_without_event(newer::nd_range_kernel(clone, 1, {0, 0, 0}, {4, 1, 1}, {1, 1, 1}));
+    queue.finish();
+    std::vector<newer::device> const parts = device.partition_equally(1);
+    std::printf("profiling %d, %zu kernels\n", queue.profiling_enabled(), kernels.size());
+    if (keep) {
+        new auto(std::move(kernels));
+        new auto(parts[0]);
+    } else {
+        context.svm_free(shared);
+    }
+}
+
 std::map<std::string, std::function<void(session&)>> const mistakes{
     {"none", [](session& here) { scale(here, 1024, 64); }},
     {"name", [](session& here) { (void)here.kernel("skale"); }},
@@ -91,6 +123,20 @@ std::map<std::string, std::function<void(session&)>> const mistakes{
          here.launch(kernel, 64, 4);
      }},
     {"empty", [](session& here) { (void)here.context.create_buffer(cl::mem_flags::read_write, 0, nullptr); }},
+    {"too_large",
+     [](session& here) {
+         (void)here.context.create_buffer(cl::mem_flags::read_write, std::size_t{1} << 60U, nullptr);
+     }},
+    {"group", [](session& here) { scale(here, 1U << 20U, 1U << 20U); }},
+    {"image",
+     [](session& here) {
+         cl::image_format const format{cl::image_channel_order::rgba, cl::image_channel_type::unsigned_int8};
+         cl::image_2d const image = here.context.create_image_2d(cl::mem_flags::read_write, format, 16, 8, 0, nullptr);
+         here.queue.enqueue_command_without_event(
+             cl::read_image(image, true, {0, 6, 0}, {16, 4, 1}, 0, 0, here.values.data()));
+     }},
+    {"newer", [](session& here) { use_newer(here, false); }},
+    {"newer_leak", [](session& here) { use_newer(here, true); }},
     {"profile", // what a queue without profiling says, and two launches, the second of which waits for the first
      [](session& here) {
          cl::kernel kernel = here.kernel("scale");
