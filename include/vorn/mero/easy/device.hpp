@@ -32,15 +32,20 @@ char const* type_name(typename api<Version>::device const& device) {
                                           : "device";
 }
 
+/// Whether a name contains a text of lower-case letters.
+[[gnu::noinline]] inline bool has_text(std::string name, std::string const& wanted) {
+    return lower_case(std::move(name)).find(wanted) != std::string::npos;
+}
+
 template <int Version>
 bool is_meant(typename api<Version>::device const& device, std::size_t number, std::string const& text) {
     if (text.find_first_not_of("0123456789") == std::string::npos) {
         return text == std::to_string(number);
     }
     std::string const wanted = lower_case(text);
-    auto const in = [&wanted](std::string const& name) { return lower_case(name).find(wanted) != std::string::npos; };
-    return wanted == type_name<Version>(device) || in(device.name()) || in(device.get_platform().name()) ||
-           in(device.get_platform().version()); // PoCL has its name there only
+    auto const platform = device.get_platform();
+    return wanted == type_name<Version>(device) || has_text(device.name(), wanted) ||
+           has_text(platform.name(), wanted) || has_text(platform.version(), wanted); // PoCL has its name there only
 }
 
 /// "0: rusticl: llvmpipe (cpu)".

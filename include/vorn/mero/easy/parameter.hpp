@@ -5,7 +5,6 @@
 #include <vorn/mero/easy/error.hpp>
 #include <vorn/mero/easy/versions.hpp>
 
-#include <algorithm>
 #include <array>
 #include <cstddef>
 #include <cstdint>
@@ -61,8 +60,8 @@ struct shape<T, std::enable_if_t<std::is_union<T>::value && std::is_array<declty
 };
 
 /// What an OpenCL type name means, "float4" or "uint"; nothing for a name that is no number's.
-inline std::optional<value_shape> shape_named(std::string const& name) {
-    static std::array<std::pair<char const*, value_shape>, 12> const scalars{{
+[[gnu::noinline]] inline std::optional<value_shape> shape_named(std::string_view name) {
+    static constexpr std::array<std::pair<std::string_view, value_shape>, 12> scalars{{
         {"char", {scalar_kind::integer, 1, 1}},
         {"uchar", {scalar_kind::integer, 1, 1}},
         {"bool", {scalar_kind::integer, 1, 1}},
@@ -76,14 +75,17 @@ inline std::optional<value_shape> shape_named(std::string const& name) {
         {"float", {scalar_kind::floating, 4, 4}},
         {"double", {scalar_kind::floating, 8, 8}},
     }};
+    std::string_view const stem = name.substr(0, name.find_first_of("0123456789"));
+    std::string_view const lanes = name.substr(stem.size());
+    std::size_t const count = lanes.empty()                  ? 1
+                              : lanes == "2"                 ? 2
+                              : lanes == "3" || lanes == "4" ? 4
+                              : lanes == "8"                 ? 8
+                              : lanes == "16"                ? 16
+                                                             : 0;
     for (auto const& [scalar, one] : scalars) {
-        if (name == scalar) {
-            return one;
-        }
-        for (std::size_t const lanes : {2U, 3U, 4U, 8U, 16U}) {
-            if (name == scalar + std::to_string(lanes)) {
-                return value_shape{one.kind, one.scalar_size, one.scalar_size * (lanes == 3 ? 4 : lanes)};
-            }
+        if (stem == scalar && count != 0) {
+            return value_shape{one.kind, one.scalar_size, one.scalar_size * count};
         }
     }
     return std::nullopt;
@@ -95,7 +97,7 @@ enum class argument_kind { unknown, value, pointer, local, image, sampler, pipe,
 enum class address_space { unknown, global, constant, local, private_ };
 
 /// Whether it is an image's type, "image2d_t" or a sibling; some compilers put the access before it.
-inline bool names_image(std::string_view type) noexcept {
+[[gnu::noinline]] inline bool names_image(std::string_view type) noexcept {
     constexpr std::array<std::string_view, 12> images{"image1d_t",
                                                       "image1d_buffer_t",
                                                       "image1d_array_t",
@@ -109,7 +111,12 @@ inline bool names_image(std::string_view type) noexcept {
                                                       "image2d_array_msaa_depth_t",
                                                       "image3d_t"};
     type.remove_prefix(type.rfind(' ') + 1); // all of it without a blank
-    return std::find(images.begin(), images.end(), type) != images.end();
+    for (std::string_view const each : images) {
+        if (each == type) {
+            return true;
+        }
+    }
+    return false;
 }
 
 inline bool names_pointer(std::string_view type) noexcept { return !type.empty() && type.back() == '*'; }
@@ -134,9 +141,9 @@ constexpr std::uint64_t form_of(argument_kind kind, value_shape const& shape) no
 /// What the implementation tells of an argument; of `unknown` kind where it tells nothing.
 struct parameter {
     parameter() = default;
-    parameter(std::string its_name, std::string its_type, address_space space, bool is_pipe)
+    [[gnu::noinline]] parameter(std::string its_name, std::string its_type, address_space space, bool is_pipe)
         : name(std::move(its_name)), type(std::move(its_type)), kind(kind_named(type, space, is_pipe)),
-          wanted(shape_named(names_pointer(type) ? type.substr(0, type.size() - 1) : type)),
+          wanted(shape_named(std::string_view(type).substr(0, type.size() - (names_pointer(type) ? 1 : 0)))),
           form(wanted ? form_of(kind, *wanted) : 0) {}
 
     std::string name;

@@ -5,7 +5,6 @@
 #include <vorn/mero/easy/device.hpp>
 #include <vorn/mero/easy/sampler.hpp>
 
-#include <exception>
 #include <initializer_list>
 #include <memory>
 #include <string>
@@ -236,10 +235,9 @@ private:
         if (bytes <= device().max_mem_alloc_size()) {
             return;
         }
-        std::throw_with_nested(
-            bounds_error(detail::joined({device().name(), " has no buffer of ", std::to_string(bytes),
-                                         " bytes, but of at most ", std::to_string(device().max_mem_alloc_size()),
-                                         ": use several arrays, or work on one part after another"})));
+        throw bounds_error(detail::joined({device().name(), " has no buffer of ", std::to_string(bytes),
+                                           " bytes, but of at most ", std::to_string(device().max_mem_alloc_size()),
+                                           ": use several arrays, or work on one part after another"}));
     }
 
     using basic_builder<Version>::state_;

@@ -12,6 +12,43 @@
 
 namespace vorn::mero::easy::detail {
 
+/// Host memory that commands use. Sessions know it by this class, so that only programs that need it contain it.
+class any_kept_memory {
+public:
+    any_kept_memory() = default;
+    any_kept_memory(any_kept_memory const&) = delete;
+    any_kept_memory& operator=(any_kept_memory const&) = delete;
+    virtual ~any_kept_memory() = default;
+    virtual void forget() = 0;
+};
+
+template <int Version>
+class kept_memory final : public any_kept_memory {
+public:
+    /// Waits for the commands.
+    ~kept_memory() override {
+        for (auto const& [command, memory] : kept_) {
+            try {
+                command.wait();
+            } catch (std::exception const&) { // it has ended, and its own event tells how
+            }
+        }
+    }
+
+    void keep(basic_event<Version> command, std::shared_ptr<void const> memory) {
+        kept_.emplace_back(std::move(command), std::move(memory));
+    }
+
+    void forget() override {
+        while (!kept_.empty() && kept_.front().first.done()) {
+            kept_.pop_front();
+        }
+    }
+
+private:
+    std::deque<std::pair<basic_event<Version>, std::shared_ptr<void const>>> kept_;
+};
+
 /// A device, its context and queue, and the host memory that commands of the queue use.
 template <int Version>
 class session_state {
@@ -22,16 +59,6 @@ public:
 
     session_state(session_state const&) = delete;
     session_state& operator=(session_state const&) = delete;
-
-    /// Waits for the commands that use kept memory.
-    ~session_state() {
-        for (auto const& [command, memory] : kept_) {
-            try {
-                command.wait();
-            } catch (std::exception const&) { // it has ended, and its own event tells how
-            }
-        }
-    }
 
     typename api<Version>::device device;
     typename api<Version>::context context;
@@ -70,22 +97,25 @@ public:
 
     /// Keeps memory until the command has ended: it goes at the next `keep` or `forget` after that.
     void keep(basic_event<Version> command, std::shared_ptr<void const> memory) {
-        forget();
         std::lock_guard<std::mutex> const lock(guard_);
-        kept_.emplace_back(std::move(command), std::move(memory));
+        if (!kept_) {
+            kept_ = std::make_unique<kept_memory<Version>>();
+        }
+        kept_->forget();
+        static_cast<kept_memory<Version>&>(*kept_).keep(std::move(command), std::move(memory));
     }
 
     /// Lets memory go whose commands have ended, oldest first.
     void forget() {
         std::lock_guard<std::mutex> const lock(guard_);
-        while (!kept_.empty() && kept_.front().first.done()) {
-            kept_.pop_front();
+        if (kept_) {
+            kept_->forget();
         }
     }
 
 private:
     std::mutex guard_;
-    std::deque<std::pair<basic_event<Version>, std::shared_ptr<void const>>> kept_;
+    std::unique_ptr<any_kept_memory> kept_; // null before the first
 };
 
 /// Throws unless both objects belong to one context, which not every implementation compares.

@@ -26,7 +26,7 @@ void call_if_built(Action& action) {
 
 /// "1.2" of 120.
 inline std::string version_text(int version) {
-    return std::to_string(version / 100) + "." + std::to_string(version / 10 % 10);
+    return {static_cast<char>('0' + version / 100), '.', static_cast<char>('0' + version / 10 % 10)};
 }
 
 } // namespace detail
