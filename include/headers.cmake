@@ -12,8 +12,8 @@ vorn_mero_add_headers(nq/blocks context enqueue_buffer enqueue_image enqueue_ker
   reference)
 vorn_mero_add_headers(nq/describe enqueues field format memory names objects queries values)
 vorn_mero_add_headers(vorn/mero easy version)
-vorn_mero_add_headers(vorn/mero/easy argument array binary_cache borders builder device devices embedded error event
-  host_event image included_files kernel mapped_image needs options order parameter pixel program range sampler session
+vorn_mero_add_headers(vorn/mero/easy argument array binary_cache borders builder continuation device devices embedded error
+  event host_event image included_files kernel mapped_image needs options order parameter pixel program range sampler session
   session_state shared split transfer tune versions)
 vorn_mero_add_headers(vorn/mero/common error error_base error_code export)
 vorn_mero_add_headers(vorn/mero/internal call_capability check_error find_devices handle kept_pattern
