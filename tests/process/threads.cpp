@@ -71,9 +71,10 @@ std::vector<typename Api::device> devices() {
     std::vector<typename Api::device> found;
     for (auto const& each : Api::get_all_devices()) {
         auto const name = each.get_platform().name();
-        char const* const reason = name == "Oclgrind"  ? "is for one thread"
-                                   : name == "rusticl" ? "computes wrong results where threads share a queue"
-                                                       : nullptr;
+        char const* const reason = name == "Oclgrind" ? "is for one thread"
+                                   : name == "rusticl"
+                                       ? "crashes, or computes wrong results, where threads share a queue"
+                                       : nullptr;
         if (reason == nullptr) {
             found.push_back(each);
         } else {
