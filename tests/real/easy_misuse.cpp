@@ -103,6 +103,7 @@ SCENARIO(easy_knows_what_was_moved_from, "easy misuse", 120) {
         [&](auto& o) { o.on(gpu); }, [](auto& o) { o.part(0, 1); });
     moved_from(
         program, [](auto& o) { o["f"]; }, [](auto& o) { o.binary(); }, [&](auto& o) { o.on(gpu); });
+    moved_from(gpu.compile(source), [&](auto& o) { gpu.link({o}); });
     auto v = gpu.array(numbers(4));
     auto f = program["f"];
     ez::local<int> const s(1);

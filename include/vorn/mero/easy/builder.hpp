@@ -69,12 +69,34 @@ public:
     /// Of a program of the exact interface, which must be compiled.
     explicit basic_compiled(exact_type exact) noexcept : exact_(std::move(exact)) {}
 
+    /// @{
+    /// Throws `moved_from` for a part that was moved from.
+    basic_compiled(basic_compiled const& other) : exact_(there(other)) {}
+    basic_compiled& operator=(basic_compiled const& other) {
+        exact_ = there(other);
+        return *this;
+    }
+    /// @}
+    basic_compiled(basic_compiled&&) noexcept = default;
+    basic_compiled& operator=(basic_compiled&&) noexcept = default;
+    ~basic_compiled() = default;
+
     /// The program of the exact interface.
     [[nodiscard]] exact_type& exact() noexcept { return exact_; }
     /// The same of an object that does not change.
     [[nodiscard]] exact_type const& exact() const noexcept { return exact_; }
 
 private:
+    template <int>
+    friend class basic_builder;
+
+    static exact_type const& there(basic_compiled const& part) {
+        if (detail::raw_of(part.exact_) == nullptr) {
+            detail::refuse_moved_from();
+        }
+        return part.exact_;
+    }
+
     exact_type exact_;
 };
 
@@ -299,10 +321,7 @@ private:
         std::vector<typename exact_api::program> programs;
         programs.reserve(parts.size());
         for (auto const& each : parts) {
-            if (detail::raw_of(each.exact()) == nullptr) {
-                detail::refuse_moved_from();
-            }
-            programs.push_back(each.exact());
+            programs.push_back(basic_compiled<Version>::there(each));
         }
         try {
             return state_->context.link_programs({state_->device}, programs, options.text(), nullptr, nullptr);
