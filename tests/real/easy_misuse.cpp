@@ -49,6 +49,9 @@ SCENARIO(easy_tells_what_to_do, "easy misuse", 120) {
         says<ez::argument_error>("use smaller work-groups",
                                  [&] { twice(ez::range(1).local(1), ez::local<int>(third), ez::local<int>(third)); });
     }
+    for (bool const first : {true, false, true}) { // what earlier arguments were does not count
+        twice(ez::range(1).local(1), ez::local<int>(first ? third : 1), ez::local<int>(first ? 1 : third)).wait();
+    }
     says<ez::launch_error>("", [&] { f(ez::range(8).local(3), v, s); });
     says<ez::bounds_error>("elements 4 to 18446744073709551615", [&] { v.fill(0, 4, most); });
     says<ez::bounds_error>("use several arrays", [&] { gpu.template array<int>(std::size_t{1} << 50U); });
@@ -96,7 +99,7 @@ SCENARIO(easy_knows_what_was_moved_from, "easy misuse", 120) {
     auto const program = gpu.build(source);
     moved_from(
         gpu, [](auto& o) { o.device(); }, [](auto& o) { o.finish(); }, [](auto& o) { o.build(source); },
-        [](auto& o) { o.array(numbers{1}); }, [](auto& o) { o.another_queue(); });
+        [](auto& o) { o.array(numbers{1}); }, [](auto& o) { o.another_queue(); }, [](auto& o) { o.state(); });
     moved_from(
         gpu.array(numbers(4)), [](auto& o) { o.read(); }, [](auto& o) { o.write({1}); }, [](auto& o) { o.fill(1); },
         [](auto& o) { o.map(); }, [](auto& o) { o.flush(); }, [](auto& o) { o.read_async(); },

@@ -180,14 +180,13 @@ struct is_object<
     std::void_t<decltype(std::declval<typename api<Version>::kernel&>().set_argument(0U, std::declval<T&>()))>>
     : std::bool_constant<!std::is_arithmetic<T>::value> {};
 
-/// The size of an argument that is local memory.
+/// The bytes of local memory that an argument asks for.
 template <class Argument>
 struct local_bytes {
-    static constexpr bool is_local = false;
+    static constexpr std::size_t of(Argument const&) noexcept { return 0; }
 };
 template <class T>
 struct local_bytes<local<T>> {
-    static constexpr bool is_local = true;
     static std::size_t of(local<T> const& memory) { return product(memory.count, sizeof(T)); }
 };
 

@@ -110,6 +110,10 @@ public:
         }
         unsigned index = 0;
         (set(index++, arguments), ...);
+        if ((std::size_t{0} + ... + detail::local_bytes<Arguments>::of(arguments)) > every_device_has) {
+            // of all arguments, and of what the kernel itself declares
+            check_local(detail::joined({"kernel '", name_, "'"}), exact_.local_mem_size(session_->device));
+        }
     }
 
     /// The same as a call where the number of arguments is known only when the program runs, as in a binding to another
@@ -176,30 +180,23 @@ private:
                 refuse_context(at, traits::text(argument), context == nullptr);
             }
         }
-        std::size_t local_bytes = 0;
-        if constexpr (detail::local_bytes<Argument>::is_local) {
-            local_bytes = detail::local_bytes<Argument>::of(argument);
-        }
-        if (local_bytes > every_device_has) {
-            check_local(at, local_bytes, local_bytes);
+        if (std::size_t const bytes = detail::local_bytes<Argument>::of(argument); bytes > every_device_has) {
+            check_local(at.text(), bytes);
         }
         try {
             traits::set(exact_, index, argument);
         } catch (common::error const& refused) {
             refuse_argument(at, traits::text(argument), refused);
         }
-        if (local_bytes > every_device_has) {
-            check_local(at, local_bytes, exact_.local_mem_size(session_->device)); // with the other arguments
-        }
     }
 
     static constexpr std::size_t every_device_has = 16384; // bytes of local memory; more are worth a question
 
     /// PoCL ends the process at the launch where there is not enough for all, Oclgrind allocates it.
-    [[gnu::cold, gnu::noinline]] void check_local(argument_place const& at, std::size_t bytes, std::size_t all) const {
+    [[gnu::cold, gnu::noinline]] void check_local(std::string const& taker, std::size_t bytes) const {
         std::size_t const most = session_->device.local_mem_size();
-        if (all > most) {
-            throw argument_error(detail::joined({at.text(), " was given ", std::to_string(bytes),
+        if (bytes > most) {
+            throw argument_error(detail::joined({taker, " takes ", std::to_string(bytes),
                                                  " bytes of local memory, but a work-group has ", std::to_string(most),
                                                  " here for everything: use smaller work-groups"}));
         }

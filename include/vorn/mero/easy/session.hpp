@@ -215,7 +215,10 @@ public:
     }
 
     /// What the session shares with its objects; for other headers of this layer.
-    [[nodiscard]] std::shared_ptr<detail::session_state<Version>> const& state() const noexcept { return state_; }
+    [[nodiscard]] std::shared_ptr<detail::session_state<Version>> const& state() const {
+        static_cast<void>(*state_);
+        return state_;
+    }
 
 private:
     using flags = typename exact_api::mem_flags;
