@@ -5,25 +5,51 @@
 #include "internal/system.hpp"
 
 #include <atomic>
-#include <mutex>
-#include <new>
 #include <string_view>
+#include <thread>
 
 namespace vorn::mero::internal {
 namespace {
 
 std::atomic<bool> logging_has_ended{false};
 
-// Held by a thread that logs, and during a fork: else the child could inherit a lock of spdlog's that none of its
-// threads holds, and would wait for ever when it logs. Recursive: a sink of the program may itself fork, or fail to
-// release an object. Never destroyed: a detached thread may log until the process has ended.
-std::recursive_mutex& logging = *new std::recursive_mutex;
+// A thread that logs does not begin during a fork. Where one is amid it, the child may inherit a lock of spdlog's that
+// none of its threads holds: it logs no more, rather than wait for ever. Whoever forks waits for nobody.
+std::atomic<int> logging_threads{0};
+std::atomic<int> forking_threads{0};
+thread_local bool is_forking = false; // whose other fork handlers may log
+thread_local bool forks_amid_logging = false;
 
-void before_fork() { logging.lock(); }
-void after_fork_in_parent() { logging.unlock(); }
-void after_fork_in_child() { new (&logging) std::recursive_mutex; } // its owner has another number in the child
+struct logging_thread {
+    logging_thread() noexcept {
+        for (++logging_threads; forking_threads != 0 && !is_forking;) {
+            std::this_thread::yield();
+        }
+    }
+    logging_thread(logging_thread const&) = delete;
+    logging_thread& operator=(logging_thread const&) = delete;
+    ~logging_thread() { --logging_threads; }
+};
 
-[[maybe_unused]] bool const forks_wait = [] {
+void before_fork() {
+    ++forking_threads;
+    is_forking = true;
+    forks_amid_logging = logging_threads != 0;
+}
+void after_fork_in_parent() {
+    is_forking = false;
+    --forking_threads;
+}
+void after_fork_in_child() {
+    is_forking = false;
+    forking_threads = 0;
+    logging_threads = 0; // the others do not exist here
+    if (forks_amid_logging) {
+        logging_has_ended = true;
+    }
+}
+
+[[maybe_unused]] bool const forks_are_watched = [] {
     watch_forks(before_fork, after_fork_in_parent, after_fork_in_child);
     return true;
 }();
@@ -62,7 +88,9 @@ struct end_of_logging {
     spdlog::logger& logger;
 
     ~end_of_logging() {
-        logging_has_ended = true;
+        if (logging_has_ended.exchange(true)) {
+            return;
+        }
         try {
             library().flush(logger);
         } catch (...) { // of a program's own sink; process exit has nowhere to report this
@@ -91,7 +119,7 @@ void log_failure(char const* message) noexcept {
         return;
     }
     try {
-        std::lock_guard const lock(logging);
+        logging_thread const here;
         library().log_error(*get_mero_logger(), message);
     } catch (...) { // a destructor has nowhere to report this
     }
