@@ -325,11 +325,14 @@ private:
         auto const& device = state_->device;
         size_type const flat{device.image2d_max_width(), device.image2d_max_height(), 1};
         size_type const deep{device.image3d_max_width(), device.image3d_max_height(), device.image3d_max_depth()};
-        size_type const& largest = Kind == image_kind::three ? deep : flat;
+        size_type largest = Kind == image_kind::three ? deep : flat;
+        if constexpr (Kind == image_kind::one_array || Kind == image_kind::two_array) {
+            largest[Kind == image_kind::one_array ? 1 : 2] = device.image_max_array_size();
+        }
         std::size_t const bytes = device.max_mem_alloc_size();
         std::size_t const row = size[0] * sizeof(pixel_type);
         bool const is_empty = size[0] == 0 || size[1] == 0 || size[2] == 0;
-        bool const is_large = size[0] > largest[0] || size[1] > largest[1] || row > bytes ||
+        bool const is_large = size[0] > largest[0] || size[1] > largest[1] || size[2] > largest[2] || row > bytes ||
                               (!is_empty && size[1] > bytes / row / size[2]);
         if (is_empty || is_large) {
             throw bounds_error(detail::joined({device.name(), " has no image of ", detail::size_text(size),

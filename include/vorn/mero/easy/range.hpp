@@ -25,7 +25,8 @@ namespace vorn::mero::easy {
 ///     auto const rest = ez::range(100).from(28);              // get_global_id(0) is 28 to 127; since OpenCL 1.1
 ///
 /// A local size must divide the global size before OpenCL 2.0: `ez::range(ez::round_up(n, 64)).local(64)`. Throws
-/// `bounds_error` for a size or an offset that can only be a negative number, since implementations crash for it.
+/// `bounds_error` for a global size or an offset that can only be a negative number, since implementations crash for
+/// it.
 class range {
 public:
     /// One dimension of `x` work-items.
@@ -81,9 +82,8 @@ private:
     }
 
     [[noreturn, gnu::cold, gnu::noinline]] static std::size_t refuse(std::size_t number) {
-        throw bounds_error(detail::joined({"a range of ", std::to_string(number),
-                                           " work-items, or from there on, was a negative number: look at how it is "
-                                           "computed"}));
+        throw bounds_error(detail::joined({"the size or offset ", std::to_string(number),
+                                           " of a range was a negative number: look at how it is computed"}));
     }
 
     [[gnu::cold, gnu::noinline]] std::string product(std::array<std::size_t, 3> const& sizes) const {
