@@ -216,6 +216,7 @@ struct has_context<Traits, T, std::void_t<decltype(Traits::context(std::declval<
 /// `CL/cl_platform.h`), a structure.
 template <class T, int Version, class = void>
 struct argument_traits {
+    /// Whether a kernel takes it: OpenCL copies its bytes.
     static constexpr bool is_copied = !std::is_pointer<T>::value && std::is_trivially_copyable<T>::value;
 
     /// Throws `argument_error` for a value of another kind or size than declared.
