@@ -142,8 +142,8 @@ private:
     void check_offset(range const& over) const {
         if (Version < 110 && over.offset() != std::array<std::size_t, 3>{}) {
             throw unsupported(detail::joined({"kernel '", name_, "' over ", over.text(),
-                                              ": OpenCL launches from an offset since 1.1: use ez::basic_session<110>, "
-                                              "or pass the offset as an argument"}));
+                                              ": OpenCL launches from an offset since 1.1: use ez::basic_session<110>,",
+                                              " or pass the offset as an argument"}));
         }
     }
 

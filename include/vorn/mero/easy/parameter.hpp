@@ -5,6 +5,7 @@
 #include <vorn/mero/easy/error.hpp>
 #include <vorn/mero/easy/versions.hpp>
 
+#include <algorithm>
 #include <array>
 #include <cstddef>
 #include <cstdint>
@@ -111,12 +112,7 @@ enum class address_space { unknown, global, constant, local, private_ };
                                                       "image2d_array_msaa_depth_t",
                                                       "image3d_t"};
     type.remove_prefix(type.rfind(' ') + 1); // all of it without a blank
-    for (std::string_view const each : images) {
-        if (each == type) {
-            return true;
-        }
-    }
-    return false;
+    return std::find(images.begin(), images.end(), type) != images.end();
 }
 
 inline bool names_pointer(std::string_view type) noexcept { return !type.empty() && type.back() == '*'; }
