@@ -77,7 +77,7 @@ def natural_failures(gpu, program):
         (mero.ArgumentError, lambda: program["slow"](1, gpu.empty(1, "i"), 2**31)),
         (mero.ArgumentError, lambda: program["slow"](1, gpu.empty(1, "i"), 1.5)),
         (mero.LaunchError, launch(numbers, numbers, 1, local, shift, local=3)),
-        (mero.common.InvalidBufferSize, lambda: gpu.empty(2**60, "B")),
+        (mero.BoundsError, lambda: gpu.empty(2**60, "B")),
         (mero.common.InvalidValue, lambda: mero.check(-30)),
         (mero.common.UnknownOpenCLError, lambda: mero.check(-9999)),
         (ValueError, lambda: numbers.read(np.empty((8, 2), "f")[:, 0])),  # NumPy's own
