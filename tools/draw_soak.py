@@ -12,10 +12,10 @@ MIB = 1 << 20
 
 def style():
     def rules(which):
-        marks = "".join(f".{name}{{fill:{colour[which]};stroke:{colour[which]}}}" for name, colour in COLOURS.items())
+        marks = "".join(f".of-{name}{{fill:{colour[which]};stroke:{colour[which]}}}" for name, colour in COLOURS.items())
         ink, faint, rule = (("#1f2328", "#59636e", "#d1d9e0"), ("#e6edf3", "#9198a1", "#3d444d"))[which]
         return f"text{{fill:{ink}}}.faint{{fill:{faint}}}.grid{{stroke:{rule}}}" + marks
-    return f"<style>{rules(0)}polyline{{fill:none}}@media(prefers-color-scheme:dark){{{rules(1)}}}</style>"
+    return f"<style>{rules(0)}@media(prefers-color-scheme:dark){{{rules(1)}}}</style>"
 
 
 def text(x, y, content, anchor="start", kind="", size=12):
@@ -39,7 +39,7 @@ def draw_memory(run, top):
         points = " ".join(f"{LEFT[0] + (LEFT[1] - LEFT[0]) * each['operations'] / end:.1f},"
                           f"{top + PANEL * (1 - each['resident'] / most):.1f}" for each in run[load]["samples"])
         dashes = ' stroke-dasharray="4 3"' if load == "c" else ""
-        yield f'<polyline class="{load}" style="fill:none" stroke-width="1.5"{dashes} points="{points}"/>'
+        yield f'<polyline class="of-{load}" style="fill:none" stroke-width="1.5"{dashes} points="{points}"/>'
     yield text(LEFT[1], top + PANEL + 16, f"{end:,} operations".replace(",", " "), "end", "faint", 11)
 
 
@@ -57,9 +57,9 @@ def draw_times(run, top):
         for beside, load in ((-2.5, "library"), (2.5, "c")):
             times = run[load]["nanoseconds"].get(name)
             if times:
-                yield line(at(times["p50"]), y + beside, at(times["max"]), y + beside, load)
-                yield f'<circle class="{load}" cx="{at(times["p50"]):.1f}" cy="{y + beside:.1f}" r="2.5"/>'
-                yield line(at(times["p99"]), y + beside - 2.5, at(times["p99"]), y + beside + 2.5, load, 2)
+                yield line(at(times["p50"]), y + beside, at(times["max"]), y + beside, f"of-{load}")
+                yield f'<circle class="of-{load}" cx="{at(times["p50"]):.1f}" cy="{y + beside:.1f}" r="2.5"/>'
+                yield line(at(times["p99"]), y + beside - 2.5, at(times["p99"]), y + beside + 2.5, f"of-{load}", 2)
 
 
 def draw(runs):
@@ -69,7 +69,7 @@ def draw(runs):
              text(16, 24, "Memory, and the time of each operation: ● median, | 99 of 100, line to the longest", size=14)]
     x = 16
     for load, name in (("library", "library"), ("c", "the same load by OpenCL's own functions")):
-        parts += [f'<circle class="{load}" cx="{x + 5}" cy="40" r="4"/>', text(x + 16, 44, name)]
+        parts += [f'<circle class="of-{load}" cx="{x + 5}" cy="40" r="4"/>', text(x + 16, 44, name)]
         x += 110
     for i, run in enumerate(runs):
         top = HEAD + i * (PANEL + GAP) + 24
