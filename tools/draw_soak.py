@@ -1,26 +1,14 @@
 """Draws what tools/soak has measured, as an SVG for light and dark pages: a row for each implementation and kind of load,
 with the resident memory over the operations on the left and the times of each operation on the right."""
 
-import html
 import math
+
+from svg import style, text
 
 COLOURS = {"library": ("#0969da", "#58a6ff"), "c": ("#bc4c00", "#f0883e")}  # on light and on dark pages
 WIDTH, HEAD, PANEL, GAP = 960, 60, 150, 66
 LEFT, MIDDLE, RIGHT = (70, 430), (600, 930), 930
 MIB = 1 << 20
-
-
-def style():
-    def rules(which):
-        marks = "".join(f".of-{name}{{fill:{colour[which]};stroke:{colour[which]}}}" for name, colour in COLOURS.items())
-        ink, faint, rule = (("#1f2328", "#59636e", "#d1d9e0"), ("#e6edf3", "#9198a1", "#3d444d"))[which]
-        return f"text{{fill:{ink}}}.faint{{fill:{faint}}}.grid{{stroke:{rule}}}" + marks
-    return f"<style>{rules(0)}@media(prefers-color-scheme:dark){{{rules(1)}}}</style>"
-
-
-def text(x, y, content, anchor="start", kind="", size=12):
-    kind = f' class="{kind}"' if kind else ""
-    return f'<text x="{x:.1f}" y="{y:.1f}" text-anchor="{anchor}" font-size="{size}"{kind}>{html.escape(content)}</text>'
 
 
 def line(x1, y1, x2, y2, kind="grid", width=1):
@@ -65,11 +53,11 @@ def draw_times(run, top):
 def draw(runs):
     height = HEAD + len(runs) * (PANEL + GAP)
     parts = [f'<svg xmlns="http://www.w3.org/2000/svg" viewBox="0 0 {WIDTH} {height}" width="{WIDTH}" height="{height}" '
-             'font-family="sans-serif" role="img">', "<title>Memory and times of a mixed load</title>", style(),
+             'font-family="sans-serif" role="img">', "<title>Memory and times of a mixed load</title>", style({f"of-{name}": colour for name, colour in COLOURS.items()}),
              text(16, 24, "Memory, and the time of each operation: ● median, | 99 of 100, line to the longest", size=14)]
     x = 16
     for load, name in (("library", "library"), ("c", "the same load by OpenCL's own functions")):
-        parts += [f'<circle class="of-{load}" cx="{x + 5}" cy="40" r="4"/>', text(x + 16, 44, name)]
+        parts += [f'<circle class="of-{load}" cx="{x + 5}" cy="40" r="4"/>', text(x + 16, 44, name, size=12)]
         x += 110
     for i, run in enumerate(runs):
         top = HEAD + i * (PANEL + GAP) + 24
