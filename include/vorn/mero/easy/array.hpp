@@ -28,8 +28,12 @@ namespace detail {
                 std::to_string(size), ": ask for fewer, or make a larger array"}));
 }
 
+constexpr bool is_within(std::size_t offset, std::size_t count, std::size_t size) noexcept {
+    return offset <= size && count <= size - offset;
+}
+
 inline void check_bounds(std::size_t offset, std::size_t count, std::size_t size) {
-    if (offset > size || count > size - offset) {
+    if (!is_within(offset, count, size)) {
         refuse_bounds(offset, count, size);
     }
 }
@@ -278,7 +282,7 @@ private:
     using flags = typename api<Version>::map_flags;
 
     void check_bounds(std::size_t offset, std::size_t count) const {
-        if (offset > size_ || count > size_ - offset) {
+        if (!detail::is_within(offset, count, size_)) {
             refuse_bounds(offset, count);
         }
     }
