@@ -3,6 +3,7 @@
 // exception for that; in the end every reference is released once, but those whose release failed.
 
 #include "fuzz/input.hpp"
+#include "scripted/failures.hpp"
 #include "unit/allocations.hpp"
 #include "unit/world.hpp"
 
@@ -204,17 +205,6 @@ operation const operations[] = {
         nd_range_kernel(any<kernel>(), 1, {0, 0, 0}, {64, 1, 1}, {8, 1, 1}))),
 };
 
-/// How calls fail, and what is thrown then.
-struct failing {
-    scripted::failure how;
-    std::type_index thrown;
-};
-failing const failures[] = {{scripted::status(-5), typeid(common::out_of_resources)},
-                            {scripted::status(-9999), typeid(common::unknown_opencl_error)},
-                            {scripted::layer(-1), typeid(nq::unrecoverable_error)},
-                            {scripted::layer(-2), typeid(nq::invalid_command_id)},
-                            {scripted::layer(7), typeid(nq::unknown_error)}};
-
 /// Answers queries with a handle that is held, or with other sizes.
 template <class... Blocks>
 void answer_queries() {
@@ -240,7 +230,7 @@ int lost = 0;
 /// Performs an operation of which perhaps a call fails, and perhaps an allocation. Looks what comes out.
 void perform(operation const& chosen) {
     std::uint8_t const how = chosen.is != kind::unfailing ? input->byte() : 0;
-    failing const& failure = failures[how / 4 % std::size(failures)];
+    scripted::failing const& failure = scripted::failures[how / 4 % std::size(scripted::failures)];
     bool const call_fails = how % 4 == 1 || how % 4 == 3;
     std::size_t const failing_allocation = how % 4 >= 2 ? 1 + input->below(16) : 0;
     if (call_fails) {

@@ -4,6 +4,7 @@
 // and replies of every wrong size. What comes out is exactly the right exception, nothing is lost or released twice,
 // and the member works afterwards.
 
+#include "scripted/failures.hpp"
 #include "scripted/replies.hpp"
 #include "scripted/scripted.hpp"
 #include "unit/allocations.hpp"
@@ -18,18 +19,6 @@
 namespace unit {
 
 namespace common = vorn::mero::common;
-
-/// A way in which a call fails, and what is thrown then.
-struct failing {
-    scripted::failure how;
-    std::type_info const& thrown;
-};
-
-inline failing const failures[] = {{scripted::status(-5), typeid(common::out_of_resources)},
-                                   {scripted::status(-999), typeid(common::unknown_opencl_error)},
-                                   {scripted::layer(-1), typeid(nq::unrecoverable_error)},
-                                   {scripted::layer(-2), typeid(nq::invalid_command_id)},
-                                   {scripted::layer(7), typeid(nq::unknown_error)}};
 
 /// The class and the message of what some work throws.
 template <class Work>
@@ -72,7 +61,7 @@ struct fixture : testing::Test {
         std::map<std::string, unsigned> seen;
         for (scripted::call const& call : made) {
             unsigned const n = ++seen[call.name];
-            for (failing const& failure : failures) {
+            for (scripted::failing const& failure : scripted::failures) {
                 // what a destructor cannot throw is logged; without a status only the call layer can fail
                 if (!call.name.starts_with("clRelease") && (failure.how.status == 0 || call.has_status)) {
                     SCOPED_TRACE(call.name + ", number " + std::to_string(n));
