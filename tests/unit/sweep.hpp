@@ -19,6 +19,7 @@
 namespace unit {
 
 namespace common = vorn::mero::common;
+using scripted::failing, scripted::failures;
 
 /// The class and the message of what some work throws.
 template <class Work>
@@ -61,7 +62,7 @@ struct fixture : testing::Test {
         std::map<std::string, unsigned> seen;
         for (scripted::call const& call : made) {
             unsigned const n = ++seen[call.name];
-            for (scripted::failing const& failure : scripted::failures) {
+            for (failing const& failure : failures) {
                 // what a destructor cannot throw is logged; without a status only the call layer can fail
                 if (!call.name.starts_with("clRelease") && (failure.how.status == 0 || call.has_status)) {
                     SCOPED_TRACE(call.name + ", number " + std::to_string(n));
