@@ -10,8 +10,10 @@
 #include <dlfcn.h>
 #include <functional>
 #include <map>
+#include <mutex>
 #include <optional>
 #include <spdlog/logger.h>
+#include <spdlog/sinks/base_sink.h>
 #include <sys/wait.h>
 #include <thread>
 #include <unistd.h>
@@ -206,6 +208,33 @@ void fork_while_threads_use(std::function<void(shared_objects&)> const& perform,
     at_the_edge();
 }
 
+/// A sink of the program's own, which takes a lock of the program's own.
+struct locking_sink : spdlog::sinks::base_sink<spdlog::details::null_mutex> {
+    inline static std::mutex lock;
+    inline static std::atomic<bool> is_entered{false};
+
+    void sink_it_(spdlog::details::log_msg const&) override {
+        is_entered = true;
+        std::lock_guard const turn(lock);
+    }
+    void flush_() override {}
+};
+
+/// The thread that forks holds the lock, which the child keeps.
+void fork_while_a_sink_waits() {
+    internal::get_mero_logger()->sinks() = {std::make_shared<locking_sink>()};
+    auto on = make();
+    std::unique_lock held(locking_sink::lock);
+    std::thread logging([&] { log(on); });
+    while (!locking_sink::is_entered) {
+        sleep_milliseconds(1);
+    }
+    in_child([&] { log(on); });
+    held.unlock();
+    logging.join();
+    at_the_edge();
+}
+
 // Plugins of two compilers, and two versions of OpenCL.
 
 void two_versions() {
@@ -293,6 +322,7 @@ std::map<std::string, scene> const scenes = {
     {"fork_while_threads_call", [](char**) { fork_while_threads_use(use_everything, 20); }},
     {"fork_while_threads_discover", [](char**) { fork_while_threads_use(discover<api<120>>, 50); }},
     {"fork_while_threads_log", [](char**) { fork_while_threads_use(log<api<120>>, 50); }},
+    {"fork_while_a_sink_waits", plain(fork_while_a_sink_waits)},
     {"two_versions", plain(two_versions)},
     {"plugins_closed", [](char** files) { plugins(files, true); }},
     {"plugins_left_open", [](char** files) { plugins(files, false); }},
