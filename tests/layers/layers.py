@@ -51,13 +51,14 @@ def breaches(program, folder, line):
 def breaches_of_trace(program, folder):
     """A trace has every call, a slice of each command, and arrows that begin and end at slices."""
     with tempfile.TemporaryDirectory() as place:
-        output = pathlib.Path(place) / "trace.json"
-        settings = f"output={output},summary,profile"
+        settings = f"output={place}/trace-%p.json,summary,profile"
         status, text, printed = run(program, "profile", [folder / "libnq-trace.so"], settings)
         if (status, text) != run(program, "profile")[:2]:
             yield f"exit status {status}, and the program sees: {text}"
+        output, *left = pathlib.Path(place).iterdir()
         events = json.loads(output.read_text())["traceEvents"]
-        left = [each.name for each in pathlib.Path(place).iterdir() if each != output]
+        if not re.fullmatch(r"trace-\d+\.json", output.name):
+            yield f"the trace is {output.name}"
     slices = [each for each in events if each["ph"] == "X"]
     commands = [each for each in slices if "queued" in each["args"]]
     count = collections.Counter(each["name"] for each in commands)
@@ -80,9 +81,20 @@ def breaches_of_trace(program, folder):
         yield f"the summary is {table}"
     if left:
         yield f"left behind: {left}"
-    status, text, printed = run(program, "newer", [folder / "libnq-trace.so"], "output=/dev/null,summary,profile")
-    if (status, text) != run(program, "newer")[:2] or not any(re.match(r"nq-trace: one +1 ", each) for each in printed):
-        yield f"newer: exit status {status}, the program sees {text}, the summary is {printed}"
+    for mistake, line in ("newer", r"nq-trace: one +1 "), ("profile_first", "nq-trace: clSetCommandQueueProperty +1 "):
+        status, text, printed = run(program, mistake, [folder / "libnq-trace.so"], "output=/dev/null,summary,profile")
+        if (status, text) != run(program, mistake)[:2] or not any(re.match(line, each) for each in printed):
+            yield f"{mistake}: exit status {status}, the program sees {text}, the summary is {printed}"
+
+
+def breaches_of_stripped(program, folder):
+    """Without debug information the lines of `leaks` have addresses and functions."""
+    with tempfile.TemporaryDirectory() as place:
+        stripped = pathlib.Path(place) / "stripped"
+        subprocess.run(["objcopy", "--strip-debug", program, stripped], check=True)
+        printed = run(stripped, "leak", [folder / "libnq-leaks.so"])[2]
+    if not any(re.search(r" clCreateBuffer at stripped\+0x[0-9a-f]+ main: 2 references$", each) for each in printed):
+        yield f"printed: {printed}"
 
 
 def breaches_of_command(command, program):
@@ -154,7 +166,7 @@ def main():
         found = list(breaches(program, folder, line))
         failed += bool(found)
         print("failed:" if found else "ok:", line, *found, sep="\n  " if found else " ")
-    wholes = {"trace": breaches_of_trace(program, folder)}
+    wholes = {"trace": breaches_of_trace(program, folder), "stripped": breaches_of_stripped(program, folder)}
     if len(sys.argv) > 4:
         wholes["command"] = breaches_of_command(sys.argv[4], program)
         wholes["sweep"] = breaches_of_sweep(sys.argv[4], program)

@@ -2,6 +2,7 @@
 //
 //     mistakes PLATFORM MISTAKE        77 as exit status if there is no such platform
 
+#include <vorn/mero/opencl_1_0.hpp>
 #include <vorn/mero/opencl_1_2.hpp>
 #include <vorn/mero/opencl_2_1.hpp>
 
@@ -107,6 +108,11 @@ std::map<std::string, std::function<void(session&)>> const mistakes{
          here.queue.enqueue_command_without_event(cl::read_buffer_rect(here.buffer, true, {16, 60, 0}, {0, 0, 0},
                                                                        {16, 8, 1}, 64, 0, 0, 0, here.values.data()));
      }},
+    {"pitch",
+     [](session& here) {
+         here.queue.enqueue_command_without_event(
+             cl::read_buffer_rect(here.buffer, true, {0, 0, 0}, {0, 0, 0}, {16, 8, 1}, 8, 0, 0, 0, here.values.data()));
+     }},
     {"unset",
      [](session& here) {
          cl::kernel kernel = here.kernel("scale");
@@ -151,6 +157,26 @@ std::map<std::string, std::function<void(session&)>> const mistakes{
          here.queue.enqueue_command_without_event(cl::read_buffer(here.buffer, true, 0, 4096, here.values.data()));
          std::printf("%g, profiling %d\n", static_cast<double>(here.values[0]), here.queue.profiling_enabled());
          (void)first.profile_command_start();
+     }},
+    {"profile_first", // a queue of 1.0 changes
+     [](session& here) {
+         namespace first = vorn::mero::opencl_1_0;
+         auto* const raw = cl::raw::get_raw_device_id(here.device);
+         for (first::device const& device : first::get_all_devices()) {
+             if (first::raw::get_raw_device_id(device) == raw) {
+                 first::context context = first::create_context({}, {device}, nullptr, nullptr);
+                 first::command_queue queue = context.create_command_queue(device, false, false);
+                 std::printf("%d ", queue.profiling_enabled());
+                 queue.enable_profiling();
+                 std::printf("%d\n", queue.profiling_enabled());
+             }
+         }
+     }},
+    {"many",
+     [](session& here) {
+         for (int i = 0; i < 30000; ++i) {
+             cl::buffer const copy = here.buffer;
+         }
      }},
     {"abandon",
      [](session& here) {

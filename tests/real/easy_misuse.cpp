@@ -161,5 +161,38 @@ SCENARIO(easy_follows_at_any_length, "easy layer", 120, 120) {
     EXPECT_EQ(calls, length);
 }
 
+/// A value that an argument does not take, and an image.
+SCENARIO(easy_tells_what_was_given, "easy misuse", 100) {
+    ez::basic_session<Api::number> const gpu(b.device, b.context);
+    auto take = gpu.build("kernel void take(float4 value) {}")["take"];
+    struct {
+        std::array<char, 3> bytes;
+    } const odd{};
+    auto const refuses = [&](std::string_view text, auto const& value) {
+        says<ez::argument_error>(text, [&] { take.set_arguments(value); });
+    };
+    refuses("was given a value of 3 bytes", odd);
+    refuses("was given the integer -3", cl_char{-3});
+    refuses("was given the integer 3", cl_ushort{3});
+    refuses("was given the vector {200, 1}", cl_uchar2{{200, 1}});
+    refuses("was given the vector {-4, 5}", cl_short2{{-4, 5}});
+    refuses("was given the integer -5000000000", cl_long{-5000000000});
+    refuses("was given the floating-point number 0.5", 0.5);
+}
+
+SCENARIO(easy_tells_sizes_of_images, "easy misuse", 120) {
+    if (!b.device.image_support()) {
+        skip("the device has no images");
+    }
+    ez::basic_session<Api::number> const gpu(b.device, b.context);
+    constexpr std::size_t huge = std::size_t{1} << 40U;
+    constexpr std::string_view limits = "there is at least one in each direction, at most ";
+    says<ez::bounds_error>(limits, [&] { gpu.template image<ez::r32u>(huge); });
+    says<ez::bounds_error>(limits, [&] { gpu.template image<ez::r32u>(1, huge); });
+    says<ez::bounds_error>(limits, [&] { gpu.template image<ez::r32u>(1, 1, huge); });
+    says<ez::bounds_error>(limits, [&] { gpu.template image_array<ez::r32u>(1, huge); });
+    says<ez::bounds_error>(limits, [&] { gpu.template image_array<ez::r32u>(1, 1, huge); });
+}
+
 } // namespace
 } // namespace real

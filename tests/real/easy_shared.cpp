@@ -72,6 +72,12 @@ SCENARIO(easy_shared_memory, "SVM", 200) {
         EXPECT_THROW((ez::basic_shared<int, version>(gpu, 8, ez::grain::fine)), ez::unsupported);
         skip("has no fine grain");
     }
+    if (!b.device.svm_atomics_supported()) {
+        EXPECT_THROW((ez::basic_shared<int, version>(gpu, 8, ez::grain::atomics)), ez::unsupported);
+    }
+    EXPECT_THROW(add(ez::range(1), std::vector<std::int32_t, ez::basic_shared_allocator<std::int32_t, version>>(
+                                       3, 7, ez::basic_shared_allocator<std::int32_t, version>(gpu))),
+                 ez::argument_error);
     ez::basic_shared<std::int32_t, version> fine(gpu, 2, ez::grain::fine);
     fine.data()[0] = 1;
     add(ez::range(1), fine, 10).wait();

@@ -74,6 +74,17 @@ TEST(errors, copies_keep_what_they_say) {
     EXPECT_STREQ(layer.what(), "Unknown error code returned by libnq.");
 }
 
+TEST(errors, a_program_makes_its_own) {
+    auto const kept = [](common::opencl_error const& error) {
+        return std::string(error.what()) + " " + std::to_string(static_cast<int>(error.code()));
+    };
+    EXPECT_EQ(kept(common::opencl_error("one", error_code::invalid_value)), "one -30");
+    EXPECT_EQ(kept(common::logic_error("two", error_code::invalid_kernel)), "two -48");
+    EXPECT_EQ(kept(common::runtime_error("three", error_code::out_of_resources)), "three -5");
+    nq::nq_error const copy = nq::unknown_error(7); // NOLINT(cppcoreguidelines-slicing)
+    EXPECT_EQ(copy.code(), 7);
+}
+
 static_assert(sizeof(nq::nq_error) == sizeof(nq::unknown_error) &&
               sizeof(nq::nq_error) == sizeof(std::exception) + sizeof(std::string) + 8);
 
