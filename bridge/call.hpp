@@ -2,29 +2,10 @@
 
 // Converts a block's fields to the arguments of an OpenCL function, and its result to the block's result fields.
 
+#include "argument.hpp"
 #include "guards.hpp"
 
-#include <bit>
-#include <type_traits>
-
 namespace nq::bridge {
-
-/// A field of a block, converted to any parameter. Pointers of the wire and of OpenCL have the same representation.
-template <class Field>
-struct argument {
-    Field field;
-
-    template <class Parameter>
-    operator Parameter() const noexcept {
-        if constexpr (std::is_pointer_v<Parameter>) {
-            return std::bit_cast<Parameter>(field);
-        } else {
-            return static_cast<Parameter>(field);
-        }
-    }
-};
-template <class Field>
-argument(Field) -> argument<Field>;
 
 /// Writes an error to a block, without a call.
 template <class Block>

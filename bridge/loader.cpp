@@ -18,6 +18,12 @@ bool exports_opencl(void* library) noexcept {
                        [library](char const* name) { return exported(library, name) != nullptr; });
 }
 
+// A libOpenCL.so.1 that stands before libnq would lead back here; it knows the one behind it.
+void* behind(void* library) noexcept {
+    auto* const ask = reinterpret_cast<void* (*)()>(exported(library, "nq_opencl_behind"));
+    return ask != nullptr ? ask() : library;
+}
+
 // A tool that watches OpenCL is preloaded: its functions have OpenCL's names in the global scope. Part of a second
 // library's own calls would be bound to them, and crash. Functions of the program itself do not count, nor do those of
 // a plugin's private libraries.
@@ -25,7 +31,7 @@ void* find_in_global_scope() noexcept {
     void* const scope = global_scope();
     bool const has_opencl =
         scope != nullptr && exports_opencl(scope) && !is_in_program(exported(scope, "clGetPlatformIDs"));
-    return has_opencl ? scope : nullptr;
+    return has_opencl ? behind(scope) : nullptr;
 }
 
 void take_exports(void* library) noexcept {
@@ -58,9 +64,13 @@ void take_dispatch_table(list_function list) {
 }
 
 std::string load_named(char const* name) {
-    void* const library = load_library(name, binding::at_once);
-    if (library == nullptr) {
+    void* const loaded_first = load_library(name, binding::at_once);
+    if (loaded_first == nullptr) {
         return load_failure(name);
+    }
+    void* const library = behind(loaded_first);
+    if (library == nullptr) {
+        return std::string(name) + " leads back to libnq, and there is no other";
     }
     if (exports_opencl(library)) {
         take_exports(library);

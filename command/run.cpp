@@ -75,15 +75,30 @@ void check(fs::path const& program) {
     }
 }
 
-// Beside this program, as installed and as built.
-fs::path find_layer(std::string const& name) {
+// Beside this program, as installed and as built; empty if it is not there.
+fs::path find_installed(std::string const& name) {
     fs::path const here = fs::read_symlink("/proc/self/exe").parent_path();
     for (fs::path const& folder : {here / VORN_MERO_LAYERS_FOLDER, here / "../lib"}) {
-        if (fs::path const file = folder / ("libnq-" + name + ".so"); fs::exists(file)) {
+        if (fs::path const file = folder / name; fs::exists(file)) {
             return fs::canonical(file);
         }
     }
-    give_up("there is no libnq-" + name + ".so beside this program; install it again");
+    return {};
+}
+
+fs::path find_layer(std::string const& name) {
+    fs::path const found = find_installed("libnq-" + name + ".so");
+    if (found.empty()) {
+        give_up("there is no libnq-" + name + ".so beside this program; install it again");
+    }
+    return found;
+}
+
+void put_before(std::string& list, char const* variable) {
+    char const* const before = std::getenv(variable);
+    if (!list.empty() && before != nullptr && *before != '\0') {
+        list += std::string(":") + before;
+    }
 }
 
 } // namespace
@@ -96,9 +111,10 @@ launch::launch(std::vector<layer_use> layers, command_line program)
     for (layer_use const& each : layers_) {
         preload_ += (preload_.empty() ? "" : ":") + find_layer(each.name).string();
     }
-    if (char const* const before = std::getenv("LD_PRELOAD")) {
-        preload_ += std::string(":") + before;
-    }
+    put_before(preload_, "LD_PRELOAD");
+    // For every program: a script does not tell what it will load, and programs of this library find the loader behind.
+    library_path_ = find_installed("vorn-mero/libOpenCL.so.1").parent_path().string();
+    put_before(library_path_, "LD_LIBRARY_PATH");
 }
 
 pid_t launch::start(int errors) const {
@@ -123,6 +139,9 @@ pid_t launch::start(int errors) const {
         prctl(PR_SET_PDEATHSIG, SIGKILL); // the keys that end this program do not reach other process groups
     }
     setenv("LD_PRELOAD", preload_.c_str(), 1);
+    if (!library_path_.empty()) {
+        setenv("LD_LIBRARY_PATH", library_path_.c_str(), 1);
+    }
     for (layer_use const& each : layers_) {
         std::string variable = "NQ_" + each.name;
         std::transform(variable.begin(), variable.end(), variable.begin(),

@@ -38,6 +38,7 @@ private:
     command_line arguments_;
     std::string path_;
     std::string preload_;
+    std::string library_path_;
 };
 
 /// Its exit status, 128 and the number of the signal if one ended it, as a shell has it.
