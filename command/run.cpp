@@ -87,7 +87,7 @@ fs::path find_installed(std::string const& name) {
 }
 
 fs::path find_layer(std::string const& name) {
-    fs::path const found = find_installed("libnq-" + name + ".so");
+    fs::path found = find_installed("libnq-" + name + ".so");
     if (found.empty()) {
         give_up("there is no libnq-" + name + ".so beside this program; install it again");
     }

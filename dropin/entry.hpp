@@ -16,7 +16,7 @@
 
 namespace nq::dropin {
 
-/// The fields of a block that are the arguments of its entry point, in the entry point's own order.
+/// Of a block: the name of its entry point, and the fields that are its arguments, in the entry point's own order.
 template <class Block>
 struct arguments_of;
 
@@ -153,12 +153,15 @@ Result perform(char const* name, Result (*function)(Parameters...), Parameters..
 #define NQ_COUNT(...) NQ_COUNT_(__VA_ARGS__, 14, 13, 12, 11, 10, 9, 8, 7, 6, 5, 4, 3, 2, 1, 0)
 #define NQ_COUNT_(_1, _2, _3, _4, _5, _6, _7, _8, _9, _10, _11, _12, _13, _14, count, ...) count
 
-/// A function that libnq performs; the fields of its block `b` are its arguments.
-#define NQ_PERFORM(entry, count, ...)                                                                                  \
+#define NQ_ARGUMENTS(entry, ...)                                                                                       \
     template <>                                                                                                        \
     struct nq::dropin::arguments_of<nq::block::entry> {                                                                \
+        static constexpr char const* name = #entry;                                                                    \
         static auto of(nq::block::entry& b) noexcept { return std::tie(__VA_ARGS__); }                                 \
-    };                                                                                                                 \
+    };
+/// A function that libnq performs; the fields of its block `b` are its arguments.
+#define NQ_PERFORM(entry, count, ...)                                                                                  \
+    NQ_ARGUMENTS(entry, __VA_ARGS__)                                                                                   \
     NQ_PERFORM_(entry, count)
 #define NQ_PERFORM_(entry, count) NQ_DEFINE(entry, count, nq::dropin::perform<nq::block::entry>)
 /// A function that the library behind performs.

@@ -11,6 +11,7 @@
 #include <algorithm>
 #include <atomic>
 #include <memory>
+#include <string_view>
 #include <vector>
 
 namespace nq::dropin {
@@ -37,19 +38,29 @@ nq_call_handle* open(nq::device device, nq::capability version) {
 
 void const* first_word(void const* object) noexcept { return *static_cast<void const* const*>(object); }
 
-// Of a device's own raw handle.
-void const* table_behind(nq_call_handle* handle, std::size_t version) noexcept {
+void* raw_device(nq_call_handle* handle, std::size_t version) noexcept {
     block::call_handle_device ask{};
     int const made = nq_call_capability(handle, command_ids<block::call_handle_device>[version], &ask, nullptr);
-    return made == result::success && ask.result != nullptr ? first_word(ask.result) : nullptr;
+    return made == result::success ? ask.result : nullptr;
+}
+
+bool is_3_0(void* device) noexcept {
+    auto* const ask = reinterpret_cast<decltype(&clGetDeviceInfo)>(function_behind("clGetDeviceInfo"));
+    std::array<char, 128> text{}; // "OpenCL 3.0 ..."
+    return ask != nullptr &&
+           ask(static_cast<cl_device_id>(device), CL_DEVICE_VERSION, text.size(), text.data(), nullptr) == CL_SUCCESS &&
+           std::string_view(text.data()) >= "OpenCL 3";
 }
 
 void add(routes& to, nq::device device) {
     route made{};
     for (std::size_t i = 0; i < version_count; ++i) {
         made.handles[i] = open(device, nq::capability{i + 1});
-        if (made.table == nullptr && made.handles[i] != nullptr) {
-            made.table = table_behind(made.handles[i], i);
+        void* const raw =
+            made.handles[i] != nullptr && made.table == nullptr ? raw_device(made.handles[i], i) : nullptr;
+        if (raw != nullptr) {
+            made.table = first_word(raw);
+            made.is_3_0 = is_3_0(raw);
         }
     }
     auto const found =

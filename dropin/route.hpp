@@ -18,6 +18,7 @@ inline constexpr std::size_t version_count = 6;
 struct route {
     void const* table;
     std::array<nq_call_handle*, version_count> handles; ///< by version; null if its devices do not offer it
+    bool is_3_0;                                        ///< or newer
 };
 
 /// The route of an OpenCL object, the first one for null. Null if the object's implementation has no device that libnq

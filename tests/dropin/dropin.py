@@ -1,0 +1,70 @@
+#!/usr/bin/env python3
+"""What OpenCL programs see through the drop-in is what they see without, and the layers see them.
+
+dropin.py PROGRAM DROPIN LOADER COMMAND
+"""
+
+import os
+import pathlib
+import re
+import subprocess
+import sys
+
+PLATFORM = "Portable Computing Language"
+NULL_EVENT = "import ctypes; print(ctypes.CDLL('libOpenCL.so.1').clReleaseEvent(None))"
+
+
+def run(*command, **variables):
+    done = subprocess.run(command, env=dict(os.environ, **variables), capture_output=True, text=True, timeout=200)
+    return done.returncode, done.stdout, done.stderr
+
+
+def exports(library):
+    """The functions with their versions, apart from the one by which libnq knows a drop-in."""
+    names = {line.split()[-1] for line in run("nm", "-D", "--defined-only", library)[1].splitlines()}
+    return {name for name in names if name.startswith("cl")}
+
+
+def breaches_of_exports(dropin, loader):
+    missing = exports(loader) - exports(dropin)
+    if missing or not exports(loader):
+        yield f"{loader} has, and the drop-in lacks: {missing}"
+
+
+def breaches_of_programs(program, dropin, command):
+    """The same output on every platform: by hand, where the name of the loader is the drop-in's, and with a layer."""
+    path = {"LD_LIBRARY_PATH": str(dropin.parent)}
+    for line in ([program], ["clinfo"], [sys.executable, "-c", NULL_EVENT]):
+        plain = run(*line)
+        for through in (run(*line, **path), run(*line, **path, NQ_BRIDGE_OPENCL="libOpenCL.so.1"),
+                        run(command, "faults", "-r", "probability=0:-5", "--", *line)):
+            if through != plain:
+                yield f"{line[0]} sees {plain}\n  and through the drop-in {through}"
+
+
+def breaches_of_layers(program, command):
+    for arguments, status, pattern in (
+        (("errors", "--", program, PLATFORM), 0, r"^nq-errors: clCreateKernel\(.*\"skale\".* kernels: scale$"),
+        (("errors", "--", sys.executable, "-c", NULL_EVENT), 0, r"^nq-errors: clReleaseEvent\(event=null\) = CL_INV"),
+        (("leaks", "--", program, PLATFORM), 0, "^(?!nq-leaks)"),
+        (("leaks", "--", program, PLATFORM, "leak"), 1, r"^nq-leaks: clCreateContext at .*: 1 reference$"),
+        (("trace", "-o", "/dev/null", "--summary", "--", program, PLATFORM), 0, "^nq-trace: clCreateBuffer +4 "),
+        (("faults", "-r", "entry=clCreateBuffer:-4", "--report", "--", program), 0, "-4$"),
+    ):
+        seen, output, printed = run(command, *arguments)
+        if seen != status or not re.search(pattern, output + printed, re.M):
+            yield f"{arguments}: exit status {seen}, {output}{printed}"
+
+
+def main():
+    program, dropin, loader, command = sys.argv[1:]
+    failed = 0
+    for found in (breaches_of_exports(dropin, loader), breaches_of_programs(program, pathlib.Path(dropin), command),
+                  breaches_of_layers(program, command)):
+        for each in found:
+            failed = 1
+            print(each)
+    return failed
+
+
+sys.exit(main())
