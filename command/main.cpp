@@ -9,12 +9,14 @@
 
 #include <CLI/CLI.hpp>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
 #include <filesystem>
 #include <stdexcept>
 #include <string>
+#include <vector>
 
 namespace {
 
@@ -22,12 +24,15 @@ namespace fs = std::filesystem;
 using nq::command::command_line;
 using nq::command::run_under;
 
+constexpr char const* formats =
+    "the file: NAME.json and NAME.pftrace for ui.perfetto.dev, NAME.html for a browser, NAME.part to convert later;\n"
+    "%r stands for the MPI rank, %p for the number of the process";
 constexpr int unusable = 2; // the exit status if nothing was run
 
 struct options {
     command_line program;
     std::string output = "trace.json";
-    std::string recording;
+    std::vector<std::string> recordings;
     std::string rules;
     bool profile = false;
     bool summary = false;
@@ -37,37 +42,42 @@ struct options {
     nq::command::sweep_options sweep;
 };
 
-// What a program has left behind that did not come to its end.
-void convert(std::string const& recording, std::string const& output) {
-    auto const log = nq::layer::trace::read_log(recording);
-    std::string const why = nq::layer::trace::report(log.head, log.chunks).write(output);
+// What programs have left behind that did not come to their end, or were not to write more.
+void convert(std::vector<std::string> const& recordings, std::string const& output) {
+    std::vector<nq::layer::trace::report> processes;
+    for (std::string const& each : recordings) {
+        auto const log = nq::layer::trace::read_log(each);
+        processes.emplace_back(log.head, log.chunks);
+    }
+    std::ranges::stable_sort(processes, {}, [](auto const& each) { return each.head().rank; });
+    std::string const why = nq::layer::trace::write_trace(output, processes);
     if (!why.empty()) {
         throw std::runtime_error(why);
     }
 }
 
 int trace(options const& with) {
-    std::string const part = with.output + ".part";
-    if (with.output.find(',') != std::string::npos) {
+    std::string const output = nq::layer::trace::expanded(with.output);
+    std::string const part = nq::layer::trace::recording_of(output);
+    if (output.find(',') != std::string::npos) {
         throw std::runtime_error("the name of the output cannot have a comma");
     }
-    fs::remove(with.output);
+    fs::remove(output);
     if (std::FILE* const probe = std::fopen(part.c_str(), "w"); probe != nullptr) {
         std::fclose(probe);
         fs::remove(part);
     } else {
-        throw std::runtime_error("cannot write " + with.output + ": " + std::strerror(errno));
+        throw std::runtime_error("cannot write " + output + ": " + std::strerror(errno));
     }
     int const status = run_under("trace",
-                                 "output=" + with.output + ",limit=" + std::to_string(with.limit) +
+                                 "output=" + output + ",limit=" + std::to_string(with.limit) +
                                      (with.profile ? ",profile" : "") + (with.summary ? ",summary" : ""),
                                  with.program);
-    if (fs::exists(part) && !fs::exists(with.output)) {
-        convert(part, with.output);
+    if (fs::exists(part) && !fs::exists(output)) {
+        convert({part}, output);
         fs::remove(part);
-        std::fprintf(stderr, "vorn-mero: the program did not come to its end; what it did is in %s\n",
-                     with.output.c_str());
-    } else if (!fs::exists(with.output)) {
+        std::fprintf(stderr, "vorn-mero: the program did not come to its end; what it did is in %s\n", output.c_str());
+    } else if (!fs::exists(output)) {
         std::fprintf(stderr, "vorn-mero: %s made no call through libnq, so there is no trace\n",
                      with.program.at(0).c_str());
     }
@@ -109,7 +119,7 @@ int main(int count, char** arguments) {
                "The exit status is the program's; 2 if it was not run.");
     options with;
     CLI::App* const to_trace = add(app, with, "trace", "write a timeline of calls and commands");
-    to_trace->add_option("-o,--output", with.output, "the file, for ui.perfetto.dev")->capture_default_str();
+    to_trace->add_option("-o,--output", with.output, formats)->capture_default_str();
     to_trace->add_flag("--profile", with.profile, "switch profiling on, for the times of all commands");
     to_trace->add_flag("--summary", with.summary, "print a table of times");
     to_trace->add_option("--limit", with.limit, "MiB to record at most")->check(CLI::Range(1, 1 << 20));
@@ -135,10 +145,10 @@ int main(int count, char** arguments) {
     to_sweep->add_option("--timeout", with.sweep.seconds, "seconds after which a run counts as hanging")
         ->check(CLI::PositiveNumber);
     add_exit_status(to_sweep, with, "the exit status if a run broke; 0: the program's own");
-    CLI::App* const to_convert =
-        app.add_subcommand("convert", "write the timeline of a program that did not come to its end");
-    to_convert->add_option("recording", with.recording, "what trace has left behind, FILE.part")->required();
-    to_convert->add_option("-o,--output", with.output, "the file, for ui.perfetto.dev")->capture_default_str();
+    CLI::App* const to_convert = app.add_subcommand(
+        "convert", "write one timeline of recordings: of processes, or of a program that did not come to its end");
+    to_convert->add_option("recording", with.recordings, "what trace has left behind, FILE.part")->required();
+    to_convert->add_option("-o,--output", with.output, formats)->capture_default_str();
     CLI::App* const to_diagnose = app.add_subcommand("doctor", "list the devices, and say why others are missing");
     to_diagnose->footer(
         "The exit status tells what is wrong: 10 no OpenCL loader, 11 no implementation, 12 one that does not\n"
@@ -151,7 +161,7 @@ int main(int count, char** arguments) {
                : to_leaks->parsed()  ? leaks(with)
                : to_faults->parsed() ? faults(with)
                : to_sweep->parsed()  ? sweep(with)
-                                     : (convert(with.recording, with.output), 0);
+                                     : (convert(with.recordings, with.output), 0);
     } catch (CLI::ParseError const& failure) {
         return app.exit(failure) == 0 ? 0 : unusable;
     } catch (std::exception const& failure) {

@@ -6,9 +6,11 @@
 #include <nq/describe.hpp>
 #include <nq/nq.hpp>
 
+#include <array>
 #include <cstdint>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace nq::layer {
 
@@ -43,6 +45,23 @@ consteval std::uint32_t operator""_cl(char const* name, std::size_t) {
         }
     }
     throw "no such name";
+}
+
+/// What `Make` tells of the command of a call that has a description. Made once for each command.
+template <class Value, Value (*Make)(description const&)>
+Value const& value_of(call const& made) {
+    static auto const& tables = *[] {
+        auto* const table = new std::array<std::vector<Value>, 7>; // by version and command
+        for (std::uint64_t version = 1; version < table->size(); ++version) {
+            std::vector<Value>& of = (*table)[version];
+            of.emplace_back(); // there is no command 0
+            for (std::uint32_t id = 1; describe(capability{version}, id) != nullptr; ++id) {
+                of.push_back(Make(*describe(capability{version}, id)));
+            }
+        }
+        return table;
+    }();
+    return tables[static_cast<std::size_t>(made.version)][made.id];
 }
 
 /// Each layer defines it: makes the call, or answers in its place. It must not throw.

@@ -1,13 +1,13 @@
 // Writes at exit which OpenCL objects and which shared memory the program has not released, and where it made them.
 
 #include "layer.hpp"
+#include "objects.hpp"
 #include "source.hpp"
 
 #include <algorithm>
 #include <charconv>
 #include <cstdio>
 #include <cstdlib>
-#include <limits>
 #include <map>
 #include <mutex>
 #include <string_view>
@@ -78,70 +78,24 @@ void give_back(taken const& before) {
     }
 }
 
-// The objects behind a field that a call has written: `result`, an event, a list with the number of objects after it.
-void add_written(call const& made, description const& about, field const& each, call_site const& site) {
-    void const* const value = read_pointer(made.block, each.offset);
-    if (each.offset == about.result) {
-        add(const_cast<void*>(value), about.name, site);
-        return;
-    }
-    std::uint64_t count = 1;
-    if (each.length.rule == length_rule::counted) {
-        auto const* const written = std::find_if(about.begin(), about.end(), [](field const& other) {
-            return other.kind == field_kind::count && other.direction == direction::out;
-        });
-        std::uint64_t const offered = read_field(made.block, each.length.operands[0], sizeof(std::uint32_t));
-        void const* const told = written != about.end() ? read_pointer(made.block, written->offset) : nullptr;
-        count = told != nullptr ? std::min<std::uint64_t>(offered, *static_cast<std::uint32_t const*>(told)) : offered;
-    }
-    for (std::uint64_t i = 0; value != nullptr && i < count; ++i) {
-        add(static_cast<void* const*>(value)[i], about.name, site);
-    }
-}
-
-bool makes_objects(std::string_view entry) {
-    return entry.starts_with("clCreate") || entry.starts_with("clEnqueue") || entry == "clCloneKernel" ||
-           entry == "clLinkProgram";
-}
-
-void note_made(call const& made, description const& about) {
-    call_site site;
-    for (field const& each : about) {
-        bool const is_written = each.direction == direction::out && each.kind == field_kind::handle;
-        if (is_written && read_pointer(made.block, each.offset) != nullptr) {
-            site = site == call_site{} ? call_site::here() : site;
-            add_written(made, about, each, site);
-        }
-    }
-}
-
-void* first_field(call const& made, description const& about) {
-    return const_cast<void*>(read_pointer(made.block, about.begin()->offset));
-}
-
 // Before the call: another thread may get the address of what it frees at once.
 taken note_released(call const& made, description const& about) {
-    constexpr auto every = std::numeric_limits<std::int64_t>::max();
     taken before;
-    if (std::string_view(about.name).starts_with("clRelease")) {
-        release(first_field(made, about), 1, before);
-    } else if (auto const* const one = as<block::clSVMFree>(made, &about); one != nullptr) {
-        release(one->svm_pointer, every, before);
-    } else if (auto const* const many = as<block::clEnqueueSVMFree>(made, &about);
-               many != nullptr && many->svm_pointers != nullptr) {
-        std::for_each_n(many->svm_pointers, many->num_svm_pointers, [&](void* each) { release(each, every, before); });
+    for (object_change const& each : released_by(about, made.block)) {
+        release(each.address, -each.references, before);
     }
     return before;
 }
 
 void note_success(call const& made, description const& about) {
-    std::string_view const entry = about.name;
-    if (entry.starts_with("clRetain")) {
-        retain(first_field(made, about), about.name, about.begin()->object == object_kind::device_id);
-    } else if (auto const* const allocated = as<block::clSVMAlloc>(made, &about); allocated != nullptr) {
-        add(allocated->result, about.name, call_site::here());
-    } else if (makes_objects(entry)) {
-        note_made(made, about);
+    call_site site;
+    for (object_change const& each : made_by(about, made.block)) {
+        if (each.is_new) {
+            site = site == call_site{} ? call_site::here() : site;
+            add(each.address, about.name, site);
+        } else {
+            retain(each.address, about.name, each.kind == object_kind::device_id);
+        }
     }
 }
 

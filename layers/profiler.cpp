@@ -2,7 +2,6 @@
 
 #include "trace_log.hpp"
 
-#include <array>
 #include <atomic>
 #include <cstring>
 #include <mutex>
@@ -69,21 +68,6 @@ event_fields find_fields(description const& about) {
         }
     }
     return found;
-}
-
-// By version and command, found once.
-event_fields const& fields_of(call const& made) {
-    constexpr std::size_t most = 128;
-    static auto const& tables = *[] {
-        auto* const table = new std::array<std::array<event_fields, most>, 7>{};
-        for (std::uint64_t version = 1; version <= 6; ++version) {
-            for (std::uint32_t id = 1; describe(capability{version}, id) != nullptr; ++id) {
-                table->at(version).at(id) = find_fields(*describe(capability{version}, id));
-            }
-        }
-        return table;
-    }();
-    return tables.at(static_cast<std::size_t>(made.version)).at(made.id);
 }
 
 template <class Value>
@@ -346,7 +330,7 @@ int perform_profiled(call const& made, description const& about, std::uint64_t n
     if (all().stopped) {
         return forward(made);
     }
-    event_fields const& where = fields_of(made);
+    auto const& where = value_of<event_fields, find_fields>(made);
     int const result = perform_by_kind(made, about, where, number);
     if (result == result::success && is_time_to_collect(made, about, where)) {
         attempt(collect_done);

@@ -4,6 +4,7 @@
 #include "layer.hpp"
 #include "profiler.hpp"
 #include "trace_log.hpp"
+#include "trace_record.hpp"
 #include "trace_report.hpp"
 
 #include <algorithm>
@@ -22,7 +23,6 @@ namespace {
 using namespace trace;
 
 constexpr char const* name = "nq-trace";
-constexpr std::size_t most_of_a_list = 128; // bytes of what a field refers to
 
 struct settings {
     std::string output; // empty: no file
@@ -60,13 +60,11 @@ settings parse(std::string_view text) {
     if (!any && !made.summary) {
         made.output = "nq-trace-%p.json";
     }
-    if (std::size_t const at = made.output.find("%p"); at != std::string::npos) {
-        made.output.replace(at, 2, std::to_string(getpid()));
-    }
+    made.output = expanded(made.output);
     return made;
 }
 
-std::string unfinished(settings const& of) { return of.output.empty() ? "" : of.output + ".part"; }
+std::string unfinished(settings const& of) { return of.output.empty() ? "" : recording_of(of.output); }
 
 void stop() noexcept { stop_profiling(); }
 
@@ -89,67 +87,6 @@ settings const& chosen() {
         std::_Exit(2);
     }();
     return all;
-}
-
-struct piece {
-    void const* address;
-    std::size_t size;
-};
-
-bool can_read(void const* address, std::size_t size) {
-    std::array<char, most_of_a_list> probe; // NOLINT(cppcoreguidelines-pro-type-member-init): filled
-    return read_safely(probe.data(), address, size);
-}
-
-// What the arguments refer to, as far as it is shown. Of a failed call only what can be read.
-template <std::size_t Most>
-std::size_t find_pieces(call const& made, description const& about, bool failed, std::array<piece, Most>& found) {
-    auto* const read = failed ? read_safely : nq::detail::copy_memory;
-    std::size_t count = 0;
-    for (field const& each : about) {
-        bool const followed = each.length.rule != length_rule::none && each.direction == direction::in &&
-                              each.length.rule != length_rule::opaque && each.length.rule < length_rule::rectangle;
-        void const* const address = followed ? read_pointer(made.block, each.offset) : nullptr;
-        if (address == nullptr || count == Most) {
-            continue;
-        }
-        std::size_t size = extent_of(about, each, made.block, 0, read).value_or(0);
-        bool const whole = each.kind != field_kind::bytes || size <= 16;
-        size = std::min(size, most_of_a_list);
-        if (size != 0 && whole && (!failed || can_read(address, size))) {
-            found.at(count++) = {address, size};
-        }
-    }
-    return count;
-}
-
-void record(call const& made, description const& about, call_entry entry) {
-    std::array<piece, 8> pieces{};
-    bool const failed = entry.result != result::success ||
-                        (about.status != absent && read_field(made.block, about.status, sizeof(std::int32_t)) != 0);
-    std::size_t const count = find_pieces(made, about, failed, pieces);
-    std::size_t size = sizeof entry + rounded(about.size);
-    for (std::size_t i = 0; i < count; ++i) {
-        size += sizeof(segment_head) + rounded(pieces.at(i).size);
-    }
-    std::byte* const place = begin_entry(size);
-    if (place == nullptr) {
-        return;
-    }
-    entry.head.size = static_cast<std::uint32_t>(size);
-    entry.block_size = static_cast<std::uint32_t>(about.size);
-    std::memcpy(place, &entry, sizeof entry);
-    std::byte* at = place + sizeof entry;
-    std::memcpy(at, made.block, about.size);
-    at += rounded(about.size);
-    for (std::size_t i = 0; i < count; ++i) {
-        piece const& each = pieces.at(i);
-        segment_head const head{reinterpret_cast<std::uintptr_t>(each.address), each.size};
-        std::memcpy(at, &head, sizeof head);
-        std::memcpy(at + sizeof head, each.address, each.size);
-        at += sizeof head + rounded(each.size);
-    }
-    end_entry(place);
 }
 
 void label(call const& made, _nq_cl_kernel* kernel) {
@@ -185,21 +122,24 @@ std::atomic<std::uint64_t> calls = 0;
     }
     stop_profiling();
     attempt([] {
-        report const made(file_head::own(), chunks());
-        if (chosen().summary) {
-            for (std::string const& line : made.summary()) {
-                print(name, line);
-            }
-        }
         if (lost_entries() != 0) {
             print(name, std::to_string(lost_entries()) + " entries were lost; raise limit=MIB in NQ_TRACE");
         }
-        if (!chosen().output.empty()) {
-            std::string const why = made.write(chosen().output);
-            print(name, why.empty() ? std::to_string(calls) + " calls in " + chosen().output : why);
-            if (why.empty()) {
-                unlink(unfinished(chosen()).c_str());
+        std::vector<report> made;
+        made.emplace_back(file_head::own(), chunks());
+        if (chosen().summary) {
+            for (std::string const& line : made.front().summary()) {
+                print(name, line);
             }
+        }
+        std::string const& output = chosen().output;
+        bool const keeps = unfinished(chosen()) == output; // the recording is all that is wanted
+        std::string const why = output.empty() || keeps ? "" : write_trace(output, made);
+        if (!output.empty()) {
+            print(name, why.empty() ? std::to_string(calls) + " calls in " + output : why);
+        }
+        if (why.empty() && !keeps) {
+            unlink(unfinished(chosen()).c_str());
         }
     });
 }

@@ -7,9 +7,12 @@
 #include <algorithm>
 #include <atomic>
 #include <cerrno>
+#include <charconv>
+#include <cstdlib>
 #include <ctime>
 #include <mutex>
 #include <stdexcept>
+#include <utility>
 
 namespace nq::layer::trace {
 namespace {
@@ -36,6 +39,10 @@ struct writer {
 writer& own() {
     static thread_local auto* const made = new writer; // what a thread wrote outlives it
     return *made;
+}
+
+std::uint64_t nanoseconds(timespec const& time) {
+    return static_cast<std::uint64_t>(time.tv_sec) * 1'000'000'000 + static_cast<std::uint64_t>(time.tv_nsec);
 }
 
 std::byte* bytes_of(chunk* in) { return reinterpret_cast<std::byte*>(in + 1); }
@@ -85,15 +92,50 @@ chunk* next_chunk(writer& of) {
 std::uint64_t now() noexcept {
     timespec time{};
     clock_gettime(CLOCK_MONOTONIC, &time);
-    return static_cast<std::uint64_t>(time.tv_sec) * 1'000'000'000 + static_cast<std::uint64_t>(time.tv_nsec);
+    return nanoseconds(time);
+}
+
+std::int64_t own_rank() noexcept {
+    for (char const* const name : {"OMPI_COMM_WORLD_RANK", "PMIX_RANK", "PMI_RANK", "SLURM_PROCID"}) {
+        char const* const text = std::getenv(name);
+        std::int64_t rank = -1;
+        if (text != nullptr && std::from_chars(text, text + std::strlen(text), rank).ec == std::errc{} && rank >= 0) {
+            return rank;
+        }
+    }
+    return -1;
 }
 
 file_head file_head::own() noexcept {
     file_head made;
     made.process = getpid();
+    made.rank = own_rank();
+    timespec wall{};
+    clock_gettime(CLOCK_REALTIME, &wall);
+    made.wall_clock = static_cast<std::int64_t>(nanoseconds(wall) - now());
+    if (int const file = open("/proc/sys/kernel/random/boot_id", O_RDONLY | O_CLOEXEC); file >= 0) {
+        if (read(file, made.boot.data(), made.boot.size() - 1) < 0) {
+            made.boot = {};
+        }
+        close(file);
+    }
     std::strncpy(made.program.data(), program_invocation_short_name, made.program.size() - 1);
     return made;
 }
+
+std::string expanded(std::string name) {
+    for (auto const& [key, value] :
+         {std::pair("%r", std::max<std::int64_t>(own_rank(), 0)), std::pair("%p", std::int64_t{getpid()})}) {
+        for (std::size_t at = 0; (at = name.find(key, at)) != std::string::npos;) {
+            std::string const text = std::to_string(value);
+            name.replace(at, 2, text);
+            at += text.size();
+        }
+    }
+    return name;
+}
+
+std::string recording_of(std::string const& output) { return output.ends_with(".part") ? output : output + ".part"; }
 
 std::string open_log(std::string const& path, std::size_t limit_in_bytes) {
     file& to = log();
@@ -139,13 +181,16 @@ left_log read_log(std::string const& path) {
         descriptor >= 0 ? static_cast<std::size_t>(std::max<off_t>(lseek(descriptor, 0, SEEK_END), 0)) : 0;
     void* const mapped =
         size >= sizeof(file_head) ? mmap(nullptr, size, PROT_READ, MAP_PRIVATE, descriptor, 0) : MAP_FAILED;
-    std::string const why = descriptor < 0 ? std::strerror(errno) : "it is no recording of calls";
+    std::string why = descriptor < 0 ? std::strerror(errno) : "it is no recording of calls";
     if (descriptor >= 0) {
         close(descriptor);
     }
     left_log made;
     if (mapped != MAP_FAILED) {
         std::memcpy(&made.head, mapped, sizeof made.head);
+        if (std::equal(made.head.magic.begin(), made.head.magic.end() - 1, file_head::right_magic.begin())) {
+            why = "another version wrote it; read it with the vorn-mero of that version";
+        }
     }
     if (mapped == MAP_FAILED || made.head.magic != file_head::right_magic) {
         throw std::runtime_error("cannot read " + path + ": " + why);

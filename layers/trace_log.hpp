@@ -74,15 +74,27 @@ struct chunk {
 
 /// Whose calls a file has.
 struct file_head {
-    static constexpr std::array<char, 8> right_magic{'n', 'q', 't', 'r', 'a', 'c', 'e', '1'};
+    static constexpr std::array<char, 8> right_magic{'n', 'q', 't', 'r', 'a', 'c', 'e', '2'};
 
     std::array<char, 8> magic = right_magic;
     std::int64_t process = 0;
+    std::int64_t rank = -1;         ///< among the processes of an MPI program; less than 0 if it is none
+    std::int64_t wall_clock = 0;    ///< of the wall, when that of the entries is 0; in nanoseconds
+    std::array<char, 40> boot{};    ///< tells whether two processes have one clock: what the system calls its start
     std::array<char, 48> program{}; ///< ends with a zero
 
     /// That of this process.
     static file_head own() noexcept;
 };
+
+/// The rank of this process among those of an MPI program, as its launcher tells in the environment; otherwise -1.
+std::int64_t own_rank() noexcept;
+
+/// A name of a file, with the rank of this process in place of `%r`, 0 if it has none, and its number in place of `%p`.
+std::string expanded(std::string name);
+
+/// Where the entries are until a file of this name is written: the file itself if it is `FILE.part`.
+std::string recording_of(std::string const& output);
 
 /// Makes the file. An empty path: memory without a file. Returns why it cannot, or nothing.
 std::string open_log(std::string const& path, std::size_t limit_in_bytes);

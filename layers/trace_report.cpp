@@ -15,7 +15,7 @@ namespace {
 constexpr std::uint64_t first_row = 1'000'000'000; // of the queues, above the numbers of threads
 constexpr std::uint64_t lanes = 64;                // rows of a queue
 
-// The segments of the call that is being formatted; a reader has no argument of its own.
+// Of the call that is looked at; a reader of memory has no argument of its own.
 thread_local std::span<std::byte const> segments;
 
 bool read_segment(void* to, void const* from, std::size_t size) {
@@ -37,84 +37,15 @@ bool read_segment(void* to, void const* from, std::size_t size) {
     return false;
 }
 
-std::string escaped(std::string_view text) {
-    std::string made = "\"";
-    for (char const each : text) {
-        std::array<char, 8> code{};
-        if (each == '"' || each == '\\') {
-            made += '\\';
-            made += each;
-        } else if (static_cast<unsigned char>(each) < 0x20 || static_cast<unsigned char>(each) > 0x7E) {
-            std::snprintf(code.data(), code.size(), "\\u%04x", static_cast<unsigned char>(each));
-            made += code.data();
-        } else {
-            made += each;
-        }
-    }
-    return made + '"';
-}
+std::uint64_t shifted(std::uint64_t time, std::int64_t by) { return time + static_cast<std::uint64_t>(by); }
 
-std::string microseconds(std::uint64_t nanoseconds) {
-    std::array<char, 32> text{};
-    std::snprintf(text.data(), text.size(), "%llu.%03llu", static_cast<unsigned long long>(nanoseconds / 1000),
-                  static_cast<unsigned long long>(nanoseconds % 1000));
-    return text.data();
-}
-
-std::string hexadecimal(std::uint64_t value) { return nq::detail::hexadecimal(value); }
-
-// A table's row: the name, then numbers, with as many digits as they need.
-std::string row(std::string const& first, std::vector<std::string> const& others) {
-    std::array<char, 64> cell{};
-    std::snprintf(cell.data(), cell.size(), "%-36s", first.c_str());
-    std::string line = cell.data();
-    for (std::string const& each : others) {
-        std::snprintf(cell.data(), cell.size(), " %12s", each.c_str());
-        line += cell.data();
-    }
-    return line;
+// What makes times of one process times of another. Processes on one machine have one clock; those on two are compared
+// by the clocks that people read.
+std::int64_t shift_to(file_head const& reference, file_head const& of) {
+    return reference.boot == of.boot ? 0 : of.wall_clock - reference.wall_clock;
 }
 
 } // namespace
-
-// Writes one event a line.
-class report::json {
-public:
-    json(std::FILE* to, std::int64_t process) : to_(to), process_(process) {
-        std::fputs(R"({"displayTimeUnit":"ns","traceEvents":[)", to_);
-    }
-
-    void event(char const* phase, std::string const& name, std::uint64_t row, std::string const& rest) {
-        std::fprintf(to_, R"(%s{"ph":"%s","name":%s,"pid":%lld,"tid":%llu%s})", count_++ == 0 ? "\n" : ",\n", phase,
-                     escaped(name).c_str(), static_cast<long long>(process_), static_cast<unsigned long long>(row),
-                     rest.c_str());
-    }
-
-    void slice(std::string const& name, std::uint64_t row, std::uint64_t begin, std::uint64_t end,
-               std::string const& arguments) {
-        event("X", name, row,
-              ",\"ts\":" + microseconds(begin) + ",\"dur\":" + microseconds(end - begin) + ",\"args\":{" + arguments +
-                  "}");
-    }
-
-    void arrow(std::string const& name, std::uint64_t from, std::uint64_t at, std::uint64_t to, std::uint64_t until) {
-        std::string const id = ",\"cat\":" + escaped(name) + ",\"id\":" + std::to_string(++arrows_);
-        event("s", name, from, id + ",\"ts\":" + microseconds(at));
-        event("f", name, to, id + R"(,"bp":"e","ts":)" + microseconds(until));
-    }
-
-    bool close() {
-        std::fputs("\n]}\n", to_);
-        bool const written = std::ferror(to_) == 0;
-        return std::fclose(to_) == 0 && written;
-    }
-
-private:
-    std::FILE* to_;
-    std::int64_t process_;
-    std::uint64_t count_ = 0;
-    std::uint64_t arrows_ = 0;
-};
 
 report::report(file_head const& of, std::vector<chunk const*> const& from) : of_(of) {
     for (chunk const* const each : from) {
@@ -157,10 +88,19 @@ bool report::failed(one_call const& made) {
     return made.about.result != result::success || (at != absent && read_field(made.tail.data(), at, 4) != 0);
 }
 
-std::string report::text_of(one_call const& made) {
+memory_reader report::memory_of(one_call const& made) {
     segments = made.tail.subspan(rounded(made.about.block_size));
-    std::string text = format_call(capability{made.about.version}, made.about.id, made.tail.data(), read_segment);
-    return made.about.result == result::success ? text : text + ", libnq's result " + std::to_string(made.about.result);
+    return read_segment;
+}
+
+std::vector<std::pair<std::string, std::string>> report::arguments_of(one_call const& made) {
+    std::vector<std::pair<std::string, std::string>> all;
+    auto const add = [&all](field const& each, std::string value) { all.emplace_back(each.name, std::move(value)); };
+    for_each_argument(capability{made.about.version}, made.about.id, made.tail.data(), add, memory_of(made));
+    if (made.about.result != result::success) {
+        all.emplace_back("result of libnq", std::to_string(made.about.result));
+    }
+    return all;
 }
 
 // A kernel or queue has the latest name before the call.
@@ -240,10 +180,10 @@ std::vector<std::uint64_t> report::waited_for(one_call const& by) const {
     for (field const& each : *by.is) {
         std::string_view const name = each.name;
         if (name == "event_wait_list" || name == "event_list") {
-            segments = by.tail.subspan(rounded(by.about.block_size));
+            memory_reader const memory = memory_of(by);
             auto const* from = static_cast<std::uint64_t const*>(read_pointer(by.tail.data(), each.offset));
-            std::size_t const count = extent_of(*by.is, each, by.tail.data(), 0, read_segment).value_or(0) / 8;
-            for (std::uint64_t event = 0; events.size() < count && read_segment(&event, from, sizeof event); ++from) {
+            std::size_t const count = extent_of(*by.is, each, by.tail.data(), 0, memory).value_or(0) / 8;
+            for (std::uint64_t event = 0; events.size() < count && memory(&event, from, sizeof event); ++from) {
                 events.push_back(event);
             }
         }
@@ -251,114 +191,101 @@ std::vector<std::uint64_t> report::waited_for(one_call const& by) const {
     return events;
 }
 
-void report::write_calls(json& to) const {
+void report::write_calls(writer& to, all_arrows const& arrows, std::int64_t shift) const {
     std::set<std::uint32_t> threads;
     for (one_call const& each : calls_) {
         if (threads.insert(each.thread).second) {
-            to.event("M", "thread_name", each.thread,
-                     R"(,"args":{"name":"thread )" + std::to_string(each.thread) + R"("})");
+            to.add(trace::row{each.thread, "thread " + std::to_string(each.thread), false});
         }
-        to.slice(each.is->name, each.thread, each.about.begin, each.about.end,
-                 "\"call\":" + escaped(text_of(each)) + (failed(each) ? ",\"failed\":true" : ""));
+        slice made{each.is->name,      each.thread, shifted(each.about.begin, shift), shifted(each.about.end, shift),
+                   arguments_of(each), failed(each)};
+        if (auto const own = by_number_.find(each.about.number); own != by_number_.end()) {
+            made.arrows.push_back(arrows[own->second].front());
+            made.arrows.back().begins = true;
+        }
+        to.add(made);
     }
 }
 
-void report::write_commands(json& to) const {
-    std::map<std::uint64_t, std::uint64_t> rows; // by queue
-    for (one_command const& each : commands_) {
-        auto const [found, is_new] = rows.try_emplace(each.about.queue, first_row + rows.size() * lanes);
-        if (is_new) {
+void report::write_commands(writer& to, all_arrows const& arrows, std::int64_t shift) const {
+    std::map<std::uint64_t, std::uint64_t> rows; // by queue: the first
+    std::set<std::uint64_t> known;
+    for (std::size_t i = 0; i < commands_.size(); ++i) {
+        one_command const& each = commands_[i];
+        std::uint64_t const row =
+            rows.try_emplace(each.about.queue, first_row + rows.size() * lanes).first->second + each.lane;
+        if (known.insert(row).second) {
             auto const device = queues_.find(each.about.queue);
-            to.event("M", "thread_name", found->second,
-                     R"(,"args":{"name":)" +
-                         escaped("queue " + hexadecimal(each.about.queue) +
-                                 (device != queues_.end() ? " of " + device->second : "")) +
-                         "}");
+            bool const named = device != queues_.end() && !device->second.empty();
+            to.add(trace::row{
+                row, "queue " + nq::detail::hexadecimal(each.about.queue) + (named ? " of " + device->second : ""),
+                true});
         }
-        std::uint64_t const row = found->second + each.lane;
-        to.slice(each.name(), row, each.start(), each.end(),
-                 "\"call\":" + escaped(text_of(*each.call)) +
-                     ",\"queued\":" + std::to_string(each.about.submitted - each.about.queued) +
-                     ",\"submitted\":" + std::to_string(each.about.started - each.about.submitted));
-        to.arrow("enqueue", each.call->thread, each.call->about.begin, row, each.start());
+        slice made{each.name(), row, shifted(each.start(), shift), shifted(each.end(), shift),
+                   arguments_of(*each.call)};
+        made.arguments.emplace_back("waited in the queue, ns",
+                                    std::to_string(each.about.submitted - each.about.queued));
+        made.arguments.emplace_back("waited on the device, ns",
+                                    std::to_string(each.about.started - each.about.submitted));
+        made.arrows = arrows[i];
+        to.add(made);
     }
 }
 
-void report::write_arrows(json& to) const {
-    std::map<std::uint64_t, std::uint64_t> rows;
-    for (one_command const& each : commands_) {
-        rows.try_emplace(each.about.queue, first_row + rows.size() * lanes);
+// By the index of the command. The first is from the call that enqueued it.
+report::all_arrows report::find_arrows(writer& to) const {
+    all_arrows found(commands_.size());
+    for (auto& each : found) {
+        each.push_back({to.number_of_next_arrow(), false, false});
     }
-    std::map<std::uint64_t, one_command const*> made_by; // by event, the latest
+    std::map<std::uint64_t, std::size_t> made_by; // by event, the latest
     for (one_call const& each : calls_) {
         auto const own = by_number_.find(each.about.number);
         if (own == by_number_.end()) {
             continue;
         }
-        one_command const& waits = commands_[own->second];
         for (std::uint64_t const event : waited_for(each)) {
-            if (auto const found = made_by.find(event); found != made_by.end()) {
-                one_command const& before = *found->second;
-                to.arrow("wait", rows.at(before.about.queue) + before.lane, before.start(),
-                         rows.at(waits.about.queue) + waits.lane, waits.start());
+            if (auto const before = made_by.find(event); before != made_by.end()) {
+                std::uint64_t const number = to.number_of_next_arrow();
+                found[before->second].push_back({number, true, true});
+                found[own->second].push_back({number, false, true});
             }
         }
-        made_by[waits.about.event] = &waits;
+        made_by[commands_[own->second].about.event] = own->second;
+    }
+    return found;
+}
+
+void report::write(writer& to, std::int64_t number, std::string const& name, std::int64_t shift) const {
+    to.begin_process(number, name);
+    all_arrows const arrows = find_arrows(to);
+    write_calls(to, arrows, shift);
+    write_commands(to, arrows, shift);
+    for (kept_objects const& each : not_released()) {
+        to.add(each);
     }
 }
 
-std::string report::write(std::string const& path) const {
-    std::FILE* const file = std::fopen(path.c_str(), "w");
+std::string write_trace(std::string const& path, std::vector<report> const& processes) {
+    std::FILE* const file = std::fopen(path.c_str(), "wb");
     if (file == nullptr) {
         return "cannot write " + path + ": " + std::strerror(errno);
     }
-    json to(file, of_.process);
-    to.event("M", "process_name", 0, R"(,"args":{"name":)" + escaped(of_.program.data()) + "}");
-    write_calls(to);
-    write_commands(to);
-    write_arrows(to);
-    return to.close() ? "" : "cannot write all of " + path;
-}
-
-std::vector<std::string> report::summary() const {
-    std::map<std::string, std::vector<std::uint64_t>> of_calls; // nanoseconds
-    std::map<std::string, std::vector<std::uint64_t>> of_commands;
-    std::map<std::string, std::uint64_t> failures;
-    for (one_call const& each : calls_) {
-        of_calls[each.is->name].push_back(each.about.end - each.about.begin);
-        failures[each.is->name] += failed(each) ? 1U : 0U;
+    bool const is_perfetto = path.ends_with(".pftrace") || path.ends_with(".perfetto-trace");
+    auto const to = is_perfetto ? make_perfetto(file) : path.ends_with(".html") ? make_page(file) : make_json(file);
+    bool const alone = processes.size() == 1;
+    for (std::size_t i = 0; i < processes.size(); ++i) {
+        file_head const& of = processes[i].head();
+        bool const ranked = of.rank >= 0;
+        std::string const process = of.program.data() + (" (process " + std::to_string(of.process) + ")");
+        processes[i].write(*to,
+                           alone    ? of.process
+                           : ranked ? of.rank + 1
+                                    : static_cast<std::int64_t>(i) + 1,
+                           ranked ? "rank " + std::to_string(of.rank) + ": " + process : process,
+                           shift_to(processes.front().head(), of));
     }
-    for (one_command const& each : commands_) {
-        of_commands[each.name()].push_back(each.about.ended - each.about.started);
-    }
-    std::vector<std::string> lines;
-    auto const add = [&](std::map<std::string, std::vector<std::uint64_t>>& table, bool is_of_calls) {
-        std::vector<std::pair<std::uint64_t, std::string>> rows; // the most time first
-        for (auto& [name, times] : table) {
-            std::ranges::sort(times);
-            std::uint64_t sum = 0;
-            for (std::uint64_t const each : times) {
-                sum += each;
-            }
-            std::vector<std::string> cells{std::to_string(times.size()), microseconds(sum), microseconds(times.front()),
-                                           microseconds(times[times.size() / 2]), microseconds(times.back())};
-            if (is_of_calls) {
-                cells.insert(cells.begin() + 1, std::to_string(failures[name]));
-            }
-            rows.emplace_back(sum, row(name, cells));
-        }
-        std::ranges::sort(rows, std::greater{});
-        for (auto const& [sum, text] : rows) {
-            lines.push_back(text);
-        }
-    };
-    lines.push_back(row("entry point, host times in us", {"calls", "failed", "total", "min", "median", "max"}));
-    add(of_calls, true);
-    if (!of_commands.empty()) {
-        lines.push_back(row("command, device times in us", {"count", "total", "min", "median", "max"}));
-        add(of_commands, false);
-    }
-    return lines;
+    return to->close() ? "" : "cannot write all of " + path;
 }
 
 } // namespace nq::layer::trace

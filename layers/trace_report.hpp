@@ -3,11 +3,14 @@
 // What a recorded trace says, as a file for trace viewers and as a table.
 
 #include "trace_log.hpp"
+#include "trace_writer.hpp"
 
 #include <nq/describe.hpp>
 
+#include <cstdint>
 #include <map>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace nq::layer::trace {
@@ -17,8 +20,15 @@ public:
     /// Reads the entries. The chunks must live as long as the report.
     report(file_head const& of, std::vector<chunk const*> const& from);
 
-    /// Writes the events as JSON, which chrome://tracing and ui.perfetto.dev open. Returns why it cannot, or nothing.
-    std::string write(std::string const& path) const;
+    report(report&&) = default;
+    report& operator=(report&&) = default;
+    report(report const&) = delete;
+    report& operator=(report const&) = delete;
+
+    file_head const& head() const noexcept { return of_; }
+
+    /// Writes it as a process. `shift` is added to all times, in nanoseconds.
+    void write(writer& to, std::int64_t number, std::string const& name, std::int64_t shift) const;
 
     /// A table of the entry points, and one of the commands on devices, in lines.
     std::vector<std::string> summary() const;
@@ -41,7 +51,7 @@ private:
         std::uint64_t end() const { return about.ended - static_cast<std::uint64_t>(offset); }
         std::string name() const;
     };
-    class json;
+    using all_arrows = std::vector<std::vector<arrow_end>>;
 
     void read(chunk const& from);
     void name_kernels();
@@ -49,12 +59,15 @@ private:
     void align_clocks();
     void choose_lanes();
     std::vector<std::uint64_t> waited_for(one_call const& by) const;
-    void write_calls(json& to) const;
-    void write_commands(json& to) const;
-    void write_arrows(json& to) const;
+    all_arrows find_arrows(writer& to) const;
+    void write_calls(writer& to, all_arrows const& arrows, std::int64_t shift) const;
+    void write_commands(writer& to, all_arrows const& arrows, std::int64_t shift) const;
+    std::vector<kept_objects> not_released() const;
 
-    static std::string text_of(one_call const& made);
+    static std::vector<std::pair<std::string, std::string>> arguments_of(one_call const& made);
     static bool failed(one_call const& made);
+    // Reads what was recorded with the call, until it is asked for that of another.
+    static memory_reader memory_of(one_call const& made);
 
     file_head of_;
     std::vector<one_call> calls_;                    // in the order of beginning
@@ -63,5 +76,9 @@ private:
     std::map<std::uint64_t, std::string> queues_;    // by address: the device
     std::map<std::uint64_t, std::size_t> by_number_; // of the call: the index of the command
 };
+
+/// Writes processes into one file, in the format that the end of its name tells. Those of one machine share a clock;
+/// those of others are shifted by the machines' wall clocks. Returns why it cannot, or nothing.
+std::string write_trace(std::string const& path, std::vector<report> const& processes);
 
 } // namespace nq::layer::trace

@@ -83,4 +83,14 @@ template <class Block>
     return call == nullptr ? "command " + std::to_string(id) : detail::formatter{*call, block, read}.text();
 }
 
+/// The arguments, the status and the result of one call, each decoded as in `nq::format_call`: calls `visit(field,
+/// text)`, in the order of the fields. Does nothing if there is no such command.
+template <class Visit>
+void for_each_argument(capability opencl, std::uint32_t id, void const* block, Visit visit,
+                       memory_reader read = detail::copy_memory) {
+    if (description const* const call = describe(opencl, id); call != nullptr) {
+        detail::formatter{*call, block, read}.for_each_argument(visit);
+    }
+}
+
 } // namespace nq

@@ -60,11 +60,11 @@ def breaches_of_trace(program, folder):
         if not re.fullmatch(r"trace-\d+\.json", output.name):
             yield f"the trace is {output.name}"
     slices = [each for each in events if each["ph"] == "X"]
-    commands = [each for each in slices if "queued" in each["args"]]
+    commands = [each for each in slices if "waited in the queue, ns" in each["args"]]
     count = collections.Counter(each["name"] for each in commands)
     if count != {"WriteBuffer": 1, "scale": 2, "ReadBuffer": 1}:
         yield f"commands: {count}"
-    if not any('kernel_name="scale"' in each["args"]["call"] for each in slices):
+    if not any(each["args"].get("kernel_name") == '"scale"' for each in slices):
         yield "no decoded call"
     starts = {(each["tid"], each["ts"]) for each in slices}
     arrows = [each for each in events if each["ph"] in "sf"]
@@ -106,6 +106,9 @@ def breaches_of_command(command, program):
             (("errors", "--", program, PLATFORM, "name"), 0, "^nq-errors: clCreateKernel"),
             (("leaks", "--exit-status", "3", "--", program, PLATFORM, "leak"), 3, "^nq-leaks: 5 objects"),
             (("faults", "-r", "entry=clCreateBuffer:-4", "--", program, PLATFORM, "none"), 0, "^$"),
+            (("trace", "-o", f"{place}/%r.part", "--", program, PLATFORM, "none"), 0, "calls in .*/0.part$"),
+            (("convert", f"{place}/0.part", "-o", f"{place}/t.html"), 0, "^$"),
+            (("convert", f"{place}/0.part", "-o", "/none/t.json"), 2, "^vorn-mero: cannot write /none/t.json: No such"),
             (("trace", "-o", f"{place}/none", "--", "true"), 0, "^vorn-mero: true made no call through libnq"),
             (("trace", "-o", "/none/t.json", "--", "true"), 2, "^vorn-mero: cannot write /none/t.json: No such file"),
             (("leaks", "--", "/none"), 2, "^vorn-mero: cannot run /none: No such file"),

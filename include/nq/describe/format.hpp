@@ -51,16 +51,29 @@ struct formatter {
     std::string text() const {
         std::string arguments;
         std::string results;
+        for_each_argument([&](field const& each, std::string const& value) {
+            if (each.offset == call.status) {
+                results.insert(0, " = " + value);
+            } else if (each.offset == call.result) {
+                results += (call.status == absent ? " = " : ", ") + value;
+            } else {
+                arguments += (arguments.empty() ? "" : ", ") + std::string(each.name) + '=' + value;
+            }
+        });
+        return call.name + ('(' + arguments + ')') + results;
+    }
+
+    /// Calls `visit(field, value)` for each argument, the status and the result. No result if there is a status and it
+    /// is null.
+    template <class Visit>
+    void for_each_argument(Visit visit) const {
         for (field const& each : call) {
             if (each.offset == call.status) {
-                results.insert(0, " = " + number(each, read_field(block, each)));
-            } else if (each.offset == call.result && (call.status == absent || read_field(block, each) != 0)) {
-                results += (call.status == absent ? " = " : ", ") + value(each);
-            } else if (each.offset != call.result) {
-                arguments += (arguments.empty() ? "" : ", ") + std::string(each.name) + '=' + value(each);
+                visit(each, number(each, read_field(block, each)));
+            } else if (each.offset != call.result || call.status == absent || read_field(block, each) != 0) {
+                visit(each, value(each));
             }
         }
-        return call.name + ('(' + arguments + ')') + results;
     }
 
 private:
