@@ -11,7 +11,6 @@
 #include <cstdlib>
 #include <cstring>
 #include <fstream>
-#include <iterator>
 #include <sstream>
 #include <string>
 #include <string_view>
@@ -65,8 +64,9 @@ std::vector<std::string> in_cache() {
     };
     constexpr std::string_view mark = "glibc-ld.so.cache1.1";
     constexpr std::size_t head_size = 48;
-    std::ifstream stream("/etc/ld.so.cache", std::ios::binary);
-    std::string const text{std::istreambuf_iterator<char>(stream), {}};
+    std::ostringstream read;
+    read << std::ifstream("/etc/ld.so.cache", std::ios::binary).rdbuf();
+    std::string const text = read.str();
     std::size_t const at = text.find(mark);
     if (at == std::string::npos || text.size() - at < head_size) {
         return {};
