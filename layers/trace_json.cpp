@@ -60,7 +60,8 @@ public:
     void add(slice const& each) override {
         std::string arguments;
         for (auto const& [name, value] : each.arguments) {
-            arguments += (arguments.empty() ? "" : ",") + escaped(name) + ':' + escaped(value);
+            arguments += arguments.empty() ? "" : ",";
+            arguments += escaped(name) + ':' + escaped(value);
         }
         event("X", each.name, each.row,
               ",\"ts\":" + microseconds(each.begin) + ",\"dur\":" + microseconds(each.end - each.begin) +
@@ -74,9 +75,10 @@ public:
     }
 
     void add(kept_objects const& each) override {
-        kept_ += (kept_.empty() ? "" : ",") + (R"({"pid":)" + std::to_string(process_)) +
-                 ",\"entry\":" + escaped(each.entry) + ",\"count\":" + std::to_string(each.count) +
-                 ",\"references\":" + std::to_string(each.references) + "}";
+        kept_ += kept_.empty() ? "" : ",";
+        kept_ += R"({"pid":)" + std::to_string(process_) + ",\"entry\":" + escaped(each.entry) +
+                 ",\"count\":" + std::to_string(each.count) + ",\"references\":" + std::to_string(each.references) +
+                 "}";
     }
 
     bool close() override {
