@@ -167,6 +167,10 @@ TEST(description, knows_how_much_is_behind_a_pointer) {
     EXPECT_EQ(extent(pixels, "ptr", 2), 5U * 320 + 4 * 64 + 8);
     EXPECT_EQ(extent(pixels, "ptr"), std::size_t(-1)) << "the size of a pixel is not known";
     EXPECT_EQ(extent(nq::block::clEnqueueReadImage{.region = nothing}, "ptr", 2), 0U);
+    std::size_t pitches[] = {64, 320};
+    nq::block::clEnqueueMapImage const mapped{
+        .region = region, .image_row_pitch = pitches, .image_slice_pitch = pitches + 1};
+    EXPECT_EQ(extent(mapped, "result", 2), 5U * 320 + 4 * 64 + 8);
     EXPECT_EQ(extent(clCreateImage{.image_desc = &layers}, "host_ptr", 4), 3U * 2 * 5 * 4);
     EXPECT_EQ(extent(nq::block::clCreateImage2D{.image_width = 3, .image_height = 2}, "host_ptr", 4), 24U);
     EXPECT_EQ(extent(nq::block::clCreateSubDevices{.properties = counts}, "properties"), 4U * 8);

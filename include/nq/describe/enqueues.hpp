@@ -70,8 +70,9 @@ NQ_BLOCK(clEnqueueCopyBufferToImage, NQ_QUEUE, NQ_FIELD(src_buffer), NQ_FIELD(ds
          NQ_THREE(dst_origin), NQ_THREE(region), NQ_EVENTS, NQ_STATUS, NQ_NUM_EVENTS)
 NQ_BLOCK(clEnqueueMapImage, NQ_MAP_FLAGS, NQ_QUEUE, NQ_FIELD(image), NQ_THREE(origin), NQ_THREE(region),
          NQ_FIELD(image_row_pitch, is::size, has::one), NQ_FIELD(image_slice_pitch, is::size, has::one), NQ_EVENTS,
-         NQ_FIELD(result, is::bytes, is::out, has::no_known_length), NQ_ERROR_CODE, NQ_BLOCKING(blocking_map),
-         NQ_NUM_EVENTS)
+         NQ_FIELD(result, is::bytes, is::out,
+                  has::by(length_rule::mapped, NQ_AT(region), NQ_AT(image_row_pitch), NQ_AT(image_slice_pitch))),
+         NQ_ERROR_CODE, NQ_BLOCKING(blocking_map), NQ_NUM_EVENTS)
 
 // Kernels, markers, barriers
 

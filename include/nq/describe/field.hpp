@@ -69,6 +69,7 @@ enum class length_rule : std::uint8_t {
     pixels,          ///< pixels, by the region, row pitch and slice pitch in fields 0 to 2
     image,           ///< pixels, by the width, height, depth, row pitch and slice pitch in fields 0 to 4
     described_image, ///< pixels, by the `nq::image_desc` that field 0 points to
+    mapped,          ///< pixels, by the region in field 0, and the pitches that fields 1 and 2 point to
     opaque,          ///< not told by the block
 };
 

@@ -45,6 +45,20 @@ inline void const* read_pointer(void const* block, std::size_t offset) {
     return pointer;
 }
 
+/// Rows of bytes, with gaps between. A list is one row.
+struct memory_rows {
+    std::size_t offset = 0;     ///< of the first row, in bytes
+    std::size_t width = 0;      ///< of a row, in bytes
+    std::size_t count[2]{1, 1}; ///< of the rows in a slice, and of the slices
+    std::size_t pitch[2]{0, 0}; ///< from a row to the next, and from a slice to the next, in bytes
+
+    /// One past the last byte; 0 if there is none.
+    constexpr std::size_t end() const {
+        bool const empty = width == 0 || count[0] == 0 || count[1] == 0;
+        return empty ? 0 : offset + (count[1] - 1) * pitch[1] + (count[0] - 1) * pitch[0] + width;
+    }
+};
+
 namespace detail {
 
 struct bounds {
@@ -52,13 +66,13 @@ struct bounds {
     memory_reader read;
     std::size_t pixel_size;
 
-    std::optional<std::size_t> of(description const& call, field const& each) const {
+    std::optional<memory_rows> of(description const& call, field const& each) const {
         auto const& at = each.length.operands;
         switch (each.length.rule) {
         case length_rule::constant:
-            return std::size_t{at[0]} * each.element_size;
+            return memory_rows{0, std::size_t{at[0]} * each.element_size};
         case length_rule::counted:
-            return value(call, at[0]) * each.element_size;
+            return memory_rows{0, value(call, at[0]) * each.element_size};
         case length_rule::zero_terminated:
             return list(each, 1, 0);
         case length_rule::properties:
@@ -69,9 +83,11 @@ struct bounds {
             return rectangle(at);
         case length_rule::pixels:
             return region(at[0], read_field(block, at[1]), read_field(block, at[2]));
+        case length_rule::mapped:
+            return region(at[0], word(read_pointer(block, at[1])), word(read_pointer(block, at[2])));
         case length_rule::image: {
             std::size_t const size[] = {read_field(block, at[0]), read_field(block, at[1]), optional(at[2], 1)};
-            return box(size, optional(at[3], 0), optional(at[4], 0));
+            return pixels(size, optional(at[3], 0), optional(at[4], 0));
         }
         case length_rule::described_image:
             return described_image(at[0]);
@@ -104,7 +120,7 @@ private:
     }
 
     // The bytes up to the zero after `zeros` others, in steps.
-    std::optional<std::size_t> list(field const& each, std::size_t step, int zeros) const {
+    std::optional<memory_rows> list(field const& each, std::size_t step, int zeros) const {
         auto const* const start = static_cast<unsigned char const*>(read_pointer(block, each.offset));
         std::size_t const width = step == 1 ? 1 : 8;
         for (auto const* at = start; at != nullptr; at += step) {
@@ -113,35 +129,30 @@ private:
                 break;
             }
             if (name == 0 && zeros-- == 0) {
-                return static_cast<std::size_t>(at - start) + width;
+                return memory_rows{0, static_cast<std::size_t>(at - start) + width};
             }
         }
         return std::nullopt;
     }
 
-    std::optional<std::size_t> box(std::size_t const (&size)[3], std::size_t row, std::size_t slice) const {
-        if (pixel_size == 0) {
-            return std::nullopt;
-        }
-        return end(size, size[0] * pixel_size, row, slice);
-    }
-
-    // Where a box ends whose rows have `width` bytes.
-    static std::size_t end(std::size_t const (&size)[3], std::size_t width, std::size_t row, std::size_t slice) {
+    // A box whose rows have `width` bytes. Pitches of 0: there are no gaps.
+    static memory_rows box(std::size_t const (&size)[3], std::size_t width, std::size_t row, std::size_t slice) {
         row = row != 0 ? row : width;
-        slice = slice != 0 ? slice : row * size[1];
-        bool const empty = size[0] == 0 || size[1] == 0 || size[2] == 0;
-        return empty ? 0 : (size[2] - 1) * slice + (size[1] - 1) * row + width;
+        return {0, width, {size[1], size[2]}, {row, slice != 0 ? slice : row * size[1]}};
     }
 
-    std::optional<std::size_t> region(std::size_t offset, std::size_t row, std::size_t slice) const {
+    std::optional<memory_rows> pixels(std::size_t const (&size)[3], std::size_t row, std::size_t slice) const {
+        return pixel_size != 0 ? std::optional(box(size, size[0] * pixel_size, row, slice)) : std::nullopt;
+    }
+
+    std::optional<memory_rows> region(std::size_t offset, std::size_t row, std::size_t slice) const {
         std::size_t size[3];
         void const* const from = read_pointer(block, offset);
-        return from != nullptr && read(size, from, sizeof size) ? box(size, row, slice) : std::nullopt;
+        return from != nullptr && read(size, from, sizeof size) ? pixels(size, row, slice) : std::nullopt;
     }
 
     template <class Operands>
-    std::optional<std::size_t> rectangle(Operands const& at) const {
+    std::optional<memory_rows> rectangle(Operands const& at) const {
         std::size_t origin[3];
         std::size_t size[3];
         void const* const from = read_pointer(block, at[0]);
@@ -150,12 +161,12 @@ private:
             !read(size, extent, sizeof size)) {
             return std::nullopt;
         }
-        std::size_t const row = read_field(block, at[2]) != 0 ? read_field(block, at[2]) : size[0];
-        std::size_t const slice = read_field(block, at[3]) != 0 ? read_field(block, at[3]) : row * size[1];
-        return origin[2] * slice + origin[1] * row + origin[0] + end(size, size[0], row, slice);
+        memory_rows made = box(size, size[0], read_field(block, at[2]), read_field(block, at[3]));
+        made.offset = origin[2] * made.pitch[1] + origin[1] * made.pitch[0] + origin[0];
+        return made;
     }
 
-    std::optional<std::size_t> described_image(std::size_t offset) const {
+    std::optional<memory_rows> described_image(std::size_t offset) const {
         image_desc about{};
         void const* const from = read_pointer(block, offset);
         if (from == nullptr || !read(&about, from, sizeof about)) {
@@ -168,17 +179,24 @@ private:
         std::size_t const slice = about.image_type == array_of_lines && about.image_slice_pitch == 0
                                       ? about.image_row_pitch
                                       : about.image_slice_pitch;
-        return box(size, about.image_row_pitch, slice);
+        return pixels(size, about.image_row_pitch, slice);
     }
 };
 
 } // namespace detail
 
-/// How many bytes are behind the pointer in a field, by its length rule. Nothing if it is not known, or cannot be read.
-/// The rules in pixels need the size of a pixel in bytes. Lists of texts and binaries: the list itself.
+/// Where the bytes behind the pointer in a field are, by its length rule. Nothing if it is not known, or cannot be
+/// read. The rules in pixels need the size of a pixel in bytes. Lists of texts and binaries: the list itself.
+inline std::optional<memory_rows> rows_of(description const& call, field const& each, void const* block,
+                                          std::size_t pixel_size = 0, memory_reader read = detail::copy_memory) {
+    return detail::bounds{block, read, pixel_size}.of(call, each);
+}
+
+/// How many bytes are behind the pointer in a field, with the gaps between rows. As `rows_of`.
 inline std::optional<std::size_t> extent_of(description const& call, field const& each, void const* block,
                                             std::size_t pixel_size = 0, memory_reader read = detail::copy_memory) {
-    return detail::bounds{block, read, pixel_size}.of(call, each);
+    auto const rows = rows_of(call, each, block, pixel_size, read);
+    return rows ? std::optional(rows->end()) : std::nullopt;
 }
 
 } // namespace nq
