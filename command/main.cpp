@@ -1,6 +1,7 @@
 // The command vorn-mero: runs a program under one of the layers, and says why there is no device.
 
 #include "doctor.hpp"
+#include "replay.hpp"
 #include "run.hpp"
 #include "sweep.hpp"
 
@@ -39,6 +40,8 @@ struct options {
     bool report = false;
     unsigned limit = 256;
     unsigned exit_status = 1;
+    std::string session = "session.nqr";
+    nq::command::replay_options replay;
     nq::command::sweep_options sweep;
 };
 
@@ -56,13 +59,20 @@ void convert(std::vector<std::string> const& recordings, std::string const& outp
     }
 }
 
+// A result of before must not pass for one of now. Devices such as /dev/null stay.
+void remove_old(std::string const& output) {
+    if (fs::is_regular_file(output)) {
+        fs::remove(output);
+    }
+}
+
 int trace(options const& with) {
     std::string const output = nq::layer::trace::expanded(with.output);
     std::string const part = nq::layer::trace::recording_of(output);
     if (output.find(',') != std::string::npos) {
         throw std::runtime_error("the name of the output cannot have a comma");
     }
-    fs::remove(output);
+    remove_old(output);
     if (std::FILE* const probe = std::fopen(part.c_str(), "w"); probe != nullptr) {
         std::fclose(probe);
         fs::remove(part);
@@ -95,6 +105,16 @@ int faults(options const& with) {
 int sweep(options& with) {
     with.sweep.exit_status = static_cast<int>(with.exit_status);
     return nq::command::sweep(with.program, with.sweep);
+}
+
+int record(options const& with) {
+    remove_old(with.session);
+    int const status = run_under("record", "output=" + with.session, with.program);
+    if (!fs::exists(with.session)) {
+        std::fprintf(stderr, "vorn-mero: %s made no call through libnq, so there is no recording\n",
+                     with.program.at(0).c_str());
+    }
+    return status;
 }
 
 void add_exit_status(CLI::App* to, options& with, char const* text) {
@@ -145,6 +165,15 @@ int main(int count, char** arguments) {
     to_sweep->add_option("--timeout", with.sweep.seconds, "seconds after which a run counts as hanging")
         ->check(CLI::PositiveNumber);
     add_exit_status(to_sweep, with, "the exit status if a run broke; 0: the program's own");
+    CLI::App* const to_record = add(app, with, "record", "write a session to a file, for replay");
+    to_record->add_option("-o,--output", with.session, "the file")->capture_default_str();
+    CLI::App* const to_replay =
+        app.add_subcommand("replay", "run a recorded session without the program, and compare the results");
+    to_replay->add_option("recording", with.replay.recording, "what record has written")->required();
+    to_replay->add_option("--platform", with.replay.device.platform, "run it on this platform; a part of its name");
+    to_replay->add_option("--device", with.replay.device.number, "run it on this device of the platform, from 0 on")
+        ->check(CLI::NonNegativeNumber);
+    to_replay->footer("The exit status is 1 if a result differs, and 2 if the session could not be run.");
     CLI::App* const to_convert = app.add_subcommand(
         "convert", "write one timeline of recordings: of processes, or of a program that did not come to its end");
     to_convert->add_option("recording", with.recordings, "what trace has left behind, FILE.part")->required();
@@ -161,6 +190,8 @@ int main(int count, char** arguments) {
                : to_leaks->parsed()  ? leaks(with)
                : to_faults->parsed() ? faults(with)
                : to_sweep->parsed()  ? sweep(with)
+               : to_record->parsed() ? record(with)
+               : to_replay->parsed() ? nq::command::replay(with.replay)
                                      : (convert(with.recordings, with.output), 0);
     } catch (CLI::ParseError const& failure) {
         return app.exit(failure) == 0 ? 0 : unusable;

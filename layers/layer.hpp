@@ -35,9 +35,10 @@ Block* as(call const& made, description const* about) {
 /// The value of a name of OpenCL, as in `"CL_DEVICE_NAME"_cl`. Does not compile if there is no such name.
 consteval std::uint32_t operator""_cl(char const* name, std::size_t) {
     using namespace values;
-    for (value_set const& set : {device_info, context_info, command_queue_info, mem_info, image_info, program_info,
-                                 program_build_info, kernel_info, kernel_arg_info, kernel_work_group_info, event_info,
-                                 profiling_info, queue_properties, command_queue_properties, status}) {
+    for (value_set const& set :
+         {platform_info, device_info, context_info, command_queue_info, mem_info, image_info, program_info,
+          program_build_info, kernel_info, kernel_arg_info, kernel_work_group_info, event_info, profiling_info,
+          queue_properties, command_queue_properties, mem_flags, map_flags, status}) {
         for (value_name const& each : set) {
             if (std::string_view(each.name) == name) {
                 return static_cast<std::uint32_t>(each.value);

@@ -30,6 +30,8 @@ vorn_mero_contains(fmt "${fmt_VERSION}" MIT ${spdlog_how})
 vorn_mero_contains(opencl-headers "" Apache-2.0 CONTAINS) # types and constants in the bridge
 if(VORN_MERO_LAYERS)
   vorn_mero_contains(libbacktrace "" BSD-3-Clause STATIC_LINK) # the layer leaks
+  get_directory_property(zstd_VERSION DIRECTORY ${PROJECT_SOURCE_DIR}/layers DEFINITION zstd_VERSION)
+  vorn_mero_contains(zstd "${zstd_VERSION}" BSD-3-Clause DYNAMIC_LINK) # the layer record, the command
   if(VORN_MERO_COMMAND)
     get_directory_property(CLI11_VERSION DIRECTORY ${PROJECT_SOURCE_DIR}/command DEFINITION CLI11_VERSION)
     vorn_mero_contains(CLI11 "${CLI11_VERSION}" BSD-3-Clause CONTAINS) # the command

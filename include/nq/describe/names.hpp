@@ -350,7 +350,8 @@ inline constexpr value_name mem_flags_names[] = {
     {"CL_MEM_READ_ONLY", 0x4},        {"CL_MEM_USE_HOST_PTR", 0x8},
     {"CL_MEM_ALLOC_HOST_PTR", 0x10},  {"CL_MEM_COPY_HOST_PTR", 0x20},
     {"CL_MEM_HOST_WRITE_ONLY", 0x80}, {"CL_MEM_HOST_READ_ONLY", 0x100},
-    {"CL_MEM_HOST_NO_ACCESS", 0x200}, {"CL_MEM_KERNEL_READ_AND_WRITE", 0x1000}};
+    {"CL_MEM_HOST_NO_ACCESS", 0x200}, {"CL_MEM_SVM_FINE_GRAIN_BUFFER", 0x400},
+    {"CL_MEM_SVM_ATOMICS", 0x800},    {"CL_MEM_KERNEL_READ_AND_WRITE", 0x1000}};
 
 inline constexpr value_name migration_flags_names[] = {{"CL_MIGRATE_MEM_OBJECT_HOST", 0x1},
                                                        {"CL_MIGRATE_MEM_OBJECT_CONTENT_UNDEFINED", 0x2}};

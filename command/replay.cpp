@@ -1,0 +1,45 @@
+#include "replay.hpp"
+
+#include <cstdio>
+#include <stdexcept>
+
+namespace nq::command {
+namespace {
+
+constexpr std::uint64_t most_lines = 20;
+
+std::string plural(std::uint64_t count, std::string const& what) {
+    return std::to_string(count) + ' ' + what + (count == 1 ? "" : "s");
+}
+
+} // namespace
+
+int replay(replay_options const& with) {
+    recording::session const from = recording::read_file(with.recording);
+    machine here;
+    player on(from, here, with.device);
+    for (std::string const& line : on.devices()) {
+        std::puts(line.c_str());
+    }
+    std::uint64_t lines = 0;
+    comparison const done = on.run([&lines](std::string const& line) {
+        if (++lines <= most_lines) {
+            std::puts(line.c_str());
+        }
+    });
+    if (lines > most_lines) {
+        std::printf("and %s more\n", plural(lines - most_lines, "difference").c_str());
+    }
+    if (done.missing != 0) {
+        std::printf("%s left out that need what could not be made here\n", plural(done.missing, "call").c_str());
+    }
+    if (done.left_out != 0) {
+        std::printf("%s left out that run a function of the program\n", plural(done.left_out, "call").c_str());
+    }
+    std::printf("%s of %zu made again, %s of memory compared (%s): %s\n", plural(done.calls, "call").c_str(),
+                from.calls.size(), plural(done.results, "piece").c_str(), plural(done.bytes, "byte").c_str(),
+                done.different == 0 ? "no difference" : plural(done.different, "difference").c_str());
+    return done.different == 0 ? 0 : 1;
+}
+
+} // namespace nq::command
