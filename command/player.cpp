@@ -97,7 +97,7 @@ bool player::is_replayed(read_call const& call) const {
            from_.handles[call.entry.handle].entry.device != 0 && (!is_of_device || parts_.contains(call.field(0)));
 }
 
-comparison player::run(std::function<void(std::string const&)> print, watcher watch) {
+comparison player::run(std::function<void(std::string const&)> print, watcher const& watch) {
     print_ = std::move(print);
     for (recording::event const& each : from_.events) {
         if (each.kind == entry_kind::contents) {
@@ -120,20 +120,18 @@ comparison player::run(std::function<void(std::string const&)> print, watcher wa
 // Whether a call needs what could not be made here.
 bool player::is_missing(read_call const& call) const {
     auto const is_gone = [this](std::uint64_t each) { return names_.has_object(each) && names_.object(each) == 0; };
-    for (field const& each : *call.about) {
+    return std::any_of(call.about->begin(), call.about->end(), [&](field const& each) {
         if (each.length.rule != length_rule::none && is_gone(call.field(each.offset))) {
             return true; // shared memory
         }
         bool const names_objects = each.kind == field_kind::handle || each.kind == field_kind::address;
         bool const is_argument = each.kind == field_kind::bytes && is<block::clSetKernelArg>(call);
-        if (each.direction == direction::in && (names_objects || is_argument)) {
-            auto const objects = objects_in(call, each);
-            if (std::any_of(objects.begin(), objects.end(), is_gone)) {
-                return true;
-            }
+        if (each.direction != direction::in || !(names_objects || is_argument)) {
+            return false;
         }
-    }
-    return false;
+        auto const objects = objects_in(call, each);
+        return std::any_of(objects.begin(), objects.end(), is_gone);
+    });
 }
 
 // What a call that is left out, or that has failed, would have made.
@@ -214,7 +212,7 @@ bool player::make_context(read_call const& call, replay_block& block) {
     std::vector<_nq_cl_device_id*> devices;
     device_here const& own = chosen_.at(from_.handles[call.entry.handle].entry.device);
     for (auto const& [recorded, each] : chosen_) {
-        auto* const raw = reinterpret_cast<_nq_cl_device_id*>(each.raw);
+        auto* const raw = to_pointer<_nq_cl_device_id>(each.raw);
         if (each.raw_platform == own.raw_platform && std::find(devices.begin(), devices.end(), raw) == devices.end()) {
             devices.push_back(raw);
         }
@@ -278,7 +276,7 @@ void player::take_results(read_call const& call, std::unique_ptr<replay_block> b
     auto const contents = contents_of_.find(call.entry.order);
     if (is_whole && contents != contents_of_.end()) {
         field const* const at = find(*call.about, "event");
-        auto* const* const event = at != nullptr ? reinterpret_cast<_nq_cl_event**>(block->field(at->offset)) : nullptr;
+        auto* const* const event = at != nullptr ? to_pointer<_nq_cl_event*>(block->field(at->offset)) : nullptr;
         block::clRetainEvent retained{.event = event != nullptr ? *event : nullptr};
         if (retained.event != own_event_) {
             perform(through(call), retained);
@@ -296,8 +294,8 @@ void player::name_kernels(read_call const& call, replay_block const& block) {
     for (std::uint32_t i = 0; i < all.size(); ++i) {
         recording::segment const* const name = call.find(offsetof(block::clCreateKernelsInProgram, kernels), i + 1);
         for (auto const& [recorded, here] : all) {
-            std::string const text = ask_text(
-                through(call), block::clGetKernelInfo{.kernel = reinterpret_cast<_nq_cl_kernel*>(here)}, kernel_name);
+            std::string const text =
+                ask_text(through(call), block::clGetKernelInfo{.kernel = to_pointer<_nq_cl_kernel>(here)}, kernel_name);
             memory const wanted = name != nullptr ? from_.at(*name) : memory{};
             if (wanted.size() == text.size() + 1 && std::memcmp(wanted.data(), text.data(), text.size()) == 0) {
                 names_.set_object(all[i].first, here);

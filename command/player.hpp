@@ -46,7 +46,7 @@ public:
     std::vector<std::string> devices() const;
 
     /// `print` gets a line for each difference.
-    comparison run(std::function<void(std::string const&)> print, watcher watch = {});
+    comparison run(std::function<void(std::string const&)> print, watcher const& watch = {});
 
     recording::session const& from() const { return from_; }
     translation const& names() const { return names_; }

@@ -73,7 +73,7 @@ std::optional<memory> translation::shared_at(std::uint64_t recorded) const {
     }
     auto const& [start, each] = *std::prev(next);
     std::uint64_t const offset = recorded - start;
-    return memory(reinterpret_cast<std::byte const*>(each.here + offset), each.size - offset);
+    return memory(to_pointer<std::byte const>(each.here + offset), each.size - offset);
 }
 
 std::optional<std::uint64_t> translation::address(std::uint64_t recorded) const {
@@ -257,7 +257,7 @@ std::map<std::size_t, place> replay_block::written() const {
             auto const here = rows_of(*call_.about, each, block_.data(), size, read_allowed);
             auto const there = rows_of(*call_.about, each, recorded.data(), size, read_allowed);
             if (here && there && is_sane(*there)) {
-                all[each.offset] = {reinterpret_cast<std::byte*>(field(each.offset)), *here, *there};
+                all[each.offset] = {to_pointer<std::byte>(field(each.offset)), *here, *there};
             }
         }
     }
@@ -279,7 +279,7 @@ std::vector<std::pair<std::uint64_t, std::uint64_t>> replay_block::returned() co
             std::size_t const size = std::min(recorded.size(), room ? room->end() : 0);
             for (std::size_t at = 0; at + sizeof(std::uint64_t) <= size; at += sizeof(std::uint64_t)) {
                 all.emplace_back(read_field(recorded.data(), at),
-                                 read_field(reinterpret_cast<void const*>(field(each.offset)), at));
+                                 read_field(to_pointer<void const>(field(each.offset)), at));
             }
         }
     }

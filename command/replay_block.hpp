@@ -2,6 +2,8 @@
 
 // Makes the argument block of a call that is replayed.
 
+#include "wire.hpp"
+
 #include "../layers/recording.hpp"
 
 #include <array>

@@ -5,6 +5,7 @@
 #include <nq/describe.hpp>
 #include <nq/nq.hpp>
 
+#include <cstdint>
 #include <string>
 
 namespace nq::command {
@@ -14,6 +15,12 @@ struct opened {
     nq_call_handle* handle = nullptr;
     capability version{};
 };
+
+/// The pointer that a word of a block holds.
+template <class T>
+T* to_pointer(std::uint64_t word) {
+    return static_cast<T*>(const_cast<void*>(read_pointer(&word, 0)));
+}
 
 /// Makes a call. False if there is no such command, or the call failed.
 template <class Block>

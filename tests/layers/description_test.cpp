@@ -87,7 +87,7 @@ TEST(description, has_a_name_for_each_block_and_an_end_for_each_version) {
 // Each name of a value is a macro of <CL/cl.h>, with that value.
 TEST(description, names_values_as_opencl_does) {
     std::map<std::string, std::int64_t> macros;
-    std::regex const shape(R"(#define\s+(CL_\w+)\s+(\(1 << (\d+)\)|-?\w+)\s*)");
+    std::regex const shape(R"(#define\s+(CL_\w+)\s+(\(1 << (\d+)\)|-?\w+)\s*(/\*.*)?)");
     std::ifstream header(CL_HEADER);
     for (std::string line; std::getline(header, line);) {
         if (std::smatch found; std::regex_match(line, found, shape)) {
