@@ -46,9 +46,9 @@ void note_success(call const& made, description const* about) {
     } else if (auto const* const clone = as<block::clCloneKernel>(made, about); clone != nullptr) {
         begin(clone->result, clone->source_kernel);
     } else if (auto const* const all = as<block::clCreateKernelsInProgram>(made, about);
-               all != nullptr && all->kernels != nullptr && all->num_kernels_ret != nullptr) {
-        std::for_each_n(all->kernels, std::min(all->num_kernels, *all->num_kernels_ret),
-                        [](auto* each) { begin(each); });
+               all != nullptr && all->kernels != nullptr) {
+        std::uint32_t const told = all->num_kernels_ret != nullptr ? *all->num_kernels_ret : all->num_kernels;
+        std::for_each_n(all->kernels, std::min(all->num_kernels, told), [](auto* each) { begin(each); });
     }
 }
 

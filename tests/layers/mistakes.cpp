@@ -69,7 +69,7 @@ void use_newer(session& here, bool keep) {
     program.build({device}, "", nullptr, nullptr);
     std::vector<newer::kernel> kernels = program.create_all_kernels();
     auto* const shared = static_cast<int*>(context.svm_allocate(newer::svm_mem_flags::read_write, 64, 0));
-    newer::kernel clone = kernels[0].clone();
+    newer::kernel clone = kernels[0].copy();
     clone.set_svm_argument(0, shared);
     queue.enqueue_command_without_event(newer::fill_svm<int>(shared, 0, 16));
     queue.enqueue_command_without_event(newer::nd_range_kernel(clone, 1, {0, 0, 0}, {4, 1, 1}, {1, 1, 1}));
@@ -80,7 +80,8 @@ void use_newer(session& here, bool keep) {
         new auto(std::move(kernels));
         new auto(parts[0]);
     } else {
-        context.svm_free(shared);
+        queue.enqueue_command_without_event(newer::svm_free({shared}));
+        queue.finish();
     }
 }
 
@@ -108,6 +109,8 @@ std::map<std::string, std::function<void(session&)>> const mistakes{
          here.queue.enqueue_command_without_event(cl::read_buffer_rect(here.buffer, true, {16, 60, 0}, {0, 0, 0},
                                                                        {16, 8, 1}, 64, 0, 0, 0, here.values.data()));
      }},
+    {"part",
+     [](session& here) { (void)here.context.create_sub_buffer(here.buffer, cl::mem_flags::read_write, 4096, 0); }},
     {"pitch",
      [](session& here) {
          here.queue.enqueue_command_without_event(
