@@ -111,9 +111,13 @@ launch::launch(std::vector<layer_use> layers, command_line program)
     for (layer_use const& each : layers_) {
         preload_ += (preload_.empty() ? "" : ":") + find_layer(each.name).string();
     }
-    put_before(preload_, "LD_PRELOAD");
     // For every program: a script does not tell what it will load, and programs of this library find the loader behind.
-    library_path_ = find_installed("vorn-mero/libOpenCL.so.1").parent_path().string();
+    // Preloaded it comes before a loader that a program brings along, and in the path it has one more name.
+    if (fs::path const dropin = find_installed("vorn-mero/libOpenCL.so.1"); !dropin.empty()) {
+        preload_ += ":" + dropin.string();
+        library_path_ = dropin.parent_path().string();
+    }
+    put_before(preload_, "LD_PRELOAD");
     put_before(library_path_, "LD_LIBRARY_PATH");
 }
 

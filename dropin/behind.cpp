@@ -32,6 +32,15 @@ void* open(std::string const& file) {
     return library;
 }
 
+bool exports_opencl(char const* file) {
+    void* const library = dlopen(file, RTLD_LAZY | RTLD_LOCAL | RTLD_NOLOAD);
+    bool const found = library != nullptr && dlsym(library, "clGetPlatformIDs") != nullptr;
+    if (library != nullptr) {
+        dlclose(library);
+    }
+    return found;
+}
+
 void* open_in(std::vector<std::string> const& files) {
     for (std::string const& each : files) {
         if (void* const library = open(each); library != nullptr) {
@@ -39,6 +48,22 @@ void* open_in(std::vector<std::string> const& files) {
         }
     }
     return nullptr;
+}
+
+// Some programs bring a loader of their own, under another name.
+std::vector<std::string> loaded() {
+    std::vector<std::string> files;
+    auto const note = [](dl_phdr_info* each, std::size_t, void* list) {
+        std::string_view const file = each->dlpi_name;
+        if (file.substr(file.rfind('/') + 1).starts_with("libOpenCL")) {
+            static_cast<std::vector<std::string>*>(list)->emplace_back(file);
+        }
+        return 0;
+    };
+    dl_iterate_phdr(note, &files);
+    files.erase(std::remove_if(files.begin(), files.end(), [](auto& each) { return !exports_opencl(each.c_str()); }),
+                files.end());
+    return files;
 }
 
 std::vector<std::string> in_library_path() {
@@ -115,7 +140,7 @@ void* find() {
             return library;
         }
     }
-    for (auto const& files : {in_library_path(), in_cache(), in_default_folders()}) {
+    for (auto const& files : {loaded(), in_library_path(), in_cache(), in_default_folders()}) {
         if (void* const library = open_in(files); library != nullptr) {
             return library;
         }
