@@ -42,7 +42,10 @@ def breaches_of_programs(program, dropin, command):
                 yield f"{line[0]} sees {plain}\n  and through the drop-in {through}"
 
 
-def breaches_of_layers(program, command):
+def breaches_of_layers(program, dropin, command):
+    preloaded = {"LD_LIBRARY_PATH": str(dropin.parent), "LD_PRELOAD": str(dropin.parents[1] / "libnq-errors.so")}
+    if "clReleaseEvent" not in run(sys.executable, "-c", NULL_EVENT, **preloaded)[2]:
+        yield "a preloaded layer does not see what a script loads"
     for arguments, status, pattern in (
         (("errors", "--", program, PLATFORM), 0, r"^nq-errors: clCreateKernel\(.*\"skale\".* kernels: scale$"),
         (("errors", "--", sys.executable, "-c", NULL_EVENT), 0, r"^nq-errors: clReleaseEvent\(event=null\) = CL_INV"),
@@ -57,10 +60,10 @@ def breaches_of_layers(program, command):
 
 
 def main():
-    program, dropin, loader, command = sys.argv[1:]
+    program, dropin, loader, command = sys.argv[1], pathlib.Path(sys.argv[2]), *sys.argv[3:]
     failed = 0
-    for found in (breaches_of_exports(dropin, loader), breaches_of_programs(program, pathlib.Path(dropin), command),
-                  breaches_of_layers(program, command)):
+    for found in (breaches_of_exports(dropin, loader), breaches_of_programs(program, dropin, command),
+                  breaches_of_layers(program, dropin, command)):
         for each in found:
             failed = 1
             print(each)
