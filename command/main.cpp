@@ -94,8 +94,9 @@ int trace(options const& with) {
     return status;
 }
 
-int leaks(options const& with) {
-    return run_under("leaks", "exit-status=" + std::to_string(with.exit_status), with.program);
+// A layer that sets the exit status when it has found something.
+int run_finding(char const* layer, options const& with) {
+    return run_under(layer, "exit-status=" + std::to_string(with.exit_status), with.program);
 }
 
 int faults(options const& with) {
@@ -146,6 +147,8 @@ int main(int count, char** arguments) {
     CLI::App* const to_errors = add(app, with, "errors", "print each failing call, and what is wrong with it");
     CLI::App* const to_leaks = add(app, with, "leaks", "print what was never released, and the line that made it");
     add_exit_status(to_leaks, with, "the exit status if there is any; 0: the program's own");
+    CLI::App* const to_check = add(app, with, "check", "print what OpenCL leaves undefined, and the line that does it");
+    add_exit_status(to_check, with, "the exit status if there is any; 0: the program's own");
     CLI::App* const to_faults = add(app, with, "faults", "make calls fail");
     to_faults->add_option("-r,--rule", with.rules, "which calls fail and how, as entry=clCreateBuffer:call=2:-4")
         ->required();
@@ -187,7 +190,8 @@ int main(int count, char** arguments) {
         return to_diagnose->parsed() ? static_cast<int>(nq::command::diagnose())
                : to_trace->parsed()  ? trace(with)
                : to_errors->parsed() ? run_under("errors", "", with.program)
-               : to_leaks->parsed()  ? leaks(with)
+               : to_leaks->parsed()  ? run_finding("leaks", with)
+               : to_check->parsed()  ? run_finding("check", with)
                : to_faults->parsed() ? faults(with)
                : to_sweep->parsed()  ? sweep(with)
                : to_record->parsed() ? record(with)

@@ -32,6 +32,12 @@ Block* as(call const& made, description const* about) {
     return about == &description_of<Block> ? static_cast<Block*>(made.block) : nullptr;
 }
 
+/// Whether libnq made a call and OpenCL did what it asks for.
+inline bool succeeded(call const& made, description const& about, int result) noexcept {
+    return result == result::success &&
+           (about.status == absent || read_field(made.block, about.status, sizeof(std::int32_t)) == 0);
+}
+
 /// The value of a name of OpenCL, as in `"CL_DEVICE_NAME"_cl`. Does not compile if there is no such name.
 consteval std::uint32_t operator""_cl(char const* name, std::size_t) {
     using namespace values;

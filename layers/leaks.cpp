@@ -1,18 +1,15 @@
 // Writes at exit which OpenCL objects and which shared memory the program has not released, and where it made them.
 
+#include "findings.hpp"
 #include "layer.hpp"
 #include "objects.hpp"
 #include "source.hpp"
 
 #include <algorithm>
-#include <charconv>
-#include <cstdio>
-#include <cstdlib>
 #include <map>
 #include <mutex>
 #include <string_view>
 #include <tuple>
-#include <unistd.h>
 #include <unordered_map>
 #include <utility>
 #include <vector>
@@ -103,24 +100,6 @@ std::string plural(std::uint64_t count, char const* what) {
     return std::to_string(count) + ' ' + what + (count == 1 ? "" : "s");
 }
 
-// From NQ_LEAKS, `exit-status=N`.
-int exit_status() {
-    char const* const text = std::getenv("NQ_LEAKS");
-    std::string_view const wanted = text != nullptr ? text : "";
-    constexpr std::string_view key = "exit-status=";
-    int status = 1;
-    if (wanted.empty()) {
-        return status;
-    }
-    std::string_view const number = wanted.starts_with(key) ? wanted.substr(key.size()) : "";
-    auto const [end, error] = std::from_chars(number.data(), number.data() + number.size(), status);
-    if (error != std::errc{} || end != number.data() + number.size() || status < 0 || status > 255) {
-        print(name, "NQ_LEAKS: use exit-status=N with N from 0 to 255, not '" + std::string(wanted) + "'");
-        return 1;
-    }
-    return status;
-}
-
 // One line for the objects that one place has made.
 void print_all() {
     using place = std::tuple<std::string, std::string, std::int64_t>; // entry point, line, references
@@ -148,10 +127,7 @@ void print_all() {
         return;
     }
     print_all();
-    if (int const status = exit_status(); status != 0) {
-        std::fflush(nullptr);
-        _exit(status);
-    }
+    end_with_findings(name, "NQ_LEAKS");
 }
 
 } // namespace
@@ -164,10 +140,7 @@ int perform(call const& made) noexcept {
     taken before;
     attempt([&] { before = note_released(made, *about); });
     int const result = forward(made);
-    bool const succeeded =
-        result == result::success &&
-        (about->status == absent || read_field(made.block, about->status, sizeof(std::int32_t)) == 0);
-    attempt([&] { succeeded ? note_success(made, *about) : give_back(before); });
+    attempt([&] { succeeded(made, *about, result) ? note_success(made, *about) : give_back(before); });
     return result;
 }
 

@@ -29,8 +29,8 @@ std::string demangled(char const* symbol) {
         return symbol;
     }
     std::string text = name.get();
-    // without the arguments and the return type, which a template has
-    text.resize(std::min(text.find('('), text.size()));
+    // without the arguments and the return type, which a template has; of a lambda the function that it is in
+    text.resize(std::min({text.find("[abi:"), text.find("::{lambda("), text.find('('), text.size()}));
     int nested = 0;
     for (std::size_t at = text.size(); at > 0; --at) {
         nested += text[at - 1] == '>' ? 1 : text[at - 1] == '<' ? -1 : 0;

@@ -93,4 +93,11 @@ void for_each_argument(capability opencl, std::uint32_t id, void const* block, V
     }
 }
 
+/// A call that is not made yet as text: as `format_call` writes it, without status and result.
+[[nodiscard]] inline std::string format_request(capability opencl, std::uint32_t id, void const* block,
+                                                memory_reader read = detail::copy_memory) {
+    description const* const call = describe(opencl, id);
+    return call == nullptr ? "command " + std::to_string(id) : detail::formatter{*call, block, read}.request();
+}
+
 } // namespace nq

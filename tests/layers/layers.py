@@ -35,7 +35,7 @@ def breaches(program, folder, line):
     seen = [output.strip().replace("\n", " ")] if settings else []
     if not settings:
         plain, unwatched = run(program, mistake)[:2]
-        found = any(printed) and "leaks" in line.split(" |")[0]
+        found = any(printed) and not {"leaks", "check"}.isdisjoint(line.split(" |")[0].split())
         if (status, output) != (1 if found else plain, unwatched):
             yield f"exit status {status}, and the program sees: {output}"
     printed = seen + printed
@@ -105,6 +105,7 @@ def breaches_of_command(command, program):
             (("trace", "-o", output, "--", program, PLATFORM, "abandon"), 7, "did not come to its end"),
             (("errors", "--", program, PLATFORM, "name"), 0, "^nq-errors: clCreateKernel"),
             (("leaks", "--exit-status", "3", "--", program, PLATFORM, "leak"), 3, "^nq-leaks: 5 objects"),
+            (("check", "--exit-status", "3", "--", program, PLATFORM, "never_unmapped"), 3, "^nq-check: clReleaseMem"),
             (("faults", "-r", "entry=clCreateBuffer:-4", "--", program, PLATFORM, "none"), 0, "^$"),
             (("trace", "-o", f"{place}/%r.part", "--", program, PLATFORM, "none"), 0, "calls in .*/0.part$"),
             (("convert", f"{place}/0.part", "-o", f"{place}/t.html"), 0, "^$"),

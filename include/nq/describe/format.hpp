@@ -49,18 +49,26 @@ struct formatter {
 
     /// `entry(argument=value, ...) = status`
     std::string text() const {
-        std::string arguments;
         std::string results;
         for_each_argument([&](field const& each, std::string const& value) {
             if (each.offset == call.status) {
                 results.insert(0, " = " + value);
             } else if (each.offset == call.result) {
                 results += (call.status == absent ? " = " : ", ") + value;
-            } else {
+            }
+        });
+        return request() + results;
+    }
+
+    /// `entry(argument=value, ...)`
+    std::string request() const {
+        std::string arguments;
+        for_each_argument([&](field const& each, std::string const& value) {
+            if (each.offset != call.status && each.offset != call.result) {
                 arguments += (arguments.empty() ? "" : ", ") + std::string(each.name) + '=' + value;
             }
         });
-        return call.name + ('(' + arguments + ')') + results;
+        return call.name + ('(' + arguments + ')');
     }
 
     /// Calls `visit(field, value)` for each argument, the status and the result. No result if there is a status and it

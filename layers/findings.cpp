@@ -1,0 +1,41 @@
+#include "findings.hpp"
+
+#include "layer.hpp"
+
+#include <charconv>
+#include <cstdio>
+#include <cstdlib>
+#include <string_view>
+#include <unistd.h>
+
+namespace nq::layer {
+namespace {
+
+int exit_status(char const* layer, char const* variable) {
+    char const* const text = std::getenv(variable);
+    std::string_view const wanted = text != nullptr ? text : "";
+    constexpr std::string_view key = "exit-status=";
+    int status = 1;
+    if (wanted.empty()) {
+        return status;
+    }
+    std::string_view const number = wanted.starts_with(key) ? wanted.substr(key.size()) : "";
+    auto const [end, error] = std::from_chars(number.data(), number.data() + number.size(), status);
+    if (error != std::errc{} || end != number.data() + number.size() || status < 0 || status > 255) {
+        print(layer,
+              std::string(variable) + ": use exit-status=N with N from 0 to 255, not '" + std::string(wanted) + "'");
+        return 1;
+    }
+    return status;
+}
+
+} // namespace
+
+void end_with_findings(char const* layer, char const* variable) {
+    if (int const status = exit_status(layer, variable); status != 0) {
+        std::fflush(nullptr);
+        _exit(status);
+    }
+}
+
+} // namespace nq::layer

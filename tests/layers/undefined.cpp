@@ -1,0 +1,195 @@
+// What OpenCL leaves undefined, on an implementation that survives it, and what is like it but right.
+
+#include "mistakes.hpp"
+
+#include <nq/describe.hpp>
+#include <vorn/mero/internal/call_capability.hpp>
+
+#include <chrono>
+#include <mutex>
+#include <stdexcept>
+#include <thread>
+
+namespace {
+
+using nq::capability;
+
+// A call that the classes do not make.
+template <class Block>
+void send(session const& here, Block made) {
+    vorn::mero::internal::call_capability(cl::raw::get_call_handle(here.device),
+                                          nq::find_command<Block>(capability::opencl_1_2), &made);
+}
+
+_nq_cl_event* raw(cl::event const& of) { return cl::raw::get_raw_event(of); }
+
+// A read of half of the values that runs when an event is complete, and the same from another queue.
+struct two_reads {
+    explicit two_reads(session& of) : here(of) {}
+
+    cl::event first(std::size_t offset = 0) {
+        auto* const waited = raw(gate);
+        return here.queue.enqueue_command(cl::read_buffer(here.buffer, false, 0, 4096, &here.values[offset]), 1,
+                                          &waited);
+    }
+    void second(std::vector<_nq_cl_event*> waited, std::size_t offset = 512) {
+        other.enqueue_command_without_event(cl::read_buffer(here.buffer, false, 0, 4096, &here.values[offset]),
+                                            static_cast<unsigned>(waited.size()), waited.data());
+    }
+    ~two_reads() {
+        promise.set_status_success();
+        here.queue.finish();
+        other.finish();
+    }
+
+    session& here;
+    cl::command_queue other = here.context.create_command_queue(here.device, false, false);
+    cl::event_promise promise = here.context.create_user_event();
+    cl::event gate = promise.get_event();
+};
+
+void* map(session& here, std::size_t offset = 0) {
+    void* mapped = nullptr;
+    here.queue.enqueue_command_without_event(
+        cl::map_buffer(mapped, here.buffer, true, cl::map_flags::read | cl::map_flags::write, offset, 64));
+    return mapped;
+}
+
+void unmap(session& here, void* mapped) {
+    here.queue.enqueue_command_without_event(cl::unmap_mem_object(here.buffer, mapped));
+    here.queue.finish();
+}
+
+// Two threads that set an argument and launch, with a lock or without.
+void share_kernel(session& here, bool locked) {
+    cl::kernel kernel = here.kernel("scale");
+    std::mutex mutex;
+    auto const work = [&] {
+        for (int i = 0; i < 60; ++i) {
+            {
+                std::unique_lock lock(mutex, std::defer_lock);
+                if (locked) {
+                    lock.lock();
+                }
+                kernel.set_argument(0, here.buffer);
+            }
+            std::this_thread::sleep_for(std::chrono::milliseconds(1));
+        }
+    };
+    std::thread other(work);
+    work();
+    other.join();
+}
+
+} // namespace
+
+std::map<std::string, std::function<void(session&)>> const undefined{
+    {"released",
+     [](session& here) {
+         auto kernel = here.kernel("scale"); // keeps the program alive
+         auto* const program = cl::raw::get_raw_program(here.program);
+         here.program = here.context.create_program_from_source("");
+         send(here, nq::block::clRetainProgram{program});
+         send(here, nq::block::clReleaseProgram{program});
+     }},
+    {"told", // of a released program by a query, whose answer lives
+     [](session& here) {
+         auto kernel = here.kernel("scale");
+         here.program = here.context.create_program_from_source("");
+         (void)kernel.get_program().num_kernels();
+     }},
+    {"wrong_kind",
+     [](session& here) {
+         auto* const event = reinterpret_cast<_nq_cl_event*>(cl::raw::get_raw_memory_object(here.buffer));
+         send(here, nq::block::clRetainEvent{event});
+     }},
+    {"late_argument", // the part keeps the buffer's memory
+     [](session& here) {
+         cl::kernel kernel = here.kernel("eights");
+         kernel.set_argument(0, here.buffer);
+         cl::sub_buffer const part = here.context.create_sub_buffer(here.buffer, cl::mem_flags::read_write, 0, 64);
+         here.buffer = here.context.create_buffer(cl::mem_flags::read_write, 4096, nullptr);
+         here.launch(kernel, 8, 8);
+     }},
+    {"overlap",
+     [](session& here) {
+         two_reads reads(here);
+         (void)reads.first();
+         reads.second({});
+     }},
+    {"apart",
+     [](session& here) {
+         two_reads reads(here);
+         (void)reads.first();
+         reads.second({}, 1024);
+     }},
+    {"ordered", // by an event, and by the queue
+     [](session& here) {
+         two_reads reads(here);
+         cl::event const first = reads.first();
+         here.queue.flush();
+         reads.second({raw(first)});
+         reads.second({});
+     }},
+    {"unflushed", // the wait list of a command of another queue
+     [](session& here) {
+         cl::command_queue other = here.context.create_command_queue(here.device, false, false);
+         cl::event const first = here.queue.enqueue_marker(0, nullptr);
+         auto* const waited = raw(first);
+         (void)other.enqueue_marker(1, &waited);
+         other.finish();
+     }},
+    {"never_complete",
+     [](session& here) {
+         auto* const gate = new cl::event(here.context.create_user_event().get_event());
+         auto* const waited = raw(*gate);
+         new cl::event(here.queue.enqueue_marker(1, &waited));
+         new cl::command_queue(here.queue);
+     }},
+    {"throws", // within the call that completes the event
+     [](session& here) {
+         cl::event_promise promise = here.context.create_user_event();
+         promise.get_event().set_callback(
+             cl::commmand_exec_callback_type::complete,
+             [](_nq_cl_event*, int, void*) { throw std::runtime_error("too late"); }, nullptr);
+         promise.set_status_success();
+     }},
+    {"null_image",
+     [](session& here) {
+         cl::program program = here.context.create_program_from_source(
+             "/* , */ kernel void pick(global float* to, // (\n read_only image2d_t from) { to[0] = 0; }");
+         program.build({here.device}, "", nullptr, nullptr);
+         cl::kernel kernel = program.create_kernel("pick");
+         void* nothing = nullptr;
+         kernel.set_argument_raw(0, sizeof nothing, &nothing);
+         kernel.set_argument_raw(1, sizeof nothing, &nothing);
+     }},
+    {"threads", [](session& here) { share_kernel(here, false); }},
+    {"locked", [](session& here) { share_kernel(here, true); }},
+    {"unmapped_twice",
+     [](session& here) {
+         void* const mapped = map(here);
+         unmap(here, mapped);
+         unmap(here, mapped);
+     }},
+    {"never_unmapped", [](session& here) { (void)map(here); }},
+    {"former_map",
+     [](session& here) {
+         void* const mapped = map(here);
+         unmap(here, mapped);
+         here.queue.enqueue_command_without_event(
+             cl::write_buffer(here.buffer, true, 1024, 64, static_cast<float*>(mapped)));
+     }},
+    {"mapped_again",
+     [](session& here) {
+         cl::buffer own = here.context.create_buffer(cl::mem_flags::read_write | cl::mem_flags::use_host_ptr, 4096,
+                                                     here.values.data());
+         std::swap(own, here.buffer);
+         for (int i = 0; i < 2; ++i) {
+             void* const mapped = map(here, 64);
+             here.queue.enqueue_command_without_event(cl::write_buffer(own, true, 0, 64, static_cast<float*>(mapped)));
+             unmap(here, mapped);
+         }
+         here.queue.enqueue_command_without_event(cl::write_buffer(own, true, 0, 64, here.values.data() + 16));
+     }},
+};
