@@ -22,7 +22,7 @@ bool is_out_of_order(call const& made, void* queue) {
 void know_queue(call const& made, void* queue) {
     {
         std::scoped_lock const lock{order().mutex};
-        if (order().queues.count(queue) != 0) {
+        if (order().queues.contains(queue)) {
             return;
         }
     }
@@ -246,11 +246,6 @@ std::vector<std::string> find_overlaps(call const& made, passage const& through)
 }
 
 void end_passage(call const& made, description const& about, passage& through, bool succeeded) {
-    if (auto const* const user = as<block::clCreateUserEvent>(made, &about); user != nullptr && succeeded) {
-        std::scoped_lock const lock{order().mutex};
-        past const own{add_unfinished({.kind = kind::user_event, .event = user->result})};
-        order().events[user->result] = {own};
-    }
     if (through.keeps) {
         take_event(made, about, through, succeeded);
     }
@@ -272,6 +267,11 @@ void end_passage(call const& made, description const& about, passage& through, b
     }
     if (through.keeps) {
         drop_complete_if_many(made);
+    }
+    if (auto const* const user = as<block::clCreateUserEvent>(made, &about); user != nullptr && succeeded) {
+        std::scoped_lock const lock{order().mutex};
+        past const own{add_unfinished({.kind = kind::user_event, .event = user->result})};
+        order().events[user->result] = {own};
     }
 }
 

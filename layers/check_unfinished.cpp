@@ -30,7 +30,7 @@ order_state& order() {
 void add(past& to, past const& more) {
     past both;
     std::set_union(to.begin(), to.end(), more.begin(), more.end(), std::back_inserter(both));
-    both.erase(std::remove_if(both.begin(), both.end(), [](auto each) { return order().unfinished.count(each) == 0; }),
+    both.erase(std::remove_if(both.begin(), both.end(), [](auto each) { return !order().unfinished.contains(each); }),
                both.end());
     to = std::move(both);
 }
