@@ -75,7 +75,12 @@ void give_back(taken const& before) {
     }
 }
 
-// Before the call: another thread may get the address of what it frees at once.
+struct interest {
+    bool has = false;
+};
+
+interest interest_in(description const& about) { return {changes_objects(about)}; }
+
 taken note_released(call const& made, description const& about) {
     taken before;
     for (object_change const& each : released_by(about, made.block)) {
@@ -134,7 +139,7 @@ void print_all() {
 
 int perform(call const& made) noexcept {
     description const* const about = made.about();
-    if (about == nullptr || is_forked()) {
+    if (about == nullptr || is_forked() || !value_of<interest, interest_in>(made).has) {
         return forward(made);
     }
     taken before;

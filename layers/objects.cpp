@@ -46,6 +46,12 @@ bool makes_objects(description const& about) noexcept {
            entry == "clLinkProgram";
 }
 
+bool changes_objects(description const& about) noexcept {
+    std::string_view const entry = about.name;
+    return makes_objects(about) || entry.starts_with("clRetain") || entry.starts_with("clRelease") ||
+           entry.starts_with("clSVM");
+}
+
 changes released_by(description const& about, void const* block, memory_reader read) {
     changes found;
     if (std::string_view(about.name).starts_with("clRelease")) {

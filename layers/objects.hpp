@@ -24,6 +24,9 @@ constexpr std::int64_t every_reference = std::numeric_limits<std::int64_t>::max(
 /// Whether a call makes objects, and writes their handles.
 bool makes_objects(description const& about) noexcept;
 
+/// Whether a call may make, retain or release anything.
+bool changes_objects(description const& about) noexcept;
+
 /// What a call releases, before it is made: another thread may get the address of what it frees at once.
 std::vector<object_change> released_by(description const& about, void const* block,
                                        memory_reader read = detail::copy_memory);

@@ -35,6 +35,7 @@ struct queue_state {
 struct state {
     std::mutex mutex;
     std::unordered_map<void*, queue_state> queues;
+    std::atomic<std::uint64_t> changes{1}; // of the queues
     std::vector<pending_command> pending;
     std::atomic<std::size_t> pending_count = 0;
     std::atomic<bool> forces = false;
@@ -46,14 +47,43 @@ state& all() {
     return made;
 }
 
+// What is done about a command: nothing, but with those that go to a queue, make one, or ask for its times.
+enum class part : std::uint8_t {
+    none,
+    enqueues,
+    waits,
+    creates_queue,
+    creates_queue_with_properties,
+    asks_queue,
+    asks_times,
+    sets_property
+};
+
 struct event_fields {
+    part plays = part::none;
     std::uint8_t queue = absent;
     std::uint8_t event = absent;
     std::uint8_t blocking = absent;
 };
 
+template <class Block>
+bool is(description const& about) {
+    return &about == &description_of<Block>;
+}
+
+part part_of(description const& about) {
+    return is<block::clFinish>(about) || is<block::clWaitForEvents>(about) ? part::waits
+           : is<block::clCreateCommandQueue>(about)                        ? part::creates_queue
+           : is<block::clCreateCommandQueueWithProperties>(about)          ? part::creates_queue_with_properties
+           : is<block::clGetCommandQueueInfo>(about)                       ? part::asks_queue
+           : is<block::clGetEventProfilingInfo>(about)                     ? part::asks_times
+           : is<block::clSetCommandQueueProperty>(about)                   ? part::sets_property
+                                                                           : part::none;
+}
+
 event_fields find_fields(description const& about) {
     event_fields found;
+    found.plays = part_of(about);
     if (!std::string_view(about.name).starts_with("clEnqueue")) {
         return found;
     }
@@ -63,6 +93,7 @@ event_fields find_fields(description const& about) {
             found.queue = each.offset;
         } else if (name == "event") {
             found.event = each.offset;
+            found.plays = part::enqueues;
         } else if (name.starts_with("blocking_")) {
             found.blocking = each.offset;
         }
@@ -154,11 +185,12 @@ void remember(call const& made, void* queue, queue_state how) {
     attempt([&] {
         std::scoped_lock const lock{all().mutex};
         all().queues[queue] = how;
+        ++all().changes;
     });
     label(made, static_cast<_nq_cl_command_queue*>(queue));
 }
 
-queue_state state_of(call const& made, _nq_cl_command_queue* queue) {
+queue_state look_up(call const& made, _nq_cl_command_queue* queue) {
     {
         std::scoped_lock const lock{all().mutex};
         if (auto const found = all().queues.find(queue); found != all().queues.end()) {
@@ -168,6 +200,21 @@ queue_state state_of(call const& made, _nq_cl_command_queue* queue) {
     queue_state const told = ask_for_state(made, queue);
     remember(made, queue, told);
     return told;
+}
+
+// Each thread keeps the last answer, until something about a queue changes.
+queue_state state_of(call const& made, _nq_cl_command_queue* queue) {
+    struct answer {
+        _nq_cl_command_queue* queue;
+        std::uint64_t change;
+        queue_state state;
+    };
+    static thread_local answer last{};
+    std::uint64_t const change = all().changes;
+    if (last.queue != queue || last.change != change) {
+        last = {queue, change, look_up(made, queue)};
+    }
+    return last.state;
 }
 
 int create_queue(call const& made, block::clCreateCommandQueue& block) {
@@ -256,6 +303,7 @@ int set_property(call const& made, block::clSetCommandQueueProperty& block) {
             now.profiled = now.forced || block.enable != 0;
             std::scoped_lock const lock{all().mutex};
             all().queues[block.command_queue] = now;
+            ++all().changes;
         }
     }
     return result;
@@ -289,35 +337,31 @@ int enqueue(call const& made, description const& about, event_fields const& wher
     return result;
 }
 
-bool is_time_to_collect(call const& made, description const& about, event_fields const& where) {
+bool is_time_to_collect(call const& made, event_fields const& where) {
     if (where.blocking != absent && read_field(made.block, where.blocking, sizeof(std::uint32_t)) != 0) {
         return true;
     }
-    if (&about == &description_of<block::clFinish> || &about == &description_of<block::clWaitForEvents>) {
-        return true;
-    }
     std::size_t const count = all().pending_count;
-    return where.event != absent && count != 0 && count % most_pending == 0;
+    return count != 0 && (where.plays == part::waits || count % most_pending == 0);
 }
 
-int perform_by_kind(call const& made, description const& about, event_fields const& where, std::uint64_t number) {
-    if (where.event != absent && where.queue != absent) {
+int perform_by_part(call const& made, description const& about, event_fields const& where, std::uint64_t number) {
+    switch (where.plays) {
+    case part::enqueues:
         return enqueue(made, about, where, number);
-    }
-    if (auto* const created = as<block::clCreateCommandQueue>(made, &about); created != nullptr) {
-        return create_queue(made, *created);
-    }
-    if (auto* const created = as<block::clCreateCommandQueueWithProperties>(made, &about); created != nullptr) {
-        return create_queue(made, *created);
-    }
-    if (auto* const asked = as<block::clGetCommandQueueInfo>(made, &about); asked != nullptr) {
-        return tell_properties(made, *asked);
-    }
-    if (auto* const asked = as<block::clGetEventProfilingInfo>(made, &about); asked != nullptr) {
-        return tell_times(made, *asked);
-    }
-    if (auto* const set = as<block::clSetCommandQueueProperty>(made, &about); set != nullptr) {
-        return set_property(made, *set);
+    case part::creates_queue:
+        return create_queue(made, *static_cast<block::clCreateCommandQueue*>(made.block));
+    case part::creates_queue_with_properties:
+        return create_queue(made, *static_cast<block::clCreateCommandQueueWithProperties*>(made.block));
+    case part::asks_queue:
+        return tell_properties(made, *static_cast<block::clGetCommandQueueInfo*>(made.block));
+    case part::asks_times:
+        return tell_times(made, *static_cast<block::clGetEventProfilingInfo*>(made.block));
+    case part::sets_property:
+        return set_property(made, *static_cast<block::clSetCommandQueueProperty*>(made.block));
+    case part::none:
+    case part::waits:
+        break;
     }
     return forward(made);
 }
@@ -327,12 +371,13 @@ int perform_by_kind(call const& made, description const& about, event_fields con
 void force_profiling() noexcept { all().forces = true; }
 
 int perform_profiled(call const& made, description const& about, std::uint64_t number) noexcept {
-    if (all().stopped) {
+    auto const& where = value_of<event_fields, find_fields>(made);
+    if (where.plays == part::none || all().stopped) {
         return forward(made);
     }
-    auto const& where = value_of<event_fields, find_fields>(made);
-    int const result = perform_by_kind(made, about, where, number);
-    if (result == result::success && is_time_to_collect(made, about, where)) {
+    int const result = perform_by_part(made, about, where, number);
+    bool const may_be_done = where.plays == part::enqueues || where.plays == part::waits;
+    if (result == result::success && may_be_done && is_time_to_collect(made, where)) {
         attempt(collect_done);
     }
     return result;

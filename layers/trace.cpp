@@ -69,23 +69,25 @@ std::string unfinished(settings const& of) { return of.output.empty() ? "" : rec
 void stop() noexcept { stop_profiling(); }
 
 // Read at the first call. A program whose settings are wrong ends here, as there would be no trace of it.
-settings const& chosen() {
-    static settings const& all = *[] {
-        std::string why;
-        try {
-            char const* const text = std::getenv("NQ_TRACE");
-            auto* const made = new settings(parse(text != nullptr ? text : ""));
-            why = open_log(unfinished(*made), made->limit);
-            if (why.empty()) {
-                std::atexit(stop); // before the OpenCL implementation ends
-                return made;
-            }
-        } catch (std::exception const& failure) {
-            why = failure.what();
+settings const& read_settings() {
+    std::string why;
+    try {
+        char const* const text = std::getenv("NQ_TRACE");
+        auto* const made = new settings(parse(text != nullptr ? text : ""));
+        why = open_log(unfinished(*made), made->limit);
+        if (why.empty()) {
+            std::atexit(stop); // before the OpenCL implementation ends
+            return *made;
         }
-        print(name, "NQ_TRACE: " + why);
-        std::_Exit(2);
-    }();
+    } catch (std::exception const& failure) {
+        why = failure.what();
+    }
+    print(name, "NQ_TRACE: " + why);
+    std::_Exit(2);
+}
+
+settings const& chosen() {
+    static settings const& all = read_settings();
     return all;
 }
 
@@ -151,7 +153,7 @@ int perform(call const& made) noexcept {
     if (about == nullptr || is_forked()) {
         return forward(made);
     }
-    chosen();
+    [[maybe_unused]] static settings const& read = chosen();
     call_entry entry;
     entry.number = calls.fetch_add(1, std::memory_order_relaxed);
     entry.id = made.id;

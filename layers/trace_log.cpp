@@ -37,7 +37,10 @@ struct writer {
 };
 
 writer& own() {
-    static thread_local auto* const made = new writer; // what a thread wrote outlives it
+    static thread_local writer* made = nullptr; // what a thread wrote outlives it
+    if (made == nullptr) {
+        made = new writer;
+    }
     return *made;
 }
 
@@ -164,10 +167,10 @@ std::byte* begin_entry(std::size_t size) noexcept {
     return bytes_of(of.current) + of.current->used;
 }
 
-void end_entry(std::byte const* entry) noexcept {
-    entry_head head{};
-    std::memcpy(&head, entry, sizeof head);
-    std::atomic_ref(own().current->used).fetch_add(head.size, std::memory_order_release);
+// Only this thread writes the chunk: a crash leaves it as of before or after this.
+void end_entry(std::size_t size) noexcept {
+    std::atomic_ref const used(own().current->used);
+    used.store(used.load(std::memory_order_relaxed) + static_cast<std::uint32_t>(size), std::memory_order_release);
 }
 
 std::vector<chunk const*> chunks() {

@@ -103,15 +103,15 @@ std::string open_log(std::string const& path, std::size_t limit_in_bytes);
 /// in use, the thread's oldest entries make room.
 std::byte* begin_entry(std::size_t size) noexcept;
 
-/// Makes the entry that was begun part of the log. Its head has its size.
-void end_entry(std::byte const* entry) noexcept;
+/// Makes the entry that was begun part of the log.
+void end_entry(std::size_t size) noexcept;
 
 /// Appends an entry without a tail.
 template <class Entry>
 void append(Entry const& entry) noexcept {
     if (std::byte* const place = begin_entry(sizeof entry); place != nullptr) {
         std::memcpy(place, &entry, sizeof entry);
-        end_entry(place);
+        end_entry(sizeof entry);
     }
 }
 

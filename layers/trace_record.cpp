@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <array>
+#include <new>
 #include <utility>
 
 namespace nq::layer::trace {
@@ -83,60 +84,69 @@ bool can_read(void const* address, std::size_t size) {
 std::size_t size_of(followed const& each, call const& made, description const& about, bool failed) {
     std::size_t size = each.elements * each.element_size;
     if (each.count_size != 0) {
-        size = read_field(made.block, each.count_offset, each.count_size) * each.element_size;
+        size = each.element_size * (each.count_size == 4 ? read_field(made.block, each.count_offset, 4)
+                                                         : read_field(made.block, each.count_offset, 8));
     } else if (each.found) {
         size = extent_of(about, *each.is, made.block, 0, failed ? read_safely : nq::detail::copy_memory).value_or(0);
     }
     return size <= each.most ? size : each.whole ? 0 : each.most;
 }
 
+struct pieces {
+    std::array<piece, most_pieces> all;
+    std::size_t count;
+    std::size_t size; // of their segments
+};
+
 // Of a failed call only what can be read.
-std::size_t find_pieces(call const& made, description const& about, bool failed, piece* found) {
+void find_pieces(pieces& found, call const& made, description const& about, bool failed) {
     auto const& known = value_of<plan, plan_of>(made);
-    std::size_t count = 0;
-    for (std::size_t i = 0; i < known.count; ++i) {
-        followed const& each = known.fields[i];
-        void const* const address = read_pointer(made.block, each.offset);
-        if (address == nullptr || (failed && each.written)) {
+    found.count = 0;
+    found.size = 0;
+    for (followed const *each = known.fields.data(), *end = each + known.count; each != end; ++each) {
+        void const* const address = read_pointer(made.block, each->offset);
+        if (address == nullptr || (failed && each->written)) {
             continue;
         }
-        std::size_t const size = size_of(each, made, about, failed);
+        std::size_t const size = size_of(*each, made, about, failed);
         if (size != 0 && (!failed || can_read(address, size))) {
-            found[count++] = {address, size};
+            found.all[found.count++] = {address, size};
+            found.size += sizeof(segment_head) + rounded(size);
         }
     }
-    return count;
 }
 
 } // namespace
 
-void record(call const& made, description const& about, call_entry entry) {
-    std::array<piece, most_pieces> pieces; // NOLINT(cppcoreguidelines-pro-type-member-init): filled
+void record(call const& made, description const& about, call_entry const& entry) {
     bool const failed = entry.result != result::success ||
                         (about.status != absent && read_field(made.block, about.status, sizeof(std::int32_t)) != 0);
-    std::size_t const count = find_pieces(made, about, failed, pieces.data());
-    std::size_t size = sizeof entry + rounded(about.size);
-    for (std::size_t i = 0; i < count; ++i) {
-        size += sizeof(segment_head) + rounded(pieces[i].size);
-    }
-    std::byte* const place = begin_entry(size);
-    if (place == nullptr) {
+    pieces found; // NOLINT(cppcoreguidelines-pro-type-member-init): filled
+    find_pieces(found, made, about, failed);
+    std::size_t const size = sizeof entry + rounded(about.size) + found.size;
+    std::byte* at = begin_entry(size);
+    if (at == nullptr) {
         return;
     }
-    entry.head.size = static_cast<std::uint32_t>(size);
-    entry.block_size = static_cast<std::uint32_t>(about.size);
-    std::memcpy(place, &entry, sizeof entry);
-    std::byte* at = place + sizeof entry;
+    auto* const written = new (at) call_entry(entry);
+    written->head.size = static_cast<std::uint32_t>(size);
+    written->block_size = static_cast<std::uint32_t>(about.size);
+    at += sizeof entry;
     std::memcpy(at, made.block, about.size);
     at += rounded(about.size);
-    for (std::size_t i = 0; i < count; ++i) {
-        piece const& each = pieces[i];
+    for (piece const *next = found.all.data(), *end = next + found.count; next != end; ++next) {
+        piece const& each = *next;
         segment_head const head{reinterpret_cast<std::uintptr_t>(each.address), each.size};
         std::memcpy(at, &head, sizeof head);
-        std::memcpy(at + sizeof head, each.address, each.size);
-        at += sizeof head + rounded(each.size);
+        at += sizeof head;
+        if (each.size == sizeof(std::uint64_t)) { // a handle, a size: most are
+            std::memcpy(at, each.address, sizeof(std::uint64_t));
+        } else {
+            std::memcpy(at, each.address, each.size);
+        }
+        at += rounded(each.size);
     }
-    end_entry(place);
+    end_entry(size);
 }
 
 } // namespace nq::layer::trace

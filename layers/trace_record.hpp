@@ -8,6 +8,6 @@
 namespace nq::layer::trace {
 
 /// After the call was made. `entry` has its number, times and result.
-void record(call const& made, description const& about, call_entry entry);
+void record(call const& made, description const& about, call_entry const& entry);
 
 } // namespace nq::layer::trace
