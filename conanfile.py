@@ -59,11 +59,12 @@ class VornMero(ConanFile):
             self.requires("opencl-headers/2023.12.14")
             if self.options.with_tools:
                 self.requires("cli11/2.4.2")
+                self.requires("nlohmann_json/3.11.3")
                 self.requires("zstd/1.5.6")
 
     def system_requirements(self):
         if self.options.system_dependencies:
-            Apt(self).install(["libspdlog-dev", "opencl-headers", *(["libcli11-dev", "libzstd-dev"] if self.options.with_tools else [])])
+            Apt(self).install(["libspdlog-dev", "opencl-headers", *(["libcli11-dev", "libzstd-dev", "nlohmann-json3-dev"] if self.options.with_tools else [])])
 
     def generate(self):
         toolchain = CMakeToolchain(self)

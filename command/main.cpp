@@ -1,6 +1,8 @@
 // The command vorn-mero: runs a program under one of the layers, and says why there is no device.
 
+#include "completion.hpp"
 #include "doctor.hpp"
+#include "info.hpp"
 #include "replay.hpp"
 #include "run.hpp"
 #include "sweep.hpp"
@@ -43,6 +45,8 @@ struct options {
     std::string session = "session.nqr";
     nq::command::replay_options replay;
     nq::command::sweep_options sweep;
+    bool json = false;
+    std::vector<std::string> compared;
 };
 
 // What programs have left behind that did not come to their end, or were not to write more.
@@ -118,6 +122,19 @@ int record(options const& with) {
     return status;
 }
 
+int info(options const& with) {
+    return with.compared.empty() ? nq::command::print_info(with.json)
+                                 : nq::command::print_differences(with.compared[0], with.compared[1]);
+}
+
+// What shells ask for: `vorn-mero --complete WORD...`
+int complete(CLI::App const& app, std::vector<std::string> const& words) {
+    for (std::string const& each : nq::command::completions(app, words)) {
+        std::puts(each.c_str());
+    }
+    return 0;
+}
+
 void add_exit_status(CLI::App* to, options& with, char const* text) {
     to->add_option("--exit-status", with.exit_status, text)->check(CLI::Range(0, 255))->capture_default_str();
 }
@@ -181,13 +198,25 @@ int main(int count, char** arguments) {
         "convert", "write one timeline of recordings: of processes, or of a program that did not come to its end");
     to_convert->add_option("recording", with.recordings, "what trace has left behind, FILE.part")->required();
     to_convert->add_option("-o,--output", with.output, formats)->capture_default_str();
+    CLI::App* const to_info = app.add_subcommand("info", "list platforms and devices, and what they have");
+    to_info->add_flag("--json", with.json, "write JSON");
+    to_info->add_option("--diff", with.compared, "print what differs between two files that --json has written")
+        ->expected(2)
+        ->type_name("BEFORE AFTER");
+    to_info->footer("The exit status is 1 if there is no device, or if the files differ.");
     CLI::App* const to_diagnose = app.add_subcommand("doctor", "list the devices, and say why others are missing");
+    to_diagnose->add_flag("--json", with.json, "write JSON");
     to_diagnose->footer(
         "The exit status tells what is wrong: 10 no OpenCL loader, 11 no implementation, 12 one that does not\n"
-        "load, 13 a platform without a device, 14 a graphics card that you may not use, 15 no device.");
+        "load, 13 a platform without a device, 14 a graphics card that you may not use, 15 no device, 16 a file\n"
+        "of a vendor that cannot be read, 17 an implementation that offers no platform.");
+    if (count > 1 && std::strcmp(arguments[1], "--complete") == 0) {
+        return complete(app, {arguments + 2, arguments + count});
+    }
     try {
         app.parse(count, arguments);
-        return to_diagnose->parsed() ? static_cast<int>(nq::command::diagnose())
+        return to_diagnose->parsed() ? static_cast<int>(nq::command::diagnose(with.json))
+               : to_info->parsed()   ? info(with)
                : to_trace->parsed()  ? trace(with)
                : to_errors->parsed() ? run_under("errors", "", with.program)
                : to_leaks->parsed()  ? run_finding("leaks", with)

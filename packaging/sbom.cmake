@@ -35,6 +35,8 @@ if(VORN_MERO_LAYERS)
   if(VORN_MERO_COMMAND)
     get_directory_property(CLI11_VERSION DIRECTORY ${PROJECT_SOURCE_DIR}/command DEFINITION CLI11_VERSION)
     vorn_mero_contains(CLI11 "${CLI11_VERSION}" BSD-3-Clause CONTAINS) # the command
+    get_directory_property(json_VERSION DIRECTORY ${PROJECT_SOURCE_DIR}/command DEFINITION nlohmann_json_VERSION)
+    vorn_mero_contains(nlohmann-json "${json_VERSION}" MIT CONTAINS) # the command
   endif()
 endif()
 string(TIMESTAMP sbom_time UTC)

@@ -120,18 +120,82 @@ def breaches_of_command(command, program):
             done = subprocess.run([command, *arguments], capture_output=True, text=True, timeout=100)
             if done.returncode != status or not re.search(pattern, done.stderr, re.M):
                 yield f"{arguments}: exit status {done.returncode}, {done.stderr}"
-        for variable, status in (
-            (("NQ_BRIDGE_OPENCL", "libnone.so"), 10),
-            (("OCL_ICD_VENDORS", "/none"), 11),
-            (("OCL_ICD_VENDORS", "libnone.so"), 12),
-            (("NQ_BRIDGE_VERBOSE", "0"), 0),
-        ):
-            done = subprocess.run([command, "doctor"], env=dict(os.environ, **dict([variable])), capture_output=True,
-                                  text=True, timeout=100)
-            if done.returncode != status or not re.search(r"^\d+ devices?$", done.stdout, re.M):
-                yield f"doctor, {variable}: exit status {done.returncode}, {done.stdout}"
         if not any(each["name"] == "clFinish" for each in json.loads(output.read_text())["traceEvents"]):
             yield "the trace of a program that did not come to its end is not whole"
+
+
+def breaches_of_doctor(command):
+    """Each thing that can be wrong has an exit status and a remedy, as text and as JSON."""
+    with tempfile.TemporaryDirectory() as place:
+        vendors = pathlib.Path(place) / "vendors"
+        vendors.mkdir()
+        (vendors / "empty.icd").write_text("")
+        for variable, value, status in (
+            ("NQ_BRIDGE_OPENCL", "libnone.so", 10),
+            ("OCL_ICD_VENDORS", "/none", 11),
+            ("OCL_ICD_VENDORS", "libnone.so", 12),
+            ("OCL_ICD_VENDORS", vendors, 16),
+            ("OCL_ICD_VENDORS", "libm.so.6", 17),
+            ("NQ_BRIDGE_VERBOSE", "0", 0),
+        ):
+            text, json_text = (subprocess.run([command, "doctor", *more], env=dict(os.environ, **{variable: str(value)}),
+                                              capture_output=True, text=True, timeout=100) for more in ([], ["--json"]))
+            told = json.loads(json_text.stdout)
+            if (text.returncode, json_text.returncode, told["status"]) != (status, status, status) or not re.search(
+                    r"^\d+ devices?$", text.stdout, re.M) or bool(told["devices"]) != (status == 0):
+                yield f"{variable}={value}: exit status {text.returncode}, {text.stdout}{json_text.stdout}"
+            yield from (f"{variable}={value}: no remedy for {each}" for each in told["problems"]
+                        if not each["remedy"] or each["remedy"] not in text.stdout)
+
+
+def breaches_of_info(command):
+    """What is written as JSON is read again, and each change is told."""
+    def info(*arguments):
+        done = subprocess.run([command, "info", *arguments], capture_output=True, text=True, timeout=100)
+        return done.returncode, done.stdout, done.stderr
+
+    with tempfile.TemporaryDirectory() as place:
+        one, other = pathlib.Path(place) / "one.json", pathlib.Path(place) / "other.json"
+        one.write_text(info("--json")[1])
+        about = json.loads(one.read_text())
+        platform = next(each for each in about["platforms"] if each["name"] == PLATFORM)
+        device = platform["devices"][0]
+        if device["namespaces"] != ["1.0", "1.1", "1.2", "2.0", "2.1", "2.2"] or device["type"] != "CPU":
+            yield f"the device of {PLATFORM} is {device}"
+        if device["name"] not in info()[1] or info("--diff", one, one) != (0, "", ""):
+            yield "info, or a file beside itself"
+        path, was = f"{PLATFORM}, {device['name']}", device["clock in MHz"]
+        device["clock in MHz"] = was + 1
+        gone = device["extensions"].pop()
+        platform["devices"].append(dict(device))
+        other.write_text(json.dumps(about))
+        status, text, _ = info("--diff", one, other)
+        wanted = {f"- {path}, clock in MHz: {was}", f"+ {path}, clock in MHz: {was + 1}", f"- {path}, extensions, {gone}",
+                  f"+ {path} #2"}
+        if status != 1 or not wanted <= set(text.splitlines()):
+            yield f"--diff: exit status {status}, {text}"
+        for wrong, why in (place, "cannot read .*: Is a directory"), (command, "is not what vorn-mero info --json writes"):
+            status, _, text = info("--diff", one, wrong)
+            if status != 2 or not re.search(why, text) or len(text.splitlines()) != 1:
+                yield f"--diff {wrong}: exit status {status}, {text}"
+
+
+def breaches_of_completion(command):
+    """Both shells ask the command, and leave files and the program's own words to themselves."""
+    folder = pathlib.Path(__file__).parents[2] / "command/completion"
+    shells = {
+        "bash": 'source {folder}/vorn-mero.bash; COMP_WORDS=({words}); COMP_CWORD=$((${{#COMP_WORDS[@]}} - 1)); '
+                '_vorn_mero; printf "%s\n" "${{COMPREPLY[@]}}"',
+        "zsh": 'compadd() {{ shift; print -l -- "$@" }}; _files() {{ }}; _normal() {{ }}; words=({words}); '
+               'CURRENT=$#words; () {{ source {folder}/_vorn-mero }}',
+    }
+    for words, wanted in (("'d'", "doctor"), ("'errors' '-'", "-h --help"), ("'info' '--d'", "--diff"),
+                          ("'leaks' '--ex'", "--exit-status"), ("'trace' '-o' 'sw'", ""), ("'trace' '--' '--'", "")):
+        for shell, script in shells.items():
+            done = subprocess.run([shell, "-c", script.format(folder=folder, words=f"'{command}' {words}")],
+                                  capture_output=True, text=True, timeout=100)
+            if done.stdout.split() != wanted.split() or done.stderr:
+                yield f"{shell}, {words}: {done.stdout}{done.stderr}"
 
 
 def breaches_of_sweep(command, program):
@@ -174,6 +238,9 @@ def main():
     if len(sys.argv) > 4:
         wholes["command"] = breaches_of_command(sys.argv[4], program)
         wholes["sweep"] = breaches_of_sweep(sys.argv[4], program)
+        wholes["doctor"] = breaches_of_doctor(sys.argv[4])
+        wholes["info"] = breaches_of_info(sys.argv[4])
+        wholes["completion"] = breaches_of_completion(sys.argv[4])
         wholes["manual"] = breaches_of_manual(sys.argv[4])
     for name, breaches_found in wholes.items():
         found = list(breaches_found)
