@@ -18,10 +18,12 @@ bool exports_opencl(void* library) noexcept {
                        [library](char const* name) { return exported(library, name) != nullptr; });
 }
 
-// A libOpenCL.so.1 that stands before libnq would lead back here; it knows the one behind it.
+// A libOpenCL.so.1 that stands before libnq would lead back here; it knows the one behind it. One that stands behind a
+// tool does not lead back.
 void* behind(void* library) noexcept {
-    auto* const ask = reinterpret_cast<void* (*)()>(exported(library, "nq_opencl_behind"));
-    return ask != nullptr ? ask() : library;
+    void* const ask = exported(library, "nq_opencl_behind");
+    bool const leads_back = ask != nullptr && object_of(ask) == object_of(exported(library, "clGetPlatformIDs"));
+    return leads_back ? reinterpret_cast<void* (*)()>(ask)() : library;
 }
 
 // A tool that watches OpenCL is preloaded: its functions have OpenCL's names in the global scope. Part of a second

@@ -94,11 +94,11 @@ fs::path find_layer(std::string const& name) {
     return found;
 }
 
-void put_before(std::string& list, char const* variable) {
-    char const* const before = std::getenv(variable);
-    if (!list.empty() && before != nullptr && *before != '\0') {
-        list += std::string(":") + before;
-    }
+void add(std::string& list, std::string const& entry) { list += list.empty() || entry.empty() ? entry : ":" + entry; }
+
+std::string environment(char const* variable) {
+    char const* const value = std::getenv(variable);
+    return value != nullptr ? value : "";
 }
 
 } // namespace
@@ -109,16 +109,17 @@ launch::launch(std::vector<layer_use> layers, command_line program)
     check(path);
     path_ = path;
     for (layer_use const& each : layers_) {
-        preload_ += (preload_.empty() ? "" : ":") + find_layer(each.name).string();
+        add(preload_, find_layer(each.name).string());
     }
+    add(preload_, environment("LD_PRELOAD"));
     // For every program: a script does not tell what it will load, and programs of this library find the loader behind.
-    // Preloaded it comes before a loader that a program brings along, and in the path it has one more name.
+    // Preloaded it comes before a loader that a program brings along, but after a tool; in the path it has one more
+    // name.
     if (fs::path const dropin = find_installed("vorn-mero/libOpenCL.so.1"); !dropin.empty()) {
-        preload_ += ":" + dropin.string();
-        library_path_ = dropin.parent_path().string();
+        add(preload_, dropin.string());
+        add(library_path_, dropin.parent_path().string());
+        add(library_path_, environment("LD_LIBRARY_PATH"));
     }
-    put_before(preload_, "LD_PRELOAD");
-    put_before(library_path_, "LD_LIBRARY_PATH");
 }
 
 pid_t launch::start(int errors) const {

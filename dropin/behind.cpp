@@ -1,5 +1,7 @@
 #include "behind.hpp"
 
+#include "../bridge/system.hpp"
+
 #include <nq/export.hpp>
 
 #include <dlfcn.h>
@@ -8,7 +10,6 @@
 #include <algorithm>
 #include <atomic>
 #include <cstdint>
-#include <cstdlib>
 #include <cstring>
 #include <fstream>
 #include <sstream>
@@ -24,9 +25,9 @@ constexpr char const* library_name = "libOpenCL.so.1";
 // Null for what cannot be loaded, and for a drop-in. The dynamic linker knows a loaded library by its name, but not by
 // a path to another file.
 void* open(std::string const& file) {
-    void* const library = dlopen(file.c_str(), RTLD_NOW | RTLD_LOCAL);
-    if (library != nullptr && dlsym(library, "nq_opencl_behind") != nullptr) {
-        dlclose(library);
+    void* const library = bridge::load_library(file.c_str(), bridge::binding::at_once);
+    if (library != nullptr && bridge::exported(library, "nq_opencl_behind") != nullptr) {
+        bridge::unload_library(library);
         return nullptr;
     }
     return library;
@@ -34,9 +35,9 @@ void* open(std::string const& file) {
 
 bool exports_opencl(char const* file) {
     void* const library = dlopen(file, RTLD_LAZY | RTLD_LOCAL | RTLD_NOLOAD);
-    bool const found = library != nullptr && dlsym(library, "clGetPlatformIDs") != nullptr;
+    bool const found = library != nullptr && bridge::exported(library, "clGetPlatformIDs") != nullptr;
     if (library != nullptr) {
-        dlclose(library);
+        bridge::unload_library(library);
     }
     return found;
 }
@@ -67,7 +68,7 @@ std::vector<std::string> loaded() {
 }
 
 std::vector<std::string> in_library_path() {
-    char const* const path = secure_getenv("LD_LIBRARY_PATH");
+    char const* const path = bridge::trusted_environment("LD_LIBRARY_PATH");
     std::string folders = path != nullptr ? path : "";
     std::replace(folders.begin(), folders.end(), ';', ':'); // both are allowed
     std::istringstream stream(folders);
@@ -134,7 +135,7 @@ std::vector<std::string> in_default_folders() {
 
 // As the dynamic linker looks for it, and as libnq does.
 void* find() {
-    char const* const name = secure_getenv("NQ_BRIDGE_OPENCL");
+    char const* const name = bridge::trusted_environment("NQ_BRIDGE_OPENCL");
     if (name != nullptr && *name != '\0') {
         if (void* const library = open(name); library != nullptr) {
             return library;
@@ -152,7 +153,7 @@ void* find() {
 
 void* function_behind(char const* name) noexcept {
     void* const library = nq_opencl_behind();
-    return library != nullptr ? dlsym(library, name) : nullptr;
+    return library != nullptr ? bridge::exported(library, name) : nullptr;
 }
 
 } // namespace nq::dropin

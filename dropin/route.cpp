@@ -2,6 +2,8 @@
 
 #include "behind.hpp"
 
+#include "../bridge/system.hpp"
+
 #include <nq/blocks.hpp>
 #include <nq/nq.hpp>
 
@@ -84,8 +86,19 @@ cl_uint count_platforms() noexcept {
     return list != nullptr && list(0, nullptr, &count) == CL_SUCCESS ? count : 0;
 }
 
+// A tool that watches OpenCL is preloaded before the drop-in. libnq performs calls by it, and it may make them here:
+// what comes here goes to the library behind.
+bool is_behind_a_tool() noexcept {
+    void* const first = dlsym(RTLD_DEFAULT, "clGetPlatformIDs");
+    return first != nullptr && !bridge::is_in_program(first) &&
+           bridge::object_of(first) != bridge::object_of(reinterpret_cast<void*>(nq_opencl_behind));
+}
+
 std::unique_ptr<routes const> discover() {
     auto made = std::make_unique<routes>();
+    if (is_behind_a_tool()) {
+        return made;
+    }
     std::uint64_t count = 0;
     if (nq_version() != nq::version || nq_get_root_devices(0, nullptr, &count, nullptr) != result::success) {
         return made;
