@@ -29,7 +29,7 @@ using nq::command::run_under;
 
 constexpr char const* formats =
     "the file: NAME.json and NAME.pftrace for ui.perfetto.dev, NAME.html for a browser, NAME.part to convert later;\n"
-    "%r stands for the MPI rank, %p for the number of the process";
+    "%r stands for the MPI rank, %p for the number of this process";
 constexpr int unusable = 2; // the exit status if nothing was run
 
 struct options {
@@ -84,7 +84,7 @@ int trace(options const& with) {
         throw std::runtime_error("cannot write " + output + ": " + std::strerror(errno));
     }
     int const status = run_under("trace",
-                                 "output=" + output + ",limit=" + std::to_string(with.limit) +
+                                 "keep,output=" + output + ",limit=" + std::to_string(with.limit) +
                                      (with.profile ? ",profile" : "") + (with.summary ? ",summary" : ""),
                                  with.program);
     if (fs::exists(part) && !fs::exists(output)) {

@@ -8,11 +8,13 @@
 #include "trace_report.hpp"
 
 #include <algorithm>
-#include <array>
 #include <atomic>
+#include <cerrno>
 #include <charconv>
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
+#include <filesystem>
 #include <stdexcept>
 #include <string_view>
 #include <unistd.h>
@@ -27,6 +29,7 @@ constexpr char const* name = "nq-trace";
 struct settings {
     std::string output; // empty: no file
     bool summary = false;
+    bool keep = false; // what is in the file
     std::size_t limit = std::size_t{256} << 20U;
 };
 
@@ -40,6 +43,8 @@ settings parse(std::string_view text) {
         start = end + 1;
         if (part == "summary") {
             made.summary = true;
+        } else if (part == "keep") {
+            made.keep = true;
         } else if (part == "profile") {
             force_profiling();
         } else if (part.starts_with("output=") && !value.empty()) {
@@ -53,8 +58,8 @@ settings parse(std::string_view text) {
             }
             made.limit = size << 20U;
         } else {
-            throw std::invalid_argument("use output=FILE, summary, profile or limit=MIB, not '" + std::string(part) +
-                                        "'");
+            throw std::invalid_argument("use output=FILE, keep, summary, profile or limit=MIB, not '" +
+                                        std::string(part) + "'");
         }
     }
     if (!any && !made.summary) {
@@ -68,17 +73,41 @@ std::string unfinished(settings const& of) { return of.output.empty() ? "" : rec
 
 void stop() noexcept { stop_profiling(); }
 
+// With the number of the process before the end that tells the format.
+std::string numbered(std::string const& output) {
+    std::filesystem::path path = output;
+    std::string const end = path.extension();
+    return path.replace_extension().string() + '-' + std::to_string(getpid()) + end;
+}
+
+// Opens the log. A program may start others, which all have the same settings: if one of them writes the file, or has
+// written it and it is to be kept, this process takes another.
+int open_for(settings& made) {
+    auto const is_written = [&] { return made.keep && !made.output.empty() && access(made.output.c_str(), F_OK) == 0; };
+    int why = is_written() ? EWOULDBLOCK : open_log(unfinished(made), made.limit);
+    if (why == 0 && unfinished(made) != made.output && is_written()) { // in the meantime
+        unlink(unfinished(made).c_str());
+        why = EWOULDBLOCK;
+    }
+    if (why == EWOULDBLOCK) {
+        made.output = numbered(made.output);
+        why = open_log(unfinished(made), made.limit);
+    }
+    return why;
+}
+
 // Read at the first call. A program whose settings are wrong ends here, as there would be no trace of it.
 settings const& read_settings() {
     std::string why;
     try {
         char const* const text = std::getenv("NQ_TRACE");
         auto* const made = new settings(parse(text != nullptr ? text : ""));
-        why = open_log(unfinished(*made), made->limit);
-        if (why.empty()) {
+        int const failure = open_for(*made);
+        if (failure == 0) {
             std::atexit(stop); // before the OpenCL implementation ends
             return *made;
         }
+        why = "cannot write " + unfinished(*made) + ": " + std::strerror(failure);
     } catch (std::exception const& failure) {
         why = failure.what();
     }

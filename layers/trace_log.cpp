@@ -1,6 +1,7 @@
 #include "trace_log.hpp"
 
 #include <fcntl.h>
+#include <sys/file.h>
 #include <sys/mman.h>
 #include <unistd.h>
 
@@ -140,17 +141,26 @@ std::string expanded(std::string name) {
 
 std::string recording_of(std::string const& output) { return output.ends_with(".part") ? output : output + ".part"; }
 
-std::string open_log(std::string const& path, std::size_t limit_in_bytes) {
+int open_log(std::string const& path, std::size_t limit_in_bytes) {
     file& to = log();
     std::scoped_lock const lock{to.mutex};
-    if (file_head const head = file_head::own(); !path.empty()) {
-        to.descriptor = open(path.c_str(), O_RDWR | O_CREAT | O_TRUNC | O_CLOEXEC, 0666);
-        if (to.descriptor < 0 || pwrite(to.descriptor, &head, sizeof head, 0) < 0) {
-            return "cannot write " + path + ": " + std::strerror(errno);
-        }
-    }
     to.most_chunks = std::max<std::size_t>(limit_in_bytes / chunk::size, 1);
-    return "";
+    if (path.empty()) {
+        return 0;
+    }
+    file_head const head = file_head::own();
+    int const opened = open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0666);
+    // The lock lasts as long as the process: one whose file is cut off while it writes would end by a signal.
+    if (opened < 0 || flock(opened, LOCK_EX | LOCK_NB) != 0 || ftruncate(opened, 0) != 0 ||
+        pwrite(opened, &head, sizeof head, 0) < 0) {
+        int const why = errno;
+        if (opened >= 0) {
+            close(opened);
+        }
+        return why;
+    }
+    to.descriptor = opened;
+    return 0;
 }
 
 std::byte* begin_entry(std::size_t size) noexcept {

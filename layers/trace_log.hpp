@@ -96,8 +96,9 @@ std::string expanded(std::string name);
 /// Where the entries are until a file of this name is written: the file itself if it is `FILE.part`.
 std::string recording_of(std::string const& output);
 
-/// Makes the file. An empty path: memory without a file. Returns why it cannot, or nothing.
-std::string open_log(std::string const& path, std::size_t limit_in_bytes);
+/// Makes the file. An empty path: memory without a file. Returns 0 or an error number: `EWOULDBLOCK` if another process
+/// writes the file.
+int open_log(std::string const& path, std::size_t limit_in_bytes);
 
 /// Where the calling thread writes its next entry, of at most `size` bytes; null if there is no room. If all chunks are
 /// in use, the thread's oldest entries make room.

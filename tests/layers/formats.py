@@ -90,8 +90,34 @@ def breaches_of_perfetto(trace, folder):
     processes = sorted({each[0].split(" (")[0] for each in wanted[0]})
     if processes != [f"rank {i}: layers_mistakes" for i in range(3)]:
         yield f"processes {processes}"
-    if len({each[3] // 10**11 for each in wanted[0]}) > 2:
+    if max(each[4] for each in wanted[0]) - min(each[3] for each in wanted[0]) > 60e9:
         yield "the ranks are not at one time"
+
+
+def begins(folder, command, *parts):
+    """When the first call of each process began, in ns, in one timeline of recordings."""
+    subprocess.run([command, "convert", "-o", folder / "begins.json", *(folder / part for part in parts)], check=True)
+    found = {}
+    for process, _, _, begin, *_ in read_json(json.loads((folder / "begins.json").read_text()))[0]:
+        found[process.split(":")[0]] = min(begin, found.get(process.split(":")[0], begin))
+    return found
+
+
+def breaches_of_clocks(command, folder):
+    """A process of another machine is placed by the clocks of the wall; recordings that are none are refused."""
+    second = 10**9
+    recording = (folder / "1.part").read_bytes()
+    wall = int.from_bytes(recording[24:32], "little") + 5 * second
+    moved = recording[:24] + wall.to_bytes(8, "little") + b"elsewhere".ljust(40, b"\0") + recording[72:]
+    (folder / "moved.part").write_bytes(moved)
+    plain, placed = begins(folder, command, "0.part", "1.part"), begins(folder, command, "0.part", "moved.part")
+    if plain["rank 0"] != placed["rank 0"] or abs(placed["rank 1"] - plain["rank 1"] - 5 * second) > second / 1000:
+        yield f"another machine is placed at {placed} in place of {plain}"
+    for why, content in (("another version wrote it", b"nqtrace1" + moved[8:]), ("no recording", moved[:90]), ("no recording", b"")):
+        (folder / "damaged.part").write_bytes(content)
+        done = subprocess.run([command, "convert", folder / "damaged.part", "-o", folder / "none.json"], capture_output=True, text=True)
+        if done.returncode != 2 or why not in done.stderr:
+            yield f"{why}: exit status {done.returncode}, {done.stderr}"
 
 
 def browser():
@@ -100,7 +126,7 @@ def browser():
     except ImportError:
         if sys.executable != DEBIAN and os.path.exists(DEBIAN): # whose package selenium is
             os.execv(DEBIAN, [DEBIAN, __file__, *sys.argv[1:]])
-        skip("the page needs selenium and chromium: scripts/install-packages docs")
+        skip("the page needs selenium and chromium: scripts/install-packages test")
     options = webdriver.ChromeOptions()
     for argument in ("--headless=new", "--no-sandbox", "--hide-scrollbars"):
         options.add_argument(argument)
@@ -108,7 +134,7 @@ def browser():
     try:
         return webdriver.Chrome(options=options)
     except Exception as failure:
-        skip(f"the page needs selenium and chromium: scripts/install-packages docs ({failure.__class__.__name__})")
+        skip(f"the page needs selenium and chromium: scripts/install-packages test ({failure.__class__.__name__})")
 
 
 def breaches_of_page(trace, folder):
@@ -175,6 +201,7 @@ def main():
         os.execv(venv / "bin/python", [venv / "bin/python", __file__, *sys.argv[1:]])
     trace = record(command, program, folder)
     found = list((breaches_of_perfetto if what == "perfetto" else breaches_of_page)(trace, folder))
+    found += breaches_of_clocks(command, folder) if what == "perfetto" else []
     print(*(found or ["ok"]), sep="\n")
     return 1 if found else 0
 

@@ -120,6 +120,12 @@ def breaches_of_command(command, program):
             done = subprocess.run([command, *arguments], capture_output=True, text=True, timeout=100)
             if done.returncode != status or not re.search(pattern, done.stderr, re.M):
                 yield f"{arguments}: exit status {done.returncode}, {done.stderr}"
+        both = f"'{program}' '{PLATFORM}' none & '{program}' '{PLATFORM}' none; wait; '{program}' '{PLATFORM}' none"
+        for name in ("several.json", "several.part"):
+            subprocess.run([command, "trace", "-o", f"{place}/{name}", "--", "sh", "-c", both], capture_output=True, timeout=100)
+        left = collections.Counter(each.suffix for each in pathlib.Path(place).glob("several*"))
+        if left != {".json": 3, ".part": 3}:
+            yield f"three processes leave {left}"
         if not any(each["name"] == "clFinish" for each in json.loads(output.read_text())["traceEvents"]):
             yield "the trace of a program that did not come to its end is not whole"
 
