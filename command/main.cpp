@@ -17,6 +17,7 @@
 #include <cstdio>
 #include <cstring>
 #include <filesystem>
+#include <functional>
 #include <stdexcept>
 #include <string>
 #include <vector>
@@ -47,6 +48,7 @@ struct options {
     nq::command::sweep_options sweep;
     bool json = false;
     std::vector<std::string> compared;
+    std::function<int()> action; // of the subcommand
 };
 
 // What programs have left behind that did not come to their end, or were not to write more.
@@ -145,22 +147,16 @@ CLI::App* add(CLI::App& to, options& with, char const* name, char const* text) {
     return made;
 }
 
-} // namespace
-
-int main(int count, char** arguments) {
-    CLI::App app("Runs programs that use libnq under an instrument, and says why there is no device.\n"
-                 "docs/instruments.md tells more.\n",
-                 "vorn-mero");
-    app.set_version_flag("--version", VORN_MERO_COMMAND_VERSION);
-    app.require_subcommand(1);
-    app.footer("Example:  vorn-mero trace -o trace.json --profile -- ./program its arguments\n"
-               "The exit status is the program's; 2 if it was not run.");
-    options with;
+void add_trace(CLI::App& app, options& with) {
     CLI::App* const to_trace = add(app, with, "trace", "write a timeline of calls and commands");
     to_trace->add_option("-o,--output", with.output, formats)->capture_default_str();
     to_trace->add_flag("--profile", with.profile, "switch profiling on, for the times of all commands");
     to_trace->add_flag("--summary", with.summary, "print a table of times");
     to_trace->add_option("--limit", with.limit, "MiB to record at most")->check(CLI::Range(1, 1 << 20));
+    to_trace->callback([&with] { with.action = [&with] { return trace(with); }; });
+}
+
+void add_finders(CLI::App& app, options& with) {
     CLI::App* const to_errors = add(app, with, "errors", "print each failing call, and what is wrong with it");
     CLI::App* const to_leaks = add(app, with, "leaks", "print what was never released, and the line that made it");
     add_exit_status(to_leaks, with, "the exit status if there is any; 0: the program's own");
@@ -170,6 +166,13 @@ int main(int count, char** arguments) {
     to_faults->add_option("-r,--rule", with.rules, "which calls fail and how, as entry=clCreateBuffer:call=2:-4")
         ->required();
     to_faults->add_flag("--report", with.report, "print which calls failed");
+    to_errors->callback([&with] { with.action = [&with] { return run_under("errors", "", with.program); }; });
+    to_leaks->callback([&with] { with.action = [&with] { return run_finding("leaks", with); }; });
+    to_check->callback([&with] { with.action = [&with] { return run_finding("check", with); }; });
+    to_faults->callback([&with] { with.action = [&with] { return faults(with); }; });
+}
+
+void add_sweep(CLI::App& app, options& with) {
     CLI::App* const to_sweep =
         add(app, with, "sweep", "run the program once for each call, which fails; print what broke");
     to_sweep->add_option("-f,--failure", with.sweep.failures, "how calls fail; may be given several times")
@@ -185,6 +188,10 @@ int main(int count, char** arguments) {
     to_sweep->add_option("--timeout", with.sweep.seconds, "seconds after which a run counts as hanging")
         ->check(CLI::PositiveNumber);
     add_exit_status(to_sweep, with, "the exit status if a run broke; 0: the program's own");
+    to_sweep->callback([&with] { with.action = [&with] { return sweep(with); }; });
+}
+
+void add_sessions(CLI::App& app, options& with) {
     CLI::App* const to_record = add(app, with, "record", "write a session to a file, for replay");
     to_record->add_option("-o,--output", with.session, "the file")->capture_default_str();
     CLI::App* const to_replay =
@@ -194,10 +201,24 @@ int main(int count, char** arguments) {
     to_replay->add_option("--device", with.replay.device.number, "run it on this device of the platform, from 0 on")
         ->check(CLI::NonNegativeNumber);
     to_replay->footer("The exit status is 1 if a result differs, and 2 if the session could not be run.");
+    to_record->callback([&with] { with.action = [&with] { return record(with); }; });
+    to_replay->callback([&with] { with.action = [&with] { return nq::command::replay(with.replay); }; });
+}
+
+void add_convert(CLI::App& app, options& with) {
     CLI::App* const to_convert = app.add_subcommand(
         "convert", "write one timeline of recordings: of processes, or of a program that did not come to its end");
     to_convert->add_option("recording", with.recordings, "what trace has left behind, FILE.part")->required();
     to_convert->add_option("-o,--output", with.output, formats)->capture_default_str();
+    to_convert->callback([&with] {
+        with.action = [&with] {
+            convert(with.recordings, with.output);
+            return 0;
+        };
+    });
+}
+
+void add_machine(CLI::App& app, options& with) {
     CLI::App* const to_info = app.add_subcommand("info", "list platforms and devices, and what they have");
     to_info->add_flag("--json", with.json, "write JSON");
     to_info->add_option("--diff", with.compared, "print what differs between two files that --json has written")
@@ -210,22 +231,31 @@ int main(int count, char** arguments) {
         "The exit status tells what is wrong: 10 no OpenCL loader, 11 no implementation, 12 one that does not\n"
         "load, 13 a platform without a device, 14 a graphics card that you may not use, 15 no device, 16 a file\n"
         "of a vendor that cannot be read, 17 an implementation that offers no platform.");
+    to_info->callback([&with] { with.action = [&with] { return info(with); }; });
+    to_diagnose->callback(
+        [&with] { with.action = [&with] { return static_cast<int>(nq::command::diagnose(with.json)); }; });
+}
+
+} // namespace
+
+int main(int count, char** arguments) {
+    CLI::App app("Runs programs that use libnq under an instrument, and says why there is no device.\n"
+                 "docs/instruments.md tells more.\n",
+                 "vorn-mero");
+    app.set_version_flag("--version", VORN_MERO_COMMAND_VERSION);
+    app.require_subcommand(1);
+    app.footer("Example:  vorn-mero trace -o trace.json --profile -- ./program its arguments\n"
+               "The exit status is the program's; 2 if it was not run.");
+    options with;
+    for (auto* const add_to : {add_trace, add_finders, add_sweep, add_sessions, add_convert, add_machine}) {
+        add_to(app, with);
+    }
     if (count > 1 && std::strcmp(arguments[1], "--complete") == 0) {
         return complete(app, {arguments + 2, arguments + count});
     }
     try {
         app.parse(count, arguments);
-        return to_diagnose->parsed() ? static_cast<int>(nq::command::diagnose(with.json))
-               : to_info->parsed()   ? info(with)
-               : to_trace->parsed()  ? trace(with)
-               : to_errors->parsed() ? run_under("errors", "", with.program)
-               : to_leaks->parsed()  ? run_finding("leaks", with)
-               : to_check->parsed()  ? run_finding("check", with)
-               : to_faults->parsed() ? faults(with)
-               : to_sweep->parsed()  ? sweep(with)
-               : to_record->parsed() ? record(with)
-               : to_replay->parsed() ? nq::command::replay(with.replay)
-                                     : (convert(with.recordings, with.output), 0);
+        return with.action();
     } catch (CLI::ParseError const& failure) {
         return app.exit(failure) == 0 ? 0 : unusable;
     } catch (std::exception const& failure) {

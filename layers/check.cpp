@@ -2,13 +2,16 @@
 
 #include "check.hpp"
 #include "check_callbacks.hpp"
+#include "check_hangs.hpp"
 #include "check_kernels.hpp"
 #include "check_maps.hpp"
 #include "check_objects.hpp"
 #include "check_order.hpp"
 
 #include <cerrno>
+#include <memory>
 #include <string_view>
+#include <utility>
 
 namespace nq::layer::check {
 
@@ -23,6 +26,7 @@ struct crossing {
     watched callback;
     bool unmaps = false;
     std::vector<std::string> overlaps;
+    std::unique_ptr<hang_watch> watch;
 };
 
 void forget(call const& made, counting const& counted) {
@@ -57,6 +61,9 @@ void before(call const& made, description const& about, crossing& own) {
         forget(made, own.counted);
     }
     own.callback = watch_callback(made, about);
+    if (std::string gate = own.through.waits ? find_gate(own.through) : ""; !gate.empty()) {
+        own.watch = std::make_unique<hang_watch>(made, std::move(gate));
+    }
 }
 
 // What the program learns of an event, and what it must not.
@@ -75,6 +82,7 @@ void note_answer(call const& made, description const& about) {
 }
 
 void after(call const& made, description const& about, crossing& own, bool succeeded) {
+    own.watch.reset();
     restore_callback(made, about, own.callback, succeeded);
     end_passage(made, about, own.through, succeeded); // an event of the layer's own is not in the block any more
     note_kernel(made, about, succeeded);

@@ -23,6 +23,9 @@ std::string at(place where);
 /// the first is printed.
 void report(call const& made, char const* rule, std::string const& what);
 
+/// What may be a finding: prints it, and leaves the exit status as it is.
+void remark(call const& made, place where, std::string const& what);
+
 /// A finding at the end of the program, or of a callback.
 void report(std::string const& what);
 

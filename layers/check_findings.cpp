@@ -95,6 +95,10 @@ void report(call const& made, char const* rule, std::string const& what) {
     print(name, format_request(made.version, made.id, made.block, read_safely) + where + ": " + what);
 }
 
+void remark(call const& made, place where, std::string const& what) {
+    print(name, format_request(made.version, made.id, made.block, read_safely) + at(where) + ": " + what);
+}
+
 void report(std::string const& what) {
     {
         std::scoped_lock const lock{all().mutex};

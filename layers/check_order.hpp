@@ -35,6 +35,9 @@ void begin_passage(call const& made, description const& about, passage& through)
 /// Before the call: the memory that it uses and that others in flight use. Printed when the call has succeeded.
 std::vector<std::string> find_overlaps(call const& made, passage const& through);
 
+/// Before a call that waits: the user event that it waits for, in words. Empty if there is none.
+std::string find_gate(passage const& through);
+
 /// After the call.
 void end_passage(call const& made, description const& about, passage& through, bool succeeded);
 

@@ -8,10 +8,13 @@
 namespace nq::layer::check {
 namespace {
 
-std::string words_for_user(pending const& each) {
+std::string words_for_event(pending const& each) {
     auto const about = find_object(each.event);
-    return (about ? words_for(each.event, *about) : std::string("a user event")) +
-           ", was never completed: " + each.entry + at(each.where) + " waits for it";
+    return about ? words_for(each.event, *about) : "a user event";
+}
+
+std::string words_for_user(pending const& each) {
+    return words_for_event(each) + ", was never completed: " + each.entry + at(each.where) + " waits for it";
 }
 
 std::string words_for_unflushed(pending const& each) {
@@ -117,6 +120,17 @@ void report_unflushed(call const& made, past const& numbers) {
         report(made, "flush",
                "what it waits for, " + std::string(each.entry) + at(each.where) + ", " + words_for_unflushed(each));
     }
+}
+
+std::string find_gate(passage const& through) {
+    std::scoped_lock const lock{order().mutex};
+    for (std::uint64_t const number : through.before) {
+        auto const found = order().unfinished.find(number);
+        if (found != order().unfinished.end() && found->second.kind == kind::user_event) {
+            return words_for_event(found->second) + ", and which nobody has completed";
+        }
+    }
+    return "";
 }
 
 void note_complete(call const& made, void* event) {

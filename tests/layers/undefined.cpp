@@ -146,6 +146,45 @@ std::map<std::string, std::function<void(session&)>> const undefined{
          new cl::event(here.queue.enqueue_marker(1, &waited));
          new cl::command_queue(here.queue);
      }},
+    {"late", // the event is completed when the program seems to hang
+     [](session& here) {
+         cl::event_promise promise = here.context.create_user_event();
+         cl::event const gate = promise.get_event();
+         auto* const waited = raw(gate);
+         (void)here.queue.enqueue_marker(1, &waited);
+         std::thread helper([&] {
+             std::this_thread::sleep_for(std::chrono::seconds(11));
+             promise.set_status_success();
+         });
+         here.queue.finish();
+         helper.join();
+     }},
+    {"unordered", // in one queue
+     [](session& here) {
+         here.queue = here.context.create_command_queue(here.device, true, false);
+         two_reads reads(here);
+         (void)reads.first();
+         here.queue.enqueue_command_without_event(cl::read_buffer(here.buffer, false, 0, 4096, &here.values[512]));
+     }},
+    {"barrier",
+     [](session& here) {
+         here.queue = here.context.create_command_queue(here.device, true, false);
+         two_reads reads(here);
+         (void)reads.first();
+         (void)here.queue.barrier(0, nullptr);
+         here.queue.enqueue_command_without_event(cl::read_buffer(here.buffer, false, 0, 4096, &here.values[512]));
+     }},
+    {"tiles", // of one picture, side by side
+     [](session& here) {
+         two_reads reads(here);
+         auto const tile = [&](std::size_t x) {
+             return cl::read_buffer_rect(here.buffer, false, {0, 0, 0}, {x, 0, 0}, {16, 8, 1}, 0, 0, 64, 0,
+                                         here.values.data());
+         };
+         auto* const waited = raw(reads.gate);
+         here.queue.enqueue_command_without_event(tile(0), 1, &waited);
+         reads.other.enqueue_command_without_event(tile(16));
+     }},
     {"throws", // within the call that completes the event
      [](session& here) {
          cl::event_promise promise = here.context.create_user_event();
