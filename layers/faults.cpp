@@ -1,16 +1,18 @@
-// Fails calls in place of libnq, as NQ_FAULTS says: rules that are separated by commas, whose parts are separated by
-// colons.
+// Fails calls in place of libnq, shortens what they reply, or delays them, as NQ_FAULTS says: rules that are separated
+// by commas, whose parts are separated by colons.
 
 #include "layer.hpp"
 
 #include <algorithm>
 #include <atomic>
 #include <charconv>
+#include <chrono>
 #include <cstdlib>
 #include <cstring>
 #include <optional>
 #include <stdexcept>
 #include <string_view>
+#include <thread>
 #include <vector>
 
 namespace nq::layer {
@@ -26,8 +28,10 @@ struct rule {
     std::uint64_t every = 0;
     std::optional<double> probability;
     std::uint64_t seed = 0;
-    int result = result::success; // of libnq
-    int status = 0;               // of OpenCL
+    int result = result::success;      // of libnq
+    int status = 0;                    // of OpenCL
+    std::optional<std::size_t> reply;  // the most bytes that a query says to have replied
+    std::chrono::microseconds delay{}; // before the call is made
 };
 
 struct counted_rule : rule {
@@ -108,8 +112,13 @@ void add_part(rule& made, std::string_view part) {
         made.seed = number<std::uint64_t>(value, 0, UINT64_MAX, "give a whole number as the seed");
     } else if (key == "result") {
         made.result = number(value, INT32_MIN, INT32_MAX, "give a result of libnq such as -1");
+    } else if (key == "reply") {
+        made.reply = number<std::size_t>(value, 0, SIZE_MAX, "give a number of bytes");
+    } else if (key == "delay") {
+        made.delay = std::chrono::microseconds(number<std::uint32_t>(value, 1, UINT32_MAX, "give microseconds"));
     } else {
-        throw unusable("use call=, every=, entry=, probability=, seed= or result=, not '" + std::string(key) + "='");
+        throw unusable("use call=, every=, entry=, probability=, seed=, result=, reply= or delay=, not '" +
+                       std::string(key) + "='");
     }
 }
 
@@ -124,8 +133,10 @@ settings parse(std::string_view text) {
         for (std::string_view const part : split(each, ':')) {
             add_part(next, part);
         }
-        if ((next.status == 0) == (next.result == 0)) {
-            throw unusable("end '" + std::string(each) + "' with one failure, as in call=17:-5 or call=17:result=-1");
+        if ((next.status != 0) + (next.result != 0) + next.reply.has_value() + (next.delay.count() != 0) != 1) {
+            throw unusable(
+                "end '" + std::string(each) +
+                "' with one failure, as in call=17:-5, call=17:result=-1, call=17:reply=4 or call=17:delay=1000");
         }
         if (next.entry.empty() && next.call == 0 && next.every == 0 && !next.probability) {
             throw unusable("say which calls fail, as in call=17:" + std::string(each));
@@ -195,14 +206,24 @@ void refuse(call const& made, description const& about, std::int32_t status) {
     }
 }
 
+std::string text_of(rule const& how) {
+    if (how.delay.count() != 0) {
+        return " after " + std::to_string(how.delay.count()) + " us";
+    }
+    if (how.reply) {
+        return " replies " + std::to_string(*how.reply) + " bytes";
+    }
+    char const* const status = values::status.name_of(how.status);
+    return " = " + (how.result != 0     ? "result " + std::to_string(how.result)
+                    : status != nullptr ? status
+                                        : "status " + std::to_string(how.status));
+}
+
 // At once, since the program may not come to its end.
 void record(call const& made, description const* about, rule const& how, std::uint64_t number) {
     if (++done().failed <= longest_report && chosen().report) {
-        char const* const status = values::status.name_of(how.status);
-        std::string const code = status != nullptr ? status : "status " + std::to_string(how.status);
         print(name, "call " + std::to_string(number) + ": " +
-                        (about != nullptr ? about->name : "command " + std::to_string(made.id)) + " = " +
-                        (how.result != 0 ? "result " + std::to_string(how.result) : code));
+                        (about != nullptr ? about->name : "command " + std::to_string(made.id)) + text_of(how));
     }
 }
 
@@ -213,6 +234,24 @@ void record(call const& made, description const* about, rule const& how, std::ui
     }
 }
 
+// Where a query is to say how long its reply is; null for other calls.
+std::size_t* place_of_size(call const& made, description const* about) {
+    for (field const& each : about != nullptr ? *about : description{}) {
+        if (std::string_view(each.name) == "param_value_size_ret") {
+            std::size_t* place = nullptr;
+            std::memcpy(&place, static_cast<unsigned char const*>(made.block) + each.offset, sizeof place);
+            return place;
+        }
+    }
+    return nullptr;
+}
+
+bool can_do(rule const& how, call const& made, description const* about) {
+    return how.reply ? place_of_size(made, about) != nullptr
+                     : how.result != 0 || how.delay.count() != 0 || can_refuse(about);
+}
+
+// What comes of a call; nothing if it is to be forwarded as it is.
 std::optional<int> fail(call const& made) {
     description const* const about = made.about();
     std::uint64_t const number = ++done().calls;
@@ -220,12 +259,22 @@ std::optional<int> fail(call const& made) {
     for (counted_rule& each : chosen().rules) { // each counts, whichever decides
         how = applies(each, about) && how == nullptr ? &each : how;
     }
-    if (how == nullptr || (how->result == 0 && !can_refuse(about))) {
+    if (how == nullptr || !can_do(*how, made, about)) {
         return std::nullopt;
     }
     record(made, about, *how, number);
-    if (how->result == 0) {
+    if (how->status != 0) {
         refuse(made, *about, how->status);
+    } else if (how->reply) {
+        int const made_result = forward(made);
+        if (made_result == result::success && static_cast<std::int32_t>(read_field(made.block, about->status, 4)) == 0) {
+            std::size_t& size = *place_of_size(made, about);
+            size = std::min(size, *how->reply);
+        }
+        return made_result;
+    } else if (how->delay.count() != 0) {
+        std::this_thread::sleep_for(how->delay);
+        return std::nullopt;
     }
     return how->result;
 }
