@@ -267,7 +267,8 @@ std::optional<int> fail(call const& made) {
         refuse(made, *about, how->status);
     } else if (how->reply) {
         int const made_result = forward(made);
-        if (made_result == result::success && static_cast<std::int32_t>(read_field(made.block, about->status, 4)) == 0) {
+        if (made_result == result::success &&
+            static_cast<std::int32_t>(read_field(made.block, about->status, 4)) == 0) {
             std::size_t& size = *place_of_size(made, about);
             size = std::min(size, *how->reply);
         }
