@@ -200,6 +200,15 @@ void add_sessions(CLI::App& app, options& with) {
     to_replay->add_option("--platform", with.replay.device.platform, "run it on this platform; a part of its name");
     to_replay->add_option("--device", with.replay.device.number, "run it on this device of the platform, from 0 on")
         ->check(CLI::NonNegativeNumber);
+    CLI::Option* const kernel =
+        to_replay->add_option("--kernel", with.replay.kernel, "the kernel of a launch to extract");
+    to_replay->add_option("--nth", with.replay.nth, "which launch of the kernel, from 1 on")
+        ->check(CLI::PositiveNumber)
+        ->capture_default_str();
+    CLI::Option* const folder =
+        to_replay->add_option("--extract", with.replay.folder, "write the launch as a program to this folder");
+    kernel->needs(folder);
+    folder->needs(kernel);
     to_replay->footer("The exit status is 1 if a result differs, and 2 if the session could not be run.");
     to_record->callback([&with] { with.action = [&with] { return record(with); }; });
     to_replay->callback([&with] { with.action = [&with] { return nq::command::replay(with.replay); }; });

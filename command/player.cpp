@@ -14,17 +14,13 @@ using recording::entry_kind;
 using recording::memory;
 using recording::read_call;
 
+constexpr std::uint32_t image_element_size = 0x1111;
 constexpr std::uint32_t kernel_name = 0x1190;
 constexpr std::uint64_t context_platform = 0x1084;
 
 template <class Block>
 bool is(read_call const& call) {
     return call.about == &description_of<Block>;
-}
-
-std::string name_of_status(std::int32_t status) {
-    char const* const name = values::status.name_of(status);
-    return name != nullptr ? name : "status " + std::to_string(status);
 }
 
 // Calls that only ask, or that only have the program called.
@@ -48,11 +44,6 @@ void copy_rows(std::byte* to, memory_rows const& rows_to, memory from, memory_ro
             std::memcpy(to + at(rows_to), from.data() + at(rows_from), rows_from.width);
         }
     }
-}
-
-bool is_same_shape(place const& each) {
-    return each.rows_here.width == each.rows_recorded.width && each.rows_here.count[0] == each.rows_recorded.count[0] &&
-           each.rows_here.count[1] == each.rows_recorded.count[1];
 }
 
 } // namespace
@@ -161,6 +152,10 @@ void player::perform_call(read_call const& call) {
                                      "; copy it or record it again");
         }
     }();
+    if (!has_right_pixels(call)) {
+        throw std::runtime_error("the recording is damaged: " + std::string(call.about->name) +
+                                 " has pixels of another size; copy it or record it again");
+    }
     own_event_ = nullptr;
     prepare(call, *block);
     bool const is_made = make(call, *block);
@@ -170,6 +165,28 @@ void player::perform_call(read_call const& call) {
     take_results(call, std::move(block), is_done);
 }
 
+// Whether the size of a pixel, which all lengths of images come from, is that of the image.
+bool player::has_right_pixels(read_call const& call) {
+    field const* const format = find(*call.about, "image_format");
+    field const* const image = find(*call.about, "image");
+    if (call.entry.pixel_size == 0) {
+        return true;
+    }
+    if (format != nullptr) {
+        recording::segment const* const words = call.find(format->offset);
+        return words != nullptr && from_.at(*words).size() == 2 * sizeof(std::uint32_t) &&
+               call.entry.pixel_size ==
+                   pixel_size_of(static_cast<std::uint32_t>(read_field(from_.at(*words).data(), 0, 4)),
+                                 static_cast<std::uint32_t>(read_field(from_.at(*words).data(), 4, 4)));
+    }
+    return image != nullptr &&
+           call.entry.pixel_size ==
+               ask<std::size_t>(
+                   through(call),
+                   block::clGetImageInfo{.image = to_pointer<_nq_cl_mem>(names_.object(call.field(image->offset)))},
+                   image_element_size);
+}
+
 // What the program did to memory before the call, and what is needed to wait for it.
 void player::prepare(read_call const& call, replay_block& block) {
     bool const is_unmap = is<block::clEnqueueUnmapMemObject>(call) || is<block::clEnqueueSVMUnmap>(call);
@@ -177,7 +194,7 @@ void player::prepare(read_call const& call, replay_block& block) {
         recording::segment const* const content =
             is_unmap && each.kind == field_kind::address ? call.find(each.offset) : nullptr;
         auto const map = content != nullptr ? names_.find_map(call.field(each.offset)) : std::nullopt;
-        if (map && is_same_shape(*map) && from_.at(*content).size() >= map->rows_recorded.end()) {
+        if (map && map->is_same_shape() && from_.at(*content).size() >= map->rows_recorded.end()) {
             auto const bytes = names_.relocated(from_.at(*content));
             copy_rows(map->here, map->rows_here, bytes, map->rows_recorded);
         }
@@ -237,19 +254,6 @@ bool player::make_marker(read_call const& call, replay_block& block) {
     return perform(through(call), made) || perform(through(call), older);
 }
 
-void player::compare_status(read_call const& call, replay_block const& block) {
-    std::uint8_t const at = call.about->status;
-    auto const here = at != absent ? static_cast<std::int32_t>(block.field(at, sizeof(std::int32_t))) : 0;
-    std::string const number = "call " + std::to_string(numbers_.at(call.entry.order)) + ": " + call.about->name;
-    if (here != call.status()) {
-        differ(number + ": " + name_of_status(call.status()) + " recorded, " + name_of_status(here) + " here");
-    } else if (is<block::clSVMAlloc>(call) &&
-               (call.field(call.about->result) == 0) != (block.field(call.about->result) == 0)) {
-        differ(number + ": " +
-               (block.field(call.about->result) == 0 ? "memory recorded, none here" : "no memory recorded, some here"));
-    }
-}
-
 void player::take_results(read_call const& call, std::unique_ptr<replay_block> block, bool is_done) {
     bool const is_whole = is_done && call.succeeded();
     if (call.succeeded()) {
@@ -302,88 +306,6 @@ void player::name_kernels(read_call const& call, replay_block const& block) {
             }
         }
     }
-}
-
-void player::compare_contents(recording::contents_entry const& entry) {
-    auto const found = awaited_.find(entry.call);
-    if (found == awaited_.end()) {
-        return; // the call has failed, which was a difference
-    }
-    awaited& call = found->second;
-    if (call.event != nullptr) {
-        block::clWaitForEvents waited{.event_list = &call.event, .num_events = 1};
-        perform(call.through, waited);
-    }
-    auto const place = call.places.find(entry.offset);
-    auto const of =
-        std::lower_bound(from_.events.begin(), from_.events.end(), entry.call,
-                         [](recording::event const& one, std::uint64_t order) { return one.order < order; });
-    std::string const what =
-        "call " + std::to_string(numbers_.at(entry.call)) + ": " + from_.calls[of->index].about->name;
-    if (place != call.places.end()) {
-        compare(from_.memories[entry.memory], place->second, what);
-    }
-    if (--call.contents == 0) {
-        block::clReleaseEvent released{.event = call.event};
-        if (call.event != nullptr) {
-            perform(call.through, released);
-        }
-        awaited_.erase(found);
-    }
-}
-
-void player::compare_shared(recording::shared_entry const& entry) {
-    auto const here = names_.shared_at(entry.address);
-    memory const recorded = from_.memories[entry.memory];
-    if (!here || here->size() < recorded.size()) {
-        return; // the allocation has failed, which was a difference
-    }
-    auto* const start = const_cast<std::byte*>(here->data());
-    if (entry.is_result != 0) {
-        memory_rows const rows{0, recorded.size()};
-        compare(recorded, {start, rows, rows}, "shared memory");
-    } else {
-        auto const bytes = names_.relocated(recorded);
-        std::memcpy(start, bytes.data(), bytes.size());
-    }
-}
-
-void player::compare(memory recorded, place const& here, std::string const& what) {
-    memory_rows const& rows = here.rows_recorded;
-    ++done_.results;
-    done_.bytes += recorded.size();
-    if (!is_same_shape(here) || recorded.size() < rows.end()) {
-        differ(what + ": another size");
-        return;
-    }
-    auto const wanted = names_.relocated(recorded);
-    std::size_t count = 0;
-    std::size_t first = 0;
-    std::pair<unsigned, unsigned> bytes;
-    for (std::size_t slice = 0; slice < rows.count[1]; ++slice) {
-        for (std::size_t row = 0; row < rows.count[0]; ++row) {
-            std::size_t const at = rows.offset + slice * rows.pitch[1] + row * rows.pitch[0];
-            std::byte const* const have =
-                here.here + here.rows_here.offset + slice * here.rows_here.pitch[1] + row * here.rows_here.pitch[0];
-            for (std::size_t i = 0; i < rows.width; ++i) {
-                if (wanted[at + i] != have[i] && count++ == 0) {
-                    first = at + i;
-                    bytes = {static_cast<unsigned>(wanted[at + i]), static_cast<unsigned>(have[i])};
-                }
-            }
-        }
-    }
-    if (count != 0) {
-        char text[40];
-        std::snprintf(text, sizeof text, "%02x recorded, %02x here", bytes.first, bytes.second);
-        differ(what + ": " + std::to_string(count) + " of " + std::to_string(recorded.size()) +
-               " bytes differ, the first at offset " + std::to_string(first) + ": " + text);
-    }
-}
-
-void player::differ(std::string const& what) {
-    ++done_.different;
-    print_(what);
 }
 
 } // namespace nq::command

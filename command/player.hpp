@@ -69,6 +69,7 @@ private:
     void forget_results(recording::read_call const& call);
     bool is_replayed(recording::read_call const& call) const;
     void perform_call(recording::read_call const& call);
+    bool has_right_pixels(recording::read_call const& call);
     void prepare(recording::read_call const& call, replay_block& block);
     bool make(recording::read_call const& call, replay_block& block);
     bool make_context(recording::read_call const& call, replay_block& block);

@@ -24,7 +24,7 @@ recording::read_handle const* find_handle(recording::session const& from, std::u
 std::vector<std::uint64_t> player::used_devices() const {
     std::vector<std::uint64_t> used;
     auto const add = [&](std::uint64_t device) {
-        if (device != 0 && !parts_.contains(device) && std::find(used.begin(), used.end(), device) == used.end()) {
+        if (device != 0 && std::find(used.begin(), used.end(), device) == used.end()) {
             used.push_back(device);
         }
     };
@@ -37,7 +37,7 @@ std::vector<std::uint64_t> player::used_devices() const {
         for (field const& each : *call.about) {
             if (each.object == object_kind::device_id && each.direction == direction::in) {
                 for (std::uint64_t const device : objects_in(call, each)) {
-                    add(device);
+                    add(parts_.contains(device) ? 0 : device);
                 }
             }
         }

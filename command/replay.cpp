@@ -1,5 +1,7 @@
 #include "replay.hpp"
 
+#include "extract.hpp"
+
 #include <cstdio>
 #include <stdexcept>
 
@@ -22,11 +24,25 @@ int replay(replay_options const& with) {
         std::puts(line.c_str());
     }
     std::uint64_t lines = 0;
-    comparison const done = on.run([&lines](std::string const& line) {
+    auto const print = [&lines](std::string const& line) {
         if (++lines <= most_lines) {
             std::puts(line.c_str());
         }
-    });
+    };
+    if (!with.folder.empty()) {
+        extractor wanted(with.kernel, with.nth);
+        comparison const before = on.run(print, [&](player& running, std::size_t index, bool is_before) {
+            return wanted.watch(running, index, is_before);
+        });
+        if (!wanted.is_found()) {
+            throw std::runtime_error(wanted.missing());
+        }
+        write_launch(wanted.parts(), with.folder);
+        std::printf("launch %u of %s is in %s: build it with CMake, and run launch\n", with.nth, with.kernel.c_str(),
+                    with.folder.c_str());
+        return before.different == 0 ? 0 : 1;
+    }
+    comparison const done = on.run(print);
     if (lines > most_lines) {
         std::printf("and %s more\n", plural(lines - most_lines, "difference").c_str());
     }

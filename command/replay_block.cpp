@@ -38,7 +38,7 @@ bool is_list_of_pointers(field const& each) {
 bool is_sane(memory_rows const& rows) {
     constexpr std::size_t most = std::size_t{1} << 31U;
     bool const plain = rows.count[0] == 1 && rows.count[1] == 1;
-    return plain ? rows.offset == 0 || rows.offset < most_memory
+    return plain ? rows.offset < most_memory
                  : rows.offset < most_memory && rows.width < most_memory && rows.count[0] < most &&
                        rows.count[1] < most && (rows.count[0] <= 1 || rows.pitch[0] < most) &&
                        (rows.count[1] <= 1 || rows.pitch[1] < most);
@@ -113,6 +113,7 @@ replay_block::replay_block(recording::session const& from, recording::read_call 
     }
     for (nq::field const& each : *call.about) { // the lengths are in place now
         if (each.length.rule != length_rule::none && each.offset != call.about->result) {
+            check_shared(each);
             each.direction == direction::out ? put_room(each) : check(each);
         }
     }
@@ -225,10 +226,19 @@ void replay_block::put_room(nq::field const& each) {
     put(each.offset, address_of(own(std::vector<std::byte>(wanted ? wanted->end() + 1 : 1))));
 }
 
+// A command that reaches past the end of shared memory gets none.
+void replay_block::check_shared(nq::field const& each) {
+    auto const shared = names_.shared_at(call_.field(each.offset));
+    bool const is_used = shared && field(each.offset) == address_of(shared->data());
+    if (is_used && rows(each, block_.data()).value_or(memory_rows{}).end() > shared->size()) {
+        put(each.offset, 0);
+    }
+}
+
 void replay_block::check(nq::field const& each) const {
     recording::segment const* const found = call_.find(each.offset);
     if (field(each.offset) == 0 || each.length.rule == length_rule::opaque || found == nullptr) {
-        return;
+        return; // null, an address, or shared memory
     }
     auto const wanted = rows(each, block_.data());
     if (!wanted || !is_sane(*wanted) || wanted->end() != from_.at(*found).size()) {
@@ -261,6 +271,7 @@ std::map<std::size_t, place> replay_block::written() const {
             }
         }
     }
+    readable = &readable_;
     return all;
 }
 

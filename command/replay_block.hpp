@@ -21,6 +21,11 @@ struct place {
     std::byte* here = nullptr;
     memory_rows rows_here{};
     memory_rows rows_recorded{};
+
+    bool is_same_shape() const {
+        return rows_here.width == rows_recorded.width && rows_here.count[0] == rows_recorded.count[0] &&
+               rows_here.count[1] == rows_recorded.count[1];
+    }
 };
 
 /// What stands here for what the recording names: objects and addresses.
@@ -81,6 +86,7 @@ private:
     void put_input(nq::field const& each, recording::segment const& of);
     void put_list(nq::field const& each, std::vector<std::byte>& list);
     void put_room(nq::field const& each);
+    void check_shared(nq::field const& each);
     void check(nq::field const& each) const;
     std::optional<memory_rows> rows(nq::field const& each, void const* block) const;
     std::byte* own(std::vector<std::byte> bytes);

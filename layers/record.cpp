@@ -51,11 +51,15 @@ public:
             write_shared(false);
         }
         field const* const image = entry.starts_with("clEnqueue") ? find(about_, "image") : nullptr;
-        if (image != nullptr) {
+        if (field const* const format = find(about_, "image_format"); format != nullptr) {
+            std::uint32_t words[2] = {};
+            read_safely(words, read_pointer(made_.block, format->offset), sizeof words);
+            entry_.pixel_size = static_cast<std::uint32_t>(pixel_size_of(words[0], words[1]));
+        } else if (image != nullptr) {
             entry_.pixel_size = pixel_size(reinterpret_cast<_nq_cl_mem*>(read_field(made_.block, image->offset)));
         }
         for (field const& each : about_) {
-            if (each.direction == direction::in && !is_behind_image(each)) {
+            if (each.direction == direction::in) {
                 add_input(each);
             }
         }
@@ -99,11 +103,6 @@ private:
                                     .param_value = &size,
                                     .param_name = "CL_IMAGE_ELEMENT_SIZE"_cl};
         return ask(made_, asked) ? static_cast<std::uint32_t>(size) : 0;
-    }
-
-    // The pixels of a new image: their size is known when there is one.
-    static bool is_behind_image(field const& each) {
-        return each.length.rule == length_rule::image || each.length.rule == length_rule::described_image;
     }
 
     bool is_blocking() const {
@@ -209,10 +208,6 @@ private:
 
     void add_results() {
         bool const is_query = std::string_view(about_.name).starts_with("clGet");
-        if (field const* const host = find(about_, "host_ptr"); host != nullptr && is_behind_image(*host)) {
-            entry_.pixel_size = pixel_size(reinterpret_cast<_nq_cl_mem*>(read_field(made_.block, about_.result)));
-            add_input(*host);
-        }
         for (field const& each : about_) {
             bool const is_known = each.direction == direction::out && each.length.rule != length_rule::none &&
                                   each.length.rule != length_rule::opaque;

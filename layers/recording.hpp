@@ -8,6 +8,7 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <cstdio>
 #include <memory>
 #include <span>
 #include <string>
@@ -161,6 +162,9 @@ struct session {
 
 /// Reads a file. Throws `std::runtime_error`, which says what is wrong with it and what to do.
 session read_file(std::string const& path);
+
+/// The same of an open file, which it closes; null has the reason in `errno`.
+session read_file(std::FILE* file);
 
 /// Where entries are read from. Returns fewer bytes at the end.
 class source {

@@ -156,7 +156,7 @@ private:
 
 class file_source : public source {
 public:
-    explicit file_source(std::string const& path) : file_(std::fopen(path.c_str(), "rbe")) {
+    explicit file_source(std::FILE* file) : file_(file) {
         file_head head;
         if (file_ == nullptr || std::fread(&head, 1, sizeof head, file_) != sizeof head ||
             head.magic != file_head::right_magic) {
@@ -224,10 +224,14 @@ segment const* read_call::find(std::size_t offset, std::uint32_t item) const {
 
 session read_entries(source& from) { return reader(from).read(); }
 
+session read_file(std::FILE* file) {
+    file_source from(file);
+    return read_entries(from);
+}
+
 session read_file(std::string const& path) {
     try {
-        file_source file(path);
-        return read_entries(file);
+        return read_file(std::fopen(path.c_str(), "rbe"));
     } catch (std::runtime_error const& failure) {
         throw std::runtime_error(path + ": " + failure.what());
     }

@@ -177,6 +177,10 @@ TEST(description, knows_how_much_is_behind_a_pointer) {
     EXPECT_EQ(extent(nq::block::clCreateSubDevices{.properties = equally}, "properties"), 3U * 8);
     EXPECT_EQ(extent(nq::block::clCreateKernel{.kernel_name = "abc"}, "kernel_name"), 4U);
     EXPECT_EQ(extent(nq::block::clEnqueueWaitForEvents{.num_events = 3}, "event_list"), 3U * 8);
+    EXPECT_EQ(nq::pixel_size_of(0x10B5, 0x10DA), 4U) << "CL_RGBA of CL_UNSIGNED_INT8";
+    EXPECT_EQ(nq::pixel_size_of(0x10B1, 0x10DE), 4U) << "CL_A of CL_FLOAT";
+    EXPECT_EQ(nq::pixel_size_of(0x10B4, 0x10D4), 2U) << "CL_RGB of CL_UNORM_SHORT_565";
+    EXPECT_EQ(nq::pixel_size_of(0x10B5, 0x10E1), 0U);
     EXPECT_EQ(extent(nq::block::clSetKernelArgSVMPointer{}, "arg_value"), std::size_t(-1));
 }
 

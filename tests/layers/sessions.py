@@ -76,6 +76,10 @@ def breaches_of_bad_input(command, program, place):
         (("replay", place / "none.nqr"), "none.nqr: it cannot be read: No such file"),
         (("replay", session, "--platform", "Nobody"), "no platform's name has Nobody in it"),
         (("replay", session, "--device", "99"), r"there is no device 99; there are \d"),
+        (("replay", session, "--kernel", "invert", "--nth", "2", "--extract", place / "launch"),
+         "the session has no launch 2 of invert; it has 1 of invert"),
+        (("replay", session, "--kernel", "invert", "--extract", "/proc/none"), "cannot write /proc/none/main.cpp"),
+        (("replay", session, "--kernel", "invert"), "--kernel requires --extract"),
         (("record", "-o", "/none/s.nqr", "--", program, "Portable", "image"), "cannot write /none/s.nqr: No such file"),
         (("record", "-o", "/dev/full", "--", program, "Portable", "image"), "cannot write /dev/full: No space left"),
     ):

@@ -185,6 +185,26 @@ private:
 
 } // namespace detail
 
+/// The bytes of a pixel, by the two words of an image's format; 0 for a format that OpenCL 2.2 does not have.
+constexpr std::size_t pixel_size_of(std::uint32_t order, std::uint32_t type) noexcept {
+    constexpr std::uint32_t first_order = 0x10B0; // CL_R
+    constexpr std::uint32_t first_type = 0x10D0;  // CL_SNORM_INT8
+    constexpr std::uint8_t channels[] = {1, 1, 2, 2, 3, 4, 4, 4, 1, 1, 1, 2, 3, 1, 1, 3, 3, 4, 4, 4};
+    constexpr std::uint8_t sizes[] = {1, 2, 1, 2, 2, 2, 4, 1, 2, 4, 1, 2, 4, 2, 4, 4, 4};
+    constexpr std::uint32_t packed[] = {4, 5, 6, 15, 16}; // all channels are in one number
+    std::uint32_t const of_order = order - first_order;
+    std::uint32_t const of_type = type - first_type;
+    if (of_order >= sizeof channels || of_type >= sizeof sizes) {
+        return 0;
+    }
+    for (std::uint32_t const each : packed) {
+        if (each == of_type) {
+            return sizes[of_type];
+        }
+    }
+    return std::size_t{channels[of_order]} * sizes[of_type];
+}
+
 /// Where the bytes behind the pointer in a field are, by its length rule. Nothing if it is not known, or cannot be
 /// read. The rules in pixels need the size of a pixel in bytes. Lists of texts and binaries: the list itself.
 inline std::optional<memory_rows> rows_of(description const& call, field const& each, void const* block,

@@ -1,0 +1,12 @@
+# vorn-mero-zstd: zstd, for recordings. What brings it names the target after the library or after how it is linked.
+if(NOT TARGET vorn-mero-zstd)
+  find_package(zstd QUIET CONFIG)
+  vorn_mero_require("${zstd_FOUND}" "zstd, for recordings of sessions" "libzstd-dev")
+  add_library(vorn-mero-zstd INTERFACE)
+  foreach(target IN ITEMS zstd::libzstd zstd::libzstd_shared zstd::libzstd_static)
+    if(TARGET ${target})
+      target_link_libraries(vorn-mero-zstd INTERFACE ${target})
+      break()
+    endif()
+  endforeach()
+endif()
