@@ -42,7 +42,10 @@ void wait_for(passage& through) {
 void flush(void* queue) {
     if (auto const found = order().queues.find(queue); found != order().queues.end()) {
         found->second.flushed = found->second.enqueued;
-        erase_unfinished([&](pending const& each) { return each.kind == kind::unflushed && each.queue == queue; });
+        for (std::uint64_t const number : found->second.awaited) {
+            order().unfinished.erase(number);
+        }
+        found->second.awaited.clear();
     }
 }
 
@@ -141,6 +144,7 @@ void note_waits(passage& through, char const* entry, place where) {
                                                      .entry = entry,
                                                      .where = where,
                                                      .thread = std::this_thread::get_id()}));
+            other->second.awaited.push_back(through.before.back());
         }
     }
 }
@@ -154,6 +158,7 @@ void end_command(call const& made, description const& about, passage& through) {
                                                  .accesses = through.accesses,
                                                  .entry = about.name,
                                                  .where = here()}));
+        order().transfers.insert(through.before.back());
     }
     queue_state& queue = order().queues[through.queue];
     std::string_view const entry = about.name;
@@ -183,8 +188,9 @@ void begin_passage(call const& made, description const& about, passage& through)
     bool const flushes = entry == "clFlush" || entry == "clReleaseCommandQueue";
     if (auto const* const set = as<block::clSetUserEventStatus>(made, &about); set != nullptr) {
         std::scoped_lock const lock{order().mutex};
-        erase_unfinished(
-            [&](pending const& each) { return each.kind == kind::user_event && each.event == set->event; });
+        if (auto const found = find_user_event(set->event); found != order().unfinished.end()) {
+            order().unfinished.erase(found);
+        }
         return;
     }
     through.enqueues = entry.starts_with("clEnqueue");
@@ -226,7 +232,8 @@ std::vector<std::string> find_overlaps(call const& made, passage const& through)
             return each != order().unfinished.end() &&
                    (each->second.kind == kind::unknown || each->second.kind == kind::user_event);
         });
-        for (auto const& [number, each] : order().unfinished) {
+        for (std::uint64_t const number : order().transfers) {
+            pending const& each = order().unfinished.at(number);
             bool const ordered = std::binary_search(through.before.begin(), through.before.end(), number);
             if (is_sure && !ordered && is_in_conflict(through.accesses, each.accesses)) {
                 found.push_back(each);

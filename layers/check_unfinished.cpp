@@ -51,6 +51,16 @@ void release(call const& made, kept_event* each) {
     }
 }
 
+std::map<std::uint64_t, pending>::iterator find_user_event(void* event) {
+    auto const known = order().events.find(event);
+    if (known == order().events.end() || known->second.before.size() != 1) {
+        return order().unfinished.end();
+    }
+    auto const found = order().unfinished.find(known->second.before.front());
+    bool const is_user = found != order().unfinished.end() && found->second.kind == kind::user_event;
+    return is_user && found->second.event == event ? found : order().unfinished.end();
+}
+
 bool is_complete(call const& made, void* event) {
     std::int32_t status = 1;
     block::clGetEventInfo const question{.event = static_cast<_nq_cl_event*>(event),
@@ -66,6 +76,7 @@ void complete(call const& made, past const& numbers) {
         if (found != order().unfinished.end() && found->second.kind == kind::transfer) {
             events.push_back(found->second.kept);
             order().kept.erase(found->second.kept->event);
+            order().transfers.erase(number);
             order().unfinished.erase(found);
         }
     }
@@ -80,11 +91,9 @@ void drop_complete_if_many(call const& made) {
         if (order().kept.size() < order().limit) {
             return;
         }
-        for (auto const& [number, each] : order().unfinished) {
-            if (each.kind == kind::transfer) {
-                transfers.emplace_back(number, each.kept);
-                ++each.kept->users;
-            }
+        for (std::uint64_t const number : order().transfers) {
+            transfers.emplace_back(number, order().unfinished.at(number).kept);
+            ++transfers.back().second->users;
         }
     }
     past done;
@@ -150,20 +159,17 @@ std::uint32_t kept_references(void* event) {
 }
 
 void forget_event(call const& made, void* event) {
-    std::vector<pending> lost;
+    pending lost;
     {
         std::scoped_lock const lock{order().mutex};
+        if (auto const found = find_user_event(event); found != order().unfinished.end()) {
+            lost = std::move(found->second);
+            order().unfinished.erase(found);
+        }
         order().events.erase(event);
-        erase_unfinished([&](pending const& each) {
-            bool const is_user = each.kind == kind::user_event && each.event == event;
-            if (is_user && each.where != nullptr) {
-                lost.push_back(each);
-            }
-            return is_user;
-        });
     }
-    for (pending const& each : lost) {
-        report(made, "user event", words_for_user(each));
+    if (lost.where != nullptr) {
+        report(made, "user event", words_for_user(lost));
     }
 }
 

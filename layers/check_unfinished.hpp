@@ -5,9 +5,9 @@
 #include "check_order.hpp"
 
 #include <atomic>
-#include <iterator>
 #include <map>
 #include <mutex>
+#include <set>
 #include <thread>
 #include <unordered_map>
 #include <unordered_set>
@@ -44,6 +44,7 @@ struct queue_state {
     past all;    // commands
     std::uint64_t enqueued = 0;
     std::uint64_t flushed = 0;
+    past awaited; // by commands of other queues, since it is not flushed
 };
 
 struct event_state {
@@ -56,6 +57,7 @@ struct event_state {
 struct order_state {
     std::mutex mutex;
     std::map<std::uint64_t, pending> unfinished{{unknown_command, {}}};
+    std::set<std::uint64_t> transfers; // of those
     std::unordered_map<void*, queue_state> queues;
     std::unordered_map<void*, event_state> events;
     std::unordered_set<void*> kept;
@@ -72,13 +74,8 @@ void add(past& to, past const& more);
 /// Its number. With the mutex held.
 std::uint64_t add_unfinished(pending made);
 
-/// Takes some out, with the mutex held.
-template <class Predicate>
-void erase_unfinished(Predicate which) {
-    for (auto each = order().unfinished.begin(); each != order().unfinished.end();) {
-        each = which(each->second) ? order().unfinished.erase(each) : std::next(each);
-    }
-}
+/// The user event if nobody has completed it, else the end. With the mutex held.
+std::map<std::uint64_t, pending>::iterator find_user_event(void* event);
 
 /// Whether its command is done, or failed.
 bool is_complete(call const& made, void* event);
