@@ -101,6 +101,15 @@ def breaches_of_command(command, program):
     """The command passes on the program's status, and says what it cannot run."""
     with tempfile.TemporaryDirectory() as place:
         output = pathlib.Path(place) / "trace.json"
+        static, raised = pathlib.Path(place) / "static", pathlib.Path(place) / "raised"
+        static.write_bytes(b"\x7fELF\x02\x01\x01" + bytes(57))
+        static.chmod(0o755)
+        raised.write_bytes(pathlib.Path(program).read_bytes())
+        if os.geteuid() == 0:
+            os.chown(raised, 65534, 65534)
+        else:
+            print("not root: no program with another user's rights can be made")
+        raised.chmod(0o4755)
         table = (
             (("trace", "-o", output, "--", program, PLATFORM, "abandon"), 7, "did not come to its end"),
             (("errors", "--", program, PLATFORM, "name"), 0, "^nq-errors: clCreateKernel"),
@@ -112,6 +121,9 @@ def breaches_of_command(command, program):
             (("convert", f"{place}/0.part", "-o", "/none/t.json"), 2, "^vorn-mero: cannot write /none/t.json: No such"),
             (("trace", "-o", f"{place}/none", "--", "true"), 0, "^vorn-mero: true made no call through libnq"),
             (("trace", "-o", "/none/t.json", "--", "true"), 2, "^vorn-mero: cannot write /none/t.json: No such file"),
+            (("check", "--", static), 2, r"\Avorn-mero: .*/static is linked statically.*\n\Z"),
+            *([(("check", "--", raised), 2, r"\Avorn-mero: .*/raised runs with another user's rights.*\n\Z")]
+              if os.geteuid() == 0 else []),
             (("leaks", "--", "/none"), 2, "^vorn-mero: cannot run /none: No such file"),
             (("leaks", "--", "no-such-program"), 2, "^vorn-mero: there is no program no-such-program"),
             (("convert", program), 2, "^vorn-mero: cannot read .*: it is no recording of calls$"),
