@@ -56,7 +56,8 @@ public:
             read_safely(words, read_pointer(made_.block, format->offset), sizeof words);
             entry_.pixel_size = static_cast<std::uint32_t>(pixel_size_of(words[0], words[1]));
         } else if (image != nullptr) {
-            entry_.pixel_size = pixel_size(reinterpret_cast<_nq_cl_mem*>(read_field(made_.block, image->offset)));
+            entry_.pixel_size =
+                pixel_size(static_cast<_nq_cl_mem*>(const_cast<void*>(read_pointer(made_.block, image->offset))));
         }
         for (field const& each : about_) {
             if (each.direction == direction::in) {

@@ -30,10 +30,10 @@ std::optional<bytes> copy(void const* from, std::size_t size) {
 std::optional<bytes> copy_text(void const* from) {
     constexpr std::size_t page = 4096;
     bytes made;
-    for (auto at = reinterpret_cast<std::uintptr_t>(from);;) {
+    for (auto const* at = static_cast<std::byte const*>(from);;) {
         std::array<std::byte, page> piece; // NOLINT(cppcoreguidelines-pro-type-member-init): filled
-        std::size_t const size = page - at % page;
-        if (!read_safely(piece.data(), reinterpret_cast<void const*>(at), size)) {
+        std::size_t const size = page - reinterpret_cast<std::uintptr_t>(at) % page;
+        if (!read_safely(piece.data(), at, size)) {
             return std::nullopt;
         }
         std::byte const* const end = piece.data() + size;

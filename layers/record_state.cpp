@@ -95,7 +95,7 @@ void write_contents(written const& each) {
 
 void write_shared(bool is_result) {
     for (auto& [address, each] : all().memory.shared()) {
-        auto const content = each.is_fine ? copy(reinterpret_cast<void const*>(address), each.size) : std::nullopt;
+        auto const content = each.is_fine ? copy(read_pointer(&address, 0), each.size) : std::nullopt;
         std::uint64_t const kept = content ? all().file.keep(*content) + 1 : each.content;
         if (kept != each.content) {
             each.content = kept;

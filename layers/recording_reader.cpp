@@ -47,7 +47,7 @@ Entry take(memory& body) {
 
 std::string take_text(memory& body, std::size_t size) {
     expect(body.size() >= size, "a name is too short");
-    std::string const text(reinterpret_cast<char const*>(body.data()), size);
+    std::string text(reinterpret_cast<char const*>(body.data()), size);
     body = body.subspan(size);
     return text;
 }
