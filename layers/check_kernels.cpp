@@ -183,8 +183,12 @@ void note_kernel(call const& made, description const& about, bool succeeded) {
         return;
     }
     auto const* const set = as<block::clSetKernelArg>(made, &about);
-    auto const handle = set != nullptr ? object_in(*set) : std::nullopt;
-    auto const object = handle ? find_object(*handle) : std::nullopt;
+    void* const handle = set != nullptr ? object_in(*set).value_or(nullptr) : nullptr;
+    bool counts = false;
+    if (auto const object = find_object(handle); handle != nullptr && object) {
+        bool const is_counted = object->kind == object_kind::memory || object->kind == object_kind::sampler;
+        counts = is_counted && object->released_at == nullptr;
+    }
     std::scoped_lock const lock{all().mutex};
     kernel_state& each = all().kernels[first_field(made, about)];
     if (each.setter == std::this_thread::get_id()) {
@@ -193,9 +197,8 @@ void note_kernel(call const& made, description const& about, bool succeeded) {
     if (set == nullptr || !succeeded) {
         return;
     }
-    bool const counts = object && (object->kind == object_kind::memory || object->kind == object_kind::sampler);
-    if (counts && object->released_at == nullptr) {
-        each.objects[set->arg_index] = *handle;
+    if (counts) {
+        each.objects[set->arg_index] = handle;
     } else {
         each.objects.erase(set->arg_index);
     }

@@ -89,10 +89,11 @@ bool unmap(call const& made, void const* pointer, void* owner, bool is_known) {
 }
 
 void add(call const& made, void const* pointer, region each) {
-    if (pointer == nullptr) {
+    description const* const about = made.about();
+    if (pointer == nullptr || about == nullptr) {
         return;
     }
-    each.entry = made.about()->name;
+    each.entry = about->name;
     each.where = here();
     std::uintptr_t const begin = number_of(pointer);
     std::scoped_lock const lock{all().mutex};

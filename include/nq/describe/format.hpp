@@ -35,7 +35,8 @@ inline std::string names_of_bits(value_set const& values, std::uint64_t value) {
     for (value_name const& each : values) {
         auto const bits = static_cast<std::uint64_t>(each.value);
         if (bits != 0 && (value & bits) == bits) {
-            text += (text.empty() ? "" : "|") + std::string(each.name);
+            text += text.empty() ? "" : "|";
+            text += each.name;
             value &= ~bits;
         }
     }
@@ -268,7 +269,8 @@ private:
         if (!read(&about, pointer, sizeof about)) {
             return address(pointer);
         }
-        std::string text = "{" + name_of(values::mem_object_type, about.image_type);
+        std::string text = "{";
+        text += name_of(values::mem_object_type, about.image_type);
         auto const add = [&text](char const* name, std::size_t number) {
             text += number != 0 ? std::string(", ") + name + '=' + std::to_string(number) : "";
         };
