@@ -60,7 +60,7 @@ std::string text(call const& made, Block question) {
 
 // Its type and name, if OpenCL or the source of the program tell; else empty.
 std::string declaration(call const& made, _nq_cl_kernel* kernel, std::uint32_t argument) {
-    std::string const type = text(
+    std::string type = text(
         made,
         block::clGetKernelArgInfo{.kernel = kernel, .arg_index = argument, .param_name = "CL_KERNEL_ARG_TYPE_NAME"_cl});
     if (!type.empty()) {
