@@ -244,11 +244,11 @@ int nq_get_root_devices(std::uint64_t capacity, nq::device* devices, std::uint64
     return nq::result::success;
 }
 
-int nq_find_capability_nodes(nq::device device, nq::capability version, std::uint64_t capacity,
+int nq_find_capability_nodes(nq::device device, nq::capability capability, std::uint64_t capacity,
                              nq::capability_node* nodes, std::uint64_t* count, void*) {
     *count = 1;
     std::fill_n(nodes, std::min<std::uint64_t>(capacity, 1),
-                nq::capability_node{device, static_cast<std::uint64_t>(version)});
+                nq::capability_node{device, static_cast<std::uint64_t>(capability)});
     return nq::result::success;
 }
 
