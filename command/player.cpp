@@ -168,8 +168,9 @@ void player::perform_call(read_call const& call) {
 // Whether the size of a pixel, which all lengths of images come from, is that of the image.
 bool player::has_right_pixels(read_call const& call) {
     field const* const format = find(*call.about, "image_format");
-    field const* const image = find(*call.about, "image");
-    if (call.entry.pixel_size == 0) {
+    bool const is_command = std::string_view(call.about->name).starts_with("clEnqueue");
+    field const* const image = is_command ? find(*call.about, "image") : nullptr;
+    if (call.entry.pixel_size == 0 && image == nullptr) {
         return true;
     }
     if (format != nullptr) {
