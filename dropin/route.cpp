@@ -12,6 +12,7 @@
 
 #include <algorithm>
 #include <atomic>
+#include <cstdint>
 #include <memory>
 #include <string_view>
 #include <vector>
@@ -21,7 +22,8 @@ namespace {
 
 struct routes {
     std::vector<route> all;
-    bool only_one; // implementation: its objects need not begin with a table
+    std::vector<void const*> others; // the tables of platforms that libnq does not offer
+    bool only_one;                   // implementation: its objects need not begin with a table
 };
 
 // Never freed, and its call handles are never closed: a program may make calls until its very end.
@@ -80,10 +82,14 @@ void add(routes& to, nq::device device) {
     }
 }
 
-cl_uint count_platforms() noexcept {
+std::vector<cl_platform_id> list_platforms() {
     auto* const list = reinterpret_cast<decltype(&clGetPlatformIDs)>(function_behind("clGetPlatformIDs"));
     cl_uint count = 0;
-    return list != nullptr && list(0, nullptr, &count) == CL_SUCCESS ? count : 0;
+    if (list == nullptr || list(0, nullptr, &count) != CL_SUCCESS) {
+        return {};
+    }
+    std::vector<cl_platform_id> platforms(count);
+    return list(count, platforms.data(), nullptr) == CL_SUCCESS ? platforms : std::vector<cl_platform_id>();
 }
 
 // A tool that watches OpenCL is preloaded before the drop-in. libnq performs calls by it, and it may make them here:
@@ -111,7 +117,11 @@ std::unique_ptr<routes const> discover() {
     for (nq::device const each : devices) {
         add(*made, each);
     }
-    made->only_one = count_platforms() == 1;
+    auto const platforms = list_platforms();
+    made->only_one = platforms.size() == 1;
+    for (std::size_t i = 0; i != platforms.size() && !made->only_one; ++i) {
+        made->others.push_back(first_word(platforms[i]));
+    }
     return made;
 }
 
@@ -141,15 +151,19 @@ route const* find_route(void const* object) noexcept {
     if (found == nullptr && (found = ask()) == nullptr) {
         return nullptr;
     }
-    if (object == nullptr || found->only_one) {
+    bool const is_aligned = reinterpret_cast<std::uintptr_t>(object) % alignof(void*) == 0;
+    if (object == nullptr || found->only_one || !is_aligned) {
         return &found->all.front();
     }
+    void const* const table = first_word(object);
     for (route const& each : found->all) {
-        if (each.table == first_word(object)) {
+        if (each.table == table) {
             return &each;
         }
     }
-    return nullptr;
+    // Memory that was an object, or never was one: the layers see the call before it crashes.
+    bool const is_object = std::find(found->others.begin(), found->others.end(), table) != found->others.end();
+    return is_object ? nullptr : &found->all.front();
 }
 
 bool is_forked() noexcept { return forked; }

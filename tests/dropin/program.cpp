@@ -1,6 +1,6 @@
 // A program of the Khronos C++ bindings, which knows nothing of libnq. Prints what it sees of each platform, or of one.
 //
-//     program [PLATFORM [leak]]
+//     program [PLATFORM [leak | released]]
 
 #define CL_HPP_ENABLE_EXCEPTIONS
 #define CL_HPP_MINIMUM_OPENCL_VERSION 100
@@ -88,7 +88,7 @@ std::string loader() {
     return ask != nullptr && ask(3, sizeof name, name, nullptr) == CL_SUCCESS ? name : "another";
 }
 
-void see(cl::Platform const& platform, bool leak) {
+void see(cl::Platform const& platform, std::string const& mistake) {
     std::printf("%s\n", platform.getInfo<CL_PLATFORM_NAME>().c_str());
     std::vector<cl::Device> devices;
     platform.getDevices(CL_DEVICE_TYPE_ALL, &devices);
@@ -98,8 +98,15 @@ void see(cl::Platform const& platform, bool leak) {
     report("link", [&] { return link(here); });
     report("properties", [&] { return properties(here); });
     report("GPUs", [&] { return std::to_string(cl::Context(CL_DEVICE_TYPE_GPU).getInfo<CL_CONTEXT_NUM_DEVICES>()); });
-    if (leak) {
+    if (mistake == "leak") {
         clRetainContext(here.context());
+    } else if (mistake == "released") { // which crashes, or does not
+        cl::Program program(here.context, "kernel void one(int a) {}");
+        program.build();
+        cl_int const value = 1;
+        cl_kernel const kernel = clCreateKernel(program(), "one", nullptr);
+        clReleaseKernel(kernel);
+        clSetKernelArg(kernel, 0, sizeof value, &value);
     }
 }
 
@@ -110,7 +117,7 @@ int main(int count, char** arguments) {
     cl::Platform::get(&platforms);
     for (cl::Platform const& each : platforms) {
         if (count < 2 || each.getInfo<CL_PLATFORM_NAME>() == arguments[1]) {
-            see(each, count > 2);
+            see(each, count > 2 ? arguments[2] : "");
         }
     }
     report("null objects", null_objects);
