@@ -20,6 +20,7 @@
 #include <functional>
 #include <stdexcept>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace {
@@ -58,7 +59,7 @@ void convert(std::vector<std::string> const& recordings, std::string const& outp
         auto const log = nq::layer::trace::read_log(each);
         processes.emplace_back(log.head, log.chunks);
     }
-    std::ranges::stable_sort(processes, {}, [](auto const& each) { return each.head().rank; });
+    std::ranges::sort(processes, {}, [](auto const& each) { return std::pair(each.head().rank, each.head().process); });
     std::string const why = nq::layer::trace::write_trace(output, processes);
     if (!why.empty()) {
         throw std::runtime_error(why);
@@ -72,6 +73,19 @@ void remove_old(std::string const& output) {
     }
 }
 
+// Whether the output can be written, before the program runs: by a file beside it, which goes again.
+void probe(std::string const& output, std::string const& beside) {
+    std::FILE* const file = fs::is_directory(output) ? nullptr : std::fopen(beside.c_str(), "w");
+    if (file == nullptr) {
+        throw std::runtime_error("cannot write " + output + ": " +
+                                 std::strerror(fs::is_directory(output) ? EISDIR : errno));
+    }
+    std::fclose(file);
+    if (fs::is_regular_file(beside)) {
+        fs::remove(beside);
+    }
+}
+
 int trace(options const& with) {
     std::string const output = nq::layer::trace::expanded(with.output);
     std::string const part = nq::layer::trace::recording_of(output);
@@ -79,12 +93,7 @@ int trace(options const& with) {
         throw std::runtime_error("the name of the output cannot have a comma");
     }
     remove_old(output);
-    if (std::FILE* const probe = std::fopen(part.c_str(), "w"); probe != nullptr) {
-        std::fclose(probe);
-        fs::remove(part);
-    } else {
-        throw std::runtime_error("cannot write " + output + ": " + std::strerror(errno));
-    }
+    probe(output, part);
     int const status = run_under("trace",
                                  "keep,output=" + output + ",limit=" + std::to_string(with.limit) +
                                      (with.profile ? ",profile" : "") + (with.summary ? ",summary" : ""),
@@ -116,6 +125,7 @@ int sweep(options& with) {
 
 int record(options const& with) {
     remove_old(with.session);
+    probe(with.session, with.session);
     int const status = run_under("record", "output=" + with.session, with.program);
     if (!fs::exists(with.session)) {
         std::fprintf(stderr, "vorn-mero: %s made no call through libnq, so there is no recording\n",

@@ -5,9 +5,11 @@
 #include <sys/prctl.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
+#include <sys/xattr.h>
 #include <unistd.h>
 
 #include <algorithm>
+#include <array>
 #include <cctype>
 #include <cerrno>
 #include <csignal>
@@ -22,6 +24,8 @@ namespace nq::command {
 namespace {
 
 namespace fs = std::filesystem;
+
+constexpr int not_run = 127;
 
 [[noreturn]] void give_up(std::string const& what) { throw std::runtime_error(what); }
 
@@ -69,6 +73,9 @@ void check(fs::path const& program) {
                         ((about.st_mode & S_ISGID) != 0 && about.st_gid != getegid());
     if (raised) {
         give_up(program.string() + " runs with another user's rights, and ignores what is preloaded; run a copy of it");
+    }
+    if (getxattr(program.c_str(), "security.capability", nullptr, 0) > 0) {
+        give_up(program.string() + " has capabilities, and ignores what is preloaded; run a copy of it");
     }
     if (is_static(program)) {
         give_up(program.string() + " is linked statically, and has no place for a layer; link it dynamically");
@@ -122,18 +129,35 @@ launch::launch(std::vector<layer_use> layers, command_line program)
     }
 }
 
+// Waits until the child is the program, or has told why not.
+pid_t launch::begun(pid_t child, std::array<int, 2> const& told) const {
+    close(told[1]);
+    int why = 0;
+    bool const is_begun = read(told[0], &why, sizeof why) != sizeof why;
+    close(told[0]);
+    if (!is_begun) {
+        waitpid(child, nullptr, 0);
+        give_up("cannot run " + path_ + ": " +
+                (why == ENOEXEC  ? "it is no program; let a script begin with #! and its interpreter"
+                 : why == ENOENT ? "the interpreter that it names is not there"
+                                 : std::strerror(why)));
+    }
+    return child;
+}
+
 pid_t launch::start(int errors) const {
     std::vector<char*> arguments;
     for (std::string const& each : arguments_) {
         arguments.push_back(const_cast<char*>(each.c_str()));
     }
     arguments.push_back(nullptr);
-    pid_t const child = fork();
+    std::array<int, 2> told{}; // why the program does not begin; closed when it does
+    pid_t const child = pipe2(told.data(), O_CLOEXEC) == 0 ? fork() : -1;
     if (child < 0) {
         give_up("cannot run " + path_ + ": " + std::strerror(errno));
     }
     if (child != 0) {
-        return child;
+        return begun(child, told);
     }
     if (errors >= 0) {
         int const nothing = open("/dev/null", O_RDWR | O_CLOEXEC);
@@ -154,13 +178,18 @@ pid_t launch::start(int errors) const {
         setenv(variable.c_str(), each.settings.c_str(), 1);
     }
     execv(path_.c_str(), arguments.data());
-    _exit(127);
+    int const why = errno;
+    static_cast<void>(write(told[1], &why, sizeof why));
+    _exit(not_run);
 }
 
 int shell_status(int status) noexcept { return WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status); }
 
 int run_under(std::string const& layer, std::string const& settings, command_line const& program) {
     pid_t const child = launch({{layer, settings}}, program).start();
+    // These end the program; what it did is still to be written.
+    std::signal(SIGINT, SIG_IGN);
+    std::signal(SIGQUIT, SIG_IGN);
     int status = 0;
     if (waitpid(child, &status, 0) != child) {
         give_up("cannot wait for " + program.at(0) + ": " + std::strerror(errno));

@@ -4,6 +4,7 @@
 
 #include <sys/types.h>
 
+#include <array>
 #include <string>
 #include <utility>
 #include <vector>
@@ -34,6 +35,8 @@ public:
     void set(std::string settings) { layers_.back().settings = std::move(settings); }
 
 private:
+    pid_t begun(pid_t child, std::array<int, 2> const& told) const;
+
     std::vector<layer_use> layers_;
     command_line arguments_;
     std::string path_;

@@ -110,6 +110,9 @@ def breaches_of_command(command, program):
         else:
             print("not root: no program with another user's rights can be made")
         raised.chmod(0o4755)
+        script = pathlib.Path(place) / "script"
+        script.write_text("true\n")
+        script.chmod(0o755)
         table = (
             (("trace", "-o", output, "--", program, PLATFORM, "abandon"), 7, "did not come to its end"),
             (("errors", "--", program, PLATFORM, "name"), 0, "^nq-errors: clCreateKernel"),
@@ -125,6 +128,8 @@ def breaches_of_command(command, program):
             *([(("check", "--", raised), 2, r"\Avorn-mero: .*/raised runs with another user's rights.*\n\Z")]
               if os.geteuid() == 0 else []),
             (("leaks", "--", "/none"), 2, "^vorn-mero: cannot run /none: No such file"),
+            (("leaks", "--", script), 2, "^vorn-mero: cannot run .*/script: it is no program; let a script"),
+            (("trace", "-o", place, "--", "true"), 2, "^vorn-mero: cannot write .*: Is a directory"),
             (("leaks", "--", "no-such-program"), 2, "^vorn-mero: there is no program no-such-program"),
             (("convert", program), 2, "^vorn-mero: cannot read .*: it is no recording of calls$"),
         )
