@@ -35,7 +35,6 @@ std::string table_row(std::string const& first, std::vector<std::string> const& 
 // A call takes its effect on objects within it: releases as it begins, as another thread may then get the same address.
 std::vector<kept_objects> report::not_released() const {
     struct effect {
-        std::uint64_t time;
         object_change change;
         char const* entry;
     };
@@ -44,24 +43,23 @@ std::vector<kept_objects> report::not_released() const {
         std::int64_t references;
         std::uint64_t time;
     };
-    std::vector<effect> effects;
+    std::multimap<std::uint64_t, effect> effects; // by time
     for (one_call const& each : calls_) {
         if (failed(each)) {
             continue;
         }
         memory_reader const memory = memory_of(each);
         for (object_change const& change : released_by(*each.is, each.tail.data(), memory)) {
-            effects.push_back({each.about.begin, change, each.is->name});
+            effects.emplace(each.about.begin, effect{change, each.is->name});
         }
         for (object_change const& change : made_by(*each.is, each.tail.data(), memory)) {
-            effects.push_back({each.about.end, change, each.is->name});
+            effects.emplace(each.about.end, effect{change, each.is->name});
         }
     }
-    std::ranges::stable_sort(effects, {}, &effect::time);
     std::map<void*, object> living;
-    for (effect const& each : effects) {
+    for (auto const& [time, each] : effects) {
         if (each.change.is_new) {
-            living[each.change.address] = {each.entry, 1, each.time};
+            living[each.change.address] = {each.entry, 1, time};
         } else if (auto const found = living.find(each.change.address); found != living.end()) {
             found->second.references += each.change.references;
             if (found->second.references <= 0) {
