@@ -5,6 +5,7 @@
 #include <nq/describe.hpp>
 #include <vorn/mero/internal/call_capability.hpp>
 
+#include <atomic>
 #include <chrono>
 #include <mutex>
 #include <stdexcept>
@@ -64,16 +65,17 @@ void unmap(session& here, void* mapped) {
 void share_kernel(session& here, bool locked) {
     cl::kernel kernel = here.kernel("scale");
     std::mutex mutex;
+    std::atomic<int> ready{0};
     auto const work = [&] {
-        for (int i = 0; i < 60; ++i) {
-            {
-                std::unique_lock lock(mutex, std::defer_lock);
-                if (locked) {
-                    lock.lock();
-                }
-                kernel.set_argument(0, here.buffer);
+        for (++ready; ready != 2;) {
+            std::this_thread::yield();
+        }
+        for (int i = 0; i < 5000; ++i) {
+            std::unique_lock lock(mutex, std::defer_lock);
+            if (locked) {
+                lock.lock();
             }
-            std::this_thread::sleep_for(std::chrono::milliseconds(1));
+            kernel.set_argument(0, here.buffer);
         }
     };
     std::thread other(work);
