@@ -5,7 +5,6 @@
 #include <string_view>
 
 namespace nq::layer::trace {
-namespace {
 
 std::string microseconds(std::uint64_t nanoseconds) {
     std::array<char, 32> text{};
@@ -13,6 +12,8 @@ std::string microseconds(std::uint64_t nanoseconds) {
                   static_cast<unsigned long long>(nanoseconds % 1000));
     return text.data();
 }
+
+namespace {
 
 // A `<` would end the script of a page that holds the text.
 std::string escaped(std::string_view text) {

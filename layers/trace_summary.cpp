@@ -11,13 +11,6 @@
 namespace nq::layer::trace {
 namespace {
 
-std::string microseconds(std::uint64_t nanoseconds) {
-    std::array<char, 32> text{};
-    std::snprintf(text.data(), text.size(), "%llu.%03llu", static_cast<unsigned long long>(nanoseconds / 1000),
-                  static_cast<unsigned long long>(nanoseconds % 1000));
-    return text.data();
-}
-
 // A table's row: the name, then numbers, with as many digits as they need.
 std::string table_row(std::string const& first, std::vector<std::string> const& others) {
     std::array<char, 64> cell{};

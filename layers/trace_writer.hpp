@@ -66,6 +66,9 @@ private:
     std::uint64_t arrows_ = 0;
 };
 
+/// With three digits after the point.
+std::string microseconds(std::uint64_t nanoseconds);
+
 /// Events as JSON, which ui.perfetto.dev and chrome://tracing open. Owns the file.
 std::unique_ptr<writer> make_json(std::FILE* to);
 
