@@ -4,44 +4,28 @@
 #define CL_USE_DEPRECATED_OPENCL_1_2_APIS
 #include <CL/cl.h>
 
+#include "../../bridge/argument.hpp"
+
 #include <nq/commands.hpp>
 #include <nq/nq.hpp>
 
 #include <array>
-#include <bit>
-#include <type_traits>
 #include <utility>
 
 namespace {
 
 namespace block = nq::block;
+using nq::bridge::argument;
 using command = int (*)(void*);
-
-// A field of a block, converted to any parameter, and a result, converted to any field.
-template <class Field>
-struct as {
-    Field field;
-
-    template <class Other>
-    operator Other() const noexcept {
-        if constexpr (std::is_pointer_v<Other>) {
-            return std::bit_cast<Other>(field);
-        } else {
-            return static_cast<Other>(field);
-        }
-    }
-};
-template <class Field>
-as(Field) -> as<Field>;
 
 template <class Block, class Function, class... Fields>
 void give_status(Block& block, Function* function, Fields... fields) {
-    block.status = function(as{fields}...);
+    block.status = function(argument{fields}...);
 }
 
 template <class Block, class Function, class... Fields>
 void give_result(Block& block, Function* function, Fields... fields) {
-    block.result = as{function(as{fields}..., &block.error_code)};
+    block.result = argument{function(argument{fields}..., &block.error_code)};
 }
 
 #define STATUS(entry, ...)                                                                                             \
@@ -61,7 +45,7 @@ cl_device_id the_device() {
     return device;
 }
 
-void perform(block::call_handle_device& b) { b.result = as{the_device()}; }
+void perform(block::call_handle_device& b) { b.result = argument{the_device()}; }
 
 INFO(clGetPlatformInfo, platform)
 INFO(clGetDeviceInfo, device)
@@ -100,8 +84,8 @@ STATUS(clReleaseProgram, b.program)
 STATUS(clFlush, b.command_queue)
 STATUS(clFinish, b.command_queue)
 
-void perform(block::clSVMAlloc& b) { b.result = clSVMAlloc(as{b.context}, b.flags, b.size, b.alignment); }
-void perform(block::clSVMFree& b) { clSVMFree(as{b.context}, b.svm_pointer); }
+void perform(block::clSVMAlloc& b) { b.result = clSVMAlloc(argument{b.context}, b.flags, b.size, b.alignment); }
+void perform(block::clSVMFree& b) { clSVMFree(argument{b.context}, b.svm_pointer); }
 
 ENQUEUE(clEnqueueReadBuffer, b.command_queue, b.buffer, b.blocking_read, b.offset, b.size, b.ptr)
 ENQUEUE(clEnqueueWriteBuffer, b.command_queue, b.buffer, b.blocking_write, b.offset, b.size, b.ptr)
