@@ -179,7 +179,7 @@ pid_t launch::start(int errors) const {
     }
     execv(path_.c_str(), arguments.data());
     int const why = errno;
-    static_cast<void>(write(told[1], &why, sizeof why));
+    [[maybe_unused]] ssize_t const wrote = write(told[1], &why, sizeof why);
     _exit(not_run);
 }
 
