@@ -2,6 +2,8 @@
 
 #include "extract.hpp"
 
+#include "../layers/progress.hpp"
+
 #include <cstdio>
 #include <stdexcept>
 
@@ -24,16 +26,20 @@ int replay(replay_options const& with) {
         std::puts(line.c_str());
     }
     std::uint64_t lines = 0;
-    auto const print = [&lines](std::string const& line) {
+    progress shown(from.calls.size(), "calls");
+    auto const print = [&](std::string const& line) {
         if (++lines <= most_lines) {
+            shown.clear();
             std::puts(line.c_str());
         }
     };
     if (!with.folder.empty()) {
         extractor wanted(with.kernel, with.nth);
         comparison const before = on.run(print, [&](player& running, std::size_t index, bool is_before) {
+            shown.show(index);
             return wanted.watch(running, index, is_before);
         });
+        shown.clear();
         if (!wanted.is_found()) {
             throw std::runtime_error(wanted.missing());
         }
@@ -42,7 +48,11 @@ int replay(replay_options const& with) {
                     with.folder.c_str());
         return before.different == 0 ? 0 : 1;
     }
-    comparison const done = on.run(print);
+    comparison const done = on.run(print, [&](player&, std::size_t index, bool) {
+        shown.show(index);
+        return true;
+    });
+    shown.clear();
     if (lines > most_lines) {
         std::printf("and %s more\n", plural(lines - most_lines, "difference").c_str());
     }

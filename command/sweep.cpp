@@ -1,5 +1,7 @@
 #include "sweep.hpp"
 
+#include "../layers/progress.hpp"
+
 #include <sys/mman.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -122,19 +124,20 @@ public:
         std::uint64_t const all = (calls + options_.step - 1) / options_.step * options_.failures.size();
         std::printf("%llu calls, %llu runs\n", static_cast<unsigned long long>(calls),
                     static_cast<unsigned long long>(all));
+        progress_.emplace(all, "runs");
         for (std::string const& failure : options_.failures) {
             for (std::uint64_t call = 1; call <= calls; call += options_.step) {
                 while (running_.size() >= options_.jobs) {
                     wait_for_one();
                 }
                 start("call=" + std::to_string(call) + ":" + failure);
-                show_progress(all);
+                progress_->advance();
             }
         }
         while (!running_.empty()) {
             wait_for_one();
         }
-        show_progress(0);
+        progress_.reset();
         return print_all();
     }
 
@@ -148,7 +151,6 @@ private:
         error_file errors;
         pid_t const process = program_.start(errors.number());
         running_.push_back({process, std::move(errors), clock::now(), rule});
-        ++started_;
     }
 
     // The program as it is. The layer reads how calls shall fail, and refuses what it does not know.
@@ -219,19 +221,8 @@ private:
             ++outcomes_["ended with exit status " + std::to_string(status)];
         } else {
             ++broke_;
-            show_progress(0);
+            progress_->clear();
             std::printf("%-40s %-30s %s\n", ended.rule.c_str(), entry.c_str(), fault.c_str());
-        }
-    }
-
-    void show_progress(std::uint64_t all) const {
-        if (isatty(STDERR_FILENO) != 0) {
-            if (all == 0) {
-                std::fprintf(stderr, "\r\033[K");
-            } else {
-                std::fprintf(stderr, "\r%llu of %llu", static_cast<unsigned long long>(started_ - 1),
-                             static_cast<unsigned long long>(all));
-            }
         }
     }
 
@@ -247,8 +238,8 @@ private:
     sweep_options options_;
     launch program_;
     std::vector<run> running_;
-    std::uint64_t started_ = 0;
     std::uint64_t broke_ = 0;
+    std::optional<progress> progress_{};
     int own_status_ = 0;
     clock::duration limit_{};
     std::map<std::string, std::uint64_t> outcomes_;

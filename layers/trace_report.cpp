@@ -191,7 +191,7 @@ std::vector<std::uint64_t> report::waited_for(one_call const& by) const {
     return events;
 }
 
-void report::write_calls(writer& to, all_arrows const& arrows, std::int64_t shift) const {
+void report::write_calls(writer& to, all_arrows const& arrows, std::int64_t shift, progress& shown) const {
     std::set<std::uint32_t> threads;
     for (one_call const& each : calls_) {
         if (threads.insert(each.thread).second) {
@@ -204,10 +204,11 @@ void report::write_calls(writer& to, all_arrows const& arrows, std::int64_t shif
             made.arrows.back().begins = true;
         }
         to.add(made);
+        shown.advance();
     }
 }
 
-void report::write_commands(writer& to, all_arrows const& arrows, std::int64_t shift) const {
+void report::write_commands(writer& to, all_arrows const& arrows, std::int64_t shift, progress& shown) const {
     std::map<std::uint64_t, std::uint64_t> rows; // by queue: the first
     std::set<std::uint64_t> known;
     for (std::size_t i = 0; i < commands_.size(); ++i) {
@@ -229,6 +230,7 @@ void report::write_commands(writer& to, all_arrows const& arrows, std::int64_t s
                                     std::to_string(each.about.started - each.about.submitted));
         made.arrows = arrows[i];
         to.add(made);
+        shown.advance();
     }
 }
 
@@ -256,11 +258,12 @@ report::all_arrows report::find_arrows(writer& to) const {
     return found;
 }
 
-void report::write(writer& to, std::int64_t number, std::string const& name, std::int64_t shift) const {
+void report::write(writer& to, std::int64_t number, std::string const& name, std::int64_t shift,
+                   progress& shown) const {
     to.begin_process(number, name);
     all_arrows const arrows = find_arrows(to);
-    write_calls(to, arrows, shift);
-    write_commands(to, arrows, shift);
+    write_calls(to, arrows, shift, shown);
+    write_commands(to, arrows, shift, shown);
     for (kept_objects const& each : not_released()) {
         to.add(each);
     }
@@ -274,6 +277,11 @@ std::string write_trace(std::string const& path, std::vector<report> const& proc
     bool const is_perfetto = path.ends_with(".pftrace") || path.ends_with(".perfetto-trace");
     auto const to = is_perfetto ? make_perfetto(file) : path.ends_with(".html") ? make_page(file) : make_json(file);
     bool const alone = processes.size() == 1;
+    std::uint64_t slices = 0;
+    for (report const& each : processes) {
+        slices += each.slices();
+    }
+    progress shown(slices, "slices of " + path);
     for (std::size_t i = 0; i < processes.size(); ++i) {
         file_head const& of = processes[i].head();
         bool const ranked = of.rank >= 0;
@@ -283,7 +291,7 @@ std::string write_trace(std::string const& path, std::vector<report> const& proc
                            : ranked ? of.rank + 1
                                     : static_cast<std::int64_t>(i) + 1,
                            ranked ? "rank " + std::to_string(of.rank) + ": " + process : process,
-                           shift_to(processes.front().head(), of));
+                           shift_to(processes.front().head(), of), shown);
     }
     return to->close() ? "" : "cannot write all of " + path;
 }

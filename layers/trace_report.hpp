@@ -2,6 +2,7 @@
 
 // What a recorded trace says, as a file for trace viewers and as a table.
 
+#include "progress.hpp"
 #include "trace_log.hpp"
 #include "trace_writer.hpp"
 
@@ -27,8 +28,11 @@ public:
 
     file_head const& head() const noexcept { return of_; }
 
-    /// Writes it as a process. `shift` is added to all times, in nanoseconds.
-    void write(writer& to, std::int64_t number, std::string const& name, std::int64_t shift) const;
+    /// How many slices `write` adds.
+    std::uint64_t slices() const noexcept { return calls_.size() + commands_.size(); }
+
+    /// Writes it as a process. `shift` is added to all times, in nanoseconds. `shown` advances with each slice.
+    void write(writer& to, std::int64_t number, std::string const& name, std::int64_t shift, progress& shown) const;
 
     /// A table of the entry points, and one of the commands on devices, in lines.
     std::vector<std::string> summary() const;
@@ -60,8 +64,8 @@ private:
     void choose_lanes();
     std::vector<std::uint64_t> waited_for(one_call const& by) const;
     all_arrows find_arrows(writer& to) const;
-    void write_calls(writer& to, all_arrows const& arrows, std::int64_t shift) const;
-    void write_commands(writer& to, all_arrows const& arrows, std::int64_t shift) const;
+    void write_calls(writer& to, all_arrows const& arrows, std::int64_t shift, progress& shown) const;
+    void write_commands(writer& to, all_arrows const& arrows, std::int64_t shift, progress& shown) const;
     std::vector<kept_objects> not_released() const;
 
     static std::vector<std::pair<std::string, std::string>> arguments_of(one_call const& made);

@@ -10,6 +10,7 @@ import collections
 import json
 import os
 import pathlib
+import pty
 import re
 import subprocess
 import sys
@@ -223,12 +224,16 @@ def breaches_of_completion(command):
 
 def breaches_of_sweep(command, program):
     """Each call fails once; what a program does badly then is a line with the call."""
+    terminal, end = pty.openpty()
     done = subprocess.run([command, "sweep", "-f", "-6", "--timeout", "5", "--", program, PLATFORM, "careless"],
-                          capture_output=True, text=True, timeout=200)
+                          stdout=subprocess.PIPE, stderr=end, text=True, timeout=200)
+    drawn = os.read(terminal, 1 << 16).decode()
+    if not re.search(r"\[#+ +\] \d+ of \d+ runs", drawn) or not drawn.endswith("\r\033[K"):
+        yield f"the bar on a terminal: {drawn!r}"
     wanted = (r"^\d+ calls, \d+ runs$", r"^call=\d+:-6 +clCreateUserEvent +1 object not released$",
               r"^call=\d+:-6 +clFlush +ends by SIGABRT$", r"^call=\d+:-6 +clFinish +hangs$", "^3 broke;")
     if done.returncode != 1 or any(not re.search(each, done.stdout, re.M) for each in wanted):
-        yield f"exit status {done.returncode}, {done.stdout}{done.stderr}"
+        yield f"exit status {done.returncode}, {done.stdout}{drawn}"
     done = subprocess.run([command, "sweep", "-f", "-6", "-f", "CL_SOMETHING", "--", program, PLATFORM, "none"],
                           capture_output=True, text=True, timeout=200)
     if done.returncode != 2 or "not 'CL_SOMETHING'" not in done.stderr:
