@@ -182,12 +182,17 @@ leaves read(std::string const& file) {
     if (!from || is_folder) {
         throw std::runtime_error("cannot read " + file + ": " + std::strerror(is_folder ? EISDIR : errno));
     }
+    auto const give_up = [&file] { throw std::runtime_error(file + " is not what vorn-mero info --json writes"); };
     ordered_json const all = ordered_json::parse(from, nullptr, false);
     if (all.is_discarded() || !all.is_object() || !all.contains("platforms")) {
-        throw std::runtime_error(file + " is not what vorn-mero info --json writes");
+        give_up();
     }
     leaves found;
-    flatten(all, "", found);
+    try {
+        flatten(all, "", found);
+    } catch (ordered_json::exception const&) { // a name that is no text
+        give_up();
+    }
     return found;
 }
 

@@ -14,6 +14,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <climits>
 #include <cstdio>
 #include <cstring>
 #include <filesystem>
@@ -52,8 +53,41 @@ struct options {
     std::function<int()> action; // of the subcommand
 };
 
+// So that what a script has left empty is told, and not taken for nothing.
+CLI::Validator given(char const* what) {
+    return {[=](std::string const& text) { return text.empty() ? std::string("give ") + what + ", not ''" : ""; }, ""};
+}
+
+// A number in a range, without one that is no number.
+CLI::Validator between(double least, double most, char const* what) {
+    return {[=](std::string const& text) {
+                double number = 0;
+                bool const is_number = CLI::detail::lexical_cast(text, number);
+                return is_number && number >= least && number <= most ? "" : std::string(what) + ", not '" + text + "'";
+            },
+            ""};
+}
+
+// The name of the output, with what stands for numbers replaced. A link to a file stands for the file.
+std::string name_of(std::string const& wanted) {
+    std::string output = nq::layer::trace::expanded(wanted);
+    bool const is_device = output.starts_with("/dev/") || output.starts_with("/proc/");
+    return !is_device && fs::is_symlink(output) && fs::is_regular_file(output) ? fs::canonical(output).string()
+                                                                               : output;
+}
+
 // What programs have left behind that did not come to their end, or were not to write more.
-void convert(std::vector<std::string> const& recordings, std::string const& output) {
+void convert(std::vector<std::string> const& recordings, std::string const& wanted) {
+    std::string const output = name_of(wanted);
+    if (output.ends_with(".part")) {
+        throw std::runtime_error(
+            "convert makes a timeline of NAME.part; end the name of the output with .html, .pftrace "
+            "or .json");
+    }
+    std::error_code none;
+    if (std::ranges::any_of(recordings, [&](auto const& each) { return fs::equivalent(each, output, none); })) {
+        throw std::runtime_error(output + " is a recording; give the output another name");
+    }
     std::vector<nq::layer::trace::report> processes;
     for (std::string const& each : recordings) {
         auto const log = nq::layer::trace::read_log(each);
@@ -66,34 +100,32 @@ void convert(std::vector<std::string> const& recordings, std::string const& outp
     }
 }
 
-// A result of before must not pass for one of now. Devices such as /dev/null stay.
+// A result of before must not pass for one of now. Devices and links, such as /dev/null and /dev/stdout, stay.
 void remove_old(std::string const& output) {
-    if (fs::is_regular_file(output)) {
+    if (fs::is_regular_file(fs::symlink_status(output))) {
         fs::remove(output);
     }
 }
 
 // Whether the output can be written, before the program runs: by a file beside it, which goes again.
 void probe(std::string const& output, std::string const& beside) {
-    std::FILE* const file = fs::is_directory(output) ? nullptr : std::fopen(beside.c_str(), "w");
+    std::FILE* const file = fs::is_directory(output) ? nullptr : std::fopen(beside.c_str(), "a");
     if (file == nullptr) {
         throw std::runtime_error("cannot write " + output + ": " +
                                  std::strerror(fs::is_directory(output) ? EISDIR : errno));
     }
     std::fclose(file);
-    if (fs::is_regular_file(beside)) {
-        fs::remove(beside);
-    }
+    remove_old(beside);
 }
 
 int trace(options const& with) {
-    std::string const output = nq::layer::trace::expanded(with.output);
+    std::string const output = name_of(with.output);
     std::string const part = nq::layer::trace::recording_of(output);
     if (output.find(',') != std::string::npos) {
         throw std::runtime_error("the name of the output cannot have a comma");
     }
     remove_old(output);
-    probe(output, part);
+    probe(output, part.empty() ? output : part);
     int const status = run_under("trace",
                                  "keep,output=" + output + ",limit=" + std::to_string(with.limit) +
                                      (with.profile ? ",profile" : "") + (with.summary ? ",summary" : ""),
@@ -124,10 +156,11 @@ int sweep(options& with) {
 }
 
 int record(options const& with) {
-    remove_old(with.session);
-    probe(with.session, with.session);
-    int const status = run_under("record", "output=" + with.session, with.program);
-    if (!fs::exists(with.session)) {
+    std::string const output = name_of(with.session);
+    remove_old(output);
+    probe(output, output);
+    int const status = run_under("record", "output=" + output, with.program);
+    if (!fs::exists(output)) {
         std::fprintf(stderr, "vorn-mero: %s made no call through libnq, so there is no recording\n",
                      with.program.at(0).c_str());
     }
@@ -147,6 +180,11 @@ int complete(CLI::App const& app, std::vector<std::string> const& words) {
     return 0;
 }
 
+bool has_command(CLI::App const& app, std::string const& name) {
+    auto const all = app.get_subcommands([&](CLI::App const* each) { return each->get_name() == name; });
+    return !all.empty();
+}
+
 void add_exit_status(CLI::App* to, options& with, char const* text) {
     to->add_option("--exit-status", with.exit_status, text)->check(CLI::Range(0, 255))->capture_default_str();
 }
@@ -159,7 +197,9 @@ CLI::App* add(CLI::App& to, options& with, char const* name, char const* text) {
 
 void add_trace(CLI::App& app, options& with) {
     CLI::App* const to_trace = add(app, with, "trace", "write a timeline of calls and commands");
-    to_trace->add_option("-o,--output", with.output, formats)->capture_default_str();
+    to_trace->add_option("-o,--output", with.output, formats)
+        ->check(given("the name of a file"))
+        ->capture_default_str();
     to_trace->add_flag("--profile", with.profile, "switch profiling on, for the times of all commands");
     to_trace->add_flag("--summary", with.summary, "print a table of times");
     to_trace->add_option("--limit", with.limit, "MiB to record at most")->check(CLI::Range(1, 1 << 20));
@@ -174,6 +214,7 @@ void add_finders(CLI::App& app, options& with) {
     add_exit_status(to_check, with, "the exit status if there is any; 0: the program's own");
     CLI::App* const to_faults = add(app, with, "faults", "make calls fail");
     to_faults->add_option("-r,--rule", with.rules, "which calls fail and how, as entry=clCreateBuffer:call=2:-4")
+        ->check(given("a rule such as entry=clCreateBuffer:call=2:-4"))
         ->required();
     to_faults->add_flag("--report", with.report, "print which calls failed");
     to_errors->callback([&with] { with.action = [&with] { return run_under("errors", "", with.program); }; });
@@ -196,27 +237,35 @@ void add_sweep(CLI::App& app, options& with) {
         ->check(CLI::Range(0, 1024));
     to_sweep->add_option("--step", with.sweep.step, "fail one of so many calls")->check(CLI::Range(1, 1 << 30));
     to_sweep->add_option("--timeout", with.sweep.seconds, "seconds after which a run counts as hanging")
-        ->check(CLI::PositiveNumber);
+        ->check(between(0.001, 1e6, "give seconds from 0.001 to 1000000"));
     add_exit_status(to_sweep, with, "the exit status if a run broke; 0: the program's own");
     to_sweep->callback([&with] { with.action = [&with] { return sweep(with); }; });
 }
 
 void add_sessions(CLI::App& app, options& with) {
     CLI::App* const to_record = add(app, with, "record", "write a session to a file, for replay");
-    to_record->add_option("-o,--output", with.session, "the file")->capture_default_str();
+    to_record->add_option("-o,--output", with.session, "the file; %p stands for the number of this process")
+        ->check(given("the name of a file"))
+        ->capture_default_str();
     CLI::App* const to_replay =
         app.add_subcommand("replay", "run a recorded session without the program, and compare the results");
-    to_replay->add_option("recording", with.replay.recording, "what record has written")->required();
-    to_replay->add_option("--platform", with.replay.device.platform, "run it on this platform; a part of its name");
+    to_replay->add_option("recording", with.replay.recording, "what record has written")
+        ->check(given("the name of a file"))
+        ->required();
+    to_replay->add_option("--platform", with.replay.device.platform, "run it on this platform; a part of its name")
+        ->check(given("a part of a name"));
     to_replay->add_option("--device", with.replay.device.number, "run it on this device of the platform, from 0 on")
-        ->check(CLI::NonNegativeNumber);
+        ->check(CLI::Range(0, 9999));
     CLI::Option* const kernel =
-        to_replay->add_option("--kernel", with.replay.kernel, "the kernel of a launch to extract");
+        to_replay->add_option("--kernel", with.replay.kernel, "the kernel of a launch to extract")
+            ->check(given("the name of a kernel"));
     to_replay->add_option("--nth", with.replay.nth, "which launch of the kernel, from 1 on")
-        ->check(CLI::PositiveNumber)
+        ->check(CLI::Range(1, INT_MAX))
+        ->needs(kernel)
         ->capture_default_str();
     CLI::Option* const folder =
-        to_replay->add_option("--extract", with.replay.folder, "write the launch as a program to this folder");
+        to_replay->add_option("--extract", with.replay.folder, "write the launch as a program to this folder")
+            ->check(given("the name of a folder"));
     kernel->needs(folder);
     folder->needs(kernel);
     to_replay->footer("The exit status is 1 if a result differs, and 2 if the session could not be run.");
@@ -227,8 +276,12 @@ void add_sessions(CLI::App& app, options& with) {
 void add_convert(CLI::App& app, options& with) {
     CLI::App* const to_convert = app.add_subcommand(
         "convert", "write one timeline of recordings: of processes, or of a program that did not come to its end");
-    to_convert->add_option("recording", with.recordings, "what trace has left behind, FILE.part")->required();
-    to_convert->add_option("-o,--output", with.output, formats)->capture_default_str();
+    to_convert->add_option("recording", with.recordings, "what trace has left behind, FILE.part")
+        ->check(given("the name of a file"))
+        ->required();
+    to_convert->add_option("-o,--output", with.output, formats)
+        ->check(given("the name of a file"))
+        ->capture_default_str();
     to_convert->callback([&with] {
         with.action = [&with] {
             convert(with.recordings, with.output);
@@ -242,6 +295,7 @@ void add_machine(CLI::App& app, options& with) {
     to_info->add_flag("--json", with.json, "write JSON");
     to_info->add_option("--diff", with.compared, "print what differs between two files that --json has written")
         ->expected(2)
+        ->check(given("the name of a file"))
         ->type_name("BEFORE AFTER");
     to_info->footer("The exit status is 1 if there is no device, or if the files differ.");
     CLI::App* const to_diagnose = app.add_subcommand("doctor", "list the devices, and say why others are missing");
@@ -272,7 +326,18 @@ int main(int count, char** arguments) {
     if (count > 1 && std::strcmp(arguments[1], "--complete") == 0) {
         return complete(app, {arguments + 2, arguments + count});
     }
+    // Where the options of a program are taken for those of the command.
+    app.failure_message([](CLI::App const* of, CLI::Error const& failure) {
+        bool const is_extra = failure.get_exit_code() == static_cast<int>(CLI::ExitCodes::ExtrasError);
+        return CLI::FailureMessage::simple(of, failure) +
+               (is_extra ? "A program with options follows --, as in: vorn-mero errors -- ./program --its-option\n"
+                         : "");
+    });
     try {
+        if (count > 1 && *arguments[1] != '-' && !has_command(app, arguments[1])) {
+            throw std::runtime_error("there is no command '" + std::string(arguments[1]) +
+                                     "'; vorn-mero --help lists those that there are");
+        }
         app.parse(count, arguments);
         return with.action();
     } catch (CLI::ParseError const& failure) {

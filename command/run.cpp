@@ -42,7 +42,8 @@ fs::path find_program(std::string const& name) {
             return candidate;
         }
     }
-    give_up("there is no program " + name + "; give a path such as ./" + name);
+    give_up(name.empty() ? "give the name of a program after --, not ''"
+                         : "there is no program " + name + "; give a path such as ./" + name);
 }
 
 // Programs that are not of this format are scripts, whose interpreter is preloaded.

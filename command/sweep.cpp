@@ -2,6 +2,8 @@
 
 #include "../layers/progress.hpp"
 
+#include <nq/describe.hpp>
+
 #include <sys/mman.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -110,6 +112,17 @@ std::string fault_of(run const& ended, std::string const& entry) {
     return leaks.empty() || releases ? "" : leaks.front();
 }
 
+bool is_entry_point(std::string_view name) {
+    for (std::uint64_t version = 1; version <= 6; ++version) {
+        for (std::uint32_t id = 1; describe(capability{version}, id) != nullptr; ++id) {
+            if (describe(capability{version}, id)->name == name) {
+                return true;
+            }
+        }
+    }
+    return false;
+}
+
 class sweeper {
 public:
     sweeper(command_line const& program, sweep_options options)
@@ -120,10 +133,15 @@ public:
     }
 
     int perform() {
+        for (std::string const& each : options_.except) {
+            if (!is_entry_point(each)) {
+                throw std::runtime_error("--except: give the name of an OpenCL entry point, not '" + each + "'");
+            }
+        }
         std::uint64_t const calls = count_calls();
         std::uint64_t const all = (calls + options_.step - 1) / options_.step * options_.failures.size();
-        std::printf("%llu calls, %llu runs\n", static_cast<unsigned long long>(calls),
-                    static_cast<unsigned long long>(all));
+        std::printf("%llu call%s, %llu run%s\n", static_cast<unsigned long long>(calls), calls == 1 ? "" : "s",
+                    static_cast<unsigned long long>(all), all == 1 ? "" : "s");
         progress_.emplace(all, "runs");
         for (std::string const& failure : options_.failures) {
             for (std::uint64_t call = 1; call <= calls; call += options_.step) {

@@ -10,6 +10,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <optional>
+#include <set>
 #include <stdexcept>
 #include <string_view>
 #include <thread>
@@ -94,9 +95,15 @@ int status(std::string_view text) {
     return number(text, INT32_MIN, -1, "give an OpenCL status such as -5 or CL_OUT_OF_RESOURCES");
 }
 
+// The name of a part, up to its `=`; that of a status is "status".
+std::string_view key_of(std::string_view part) {
+    std::size_t const equals = part.find('=');
+    return equals == std::string_view::npos ? "status" : part.substr(0, equals);
+}
+
 void add_part(rule& made, std::string_view part) {
     std::size_t const equals = part.find('=');
-    std::string_view const key = part.substr(0, equals);
+    std::string_view const key = key_of(part);
     std::string_view const value = equals == std::string_view::npos ? "" : part.substr(equals + 1);
     if (equals == std::string_view::npos) {
         made.status = status(part);
@@ -129,9 +136,20 @@ settings parse(std::string_view text) {
             made.report = true;
             continue;
         }
+        if (each.empty()) {
+            throw unusable("write a rule such as entry=clCreateBuffer:call=2:-4, not ''");
+        }
         rule next;
+        std::set<std::string_view> keys;
         for (std::string_view const part : split(each, ':')) {
             add_part(next, part);
+            if (!keys.insert(key_of(part)).second) {
+                throw unusable("give '" + std::string(each) + "' each part once: '" + std::string(part) +
+                               "' is the second of its kind");
+            }
+        }
+        if (keys.contains("seed") && !next.probability) {
+            throw unusable("seed= goes with probability=, which '" + std::string(each) + "' lacks");
         }
         if ((next.status != 0) + (next.result != 0) + next.reply.has_value() + (next.delay.count() != 0) != 1) {
             throw unusable(

@@ -3,6 +3,7 @@
 #include <fcntl.h>
 #include <sys/file.h>
 #include <sys/mman.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -139,7 +140,13 @@ std::string expanded(std::string name) {
     return name;
 }
 
-std::string recording_of(std::string const& output) { return output.ends_with(".part") ? output : output + ".part"; }
+std::string recording_of(std::string const& output) {
+    struct stat about {};
+    if (lstat(output.c_str(), &about) == 0 && !S_ISREG(about.st_mode)) {
+        return ""; // what is beside /dev/null is no place for files
+    }
+    return output.ends_with(".part") ? output : output + ".part";
+}
 
 int open_log(std::string const& path, std::size_t limit_in_bytes) {
     file& to = log();

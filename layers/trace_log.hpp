@@ -93,7 +93,8 @@ std::int64_t own_rank() noexcept;
 /// A name of a file, with the rank of this process in place of `%r`, 0 if it has none, and its number in place of `%p`.
 std::string expanded(std::string name);
 
-/// Where the entries are until a file of this name is written: the file itself if it is `FILE.part`.
+/// Where the entries are until a file of this name is written: the file itself if it is `FILE.part`; empty, for memory,
+/// if it is a device or a link.
 std::string recording_of(std::string const& output);
 
 /// Makes the file. An empty path: memory without a file. Returns 0 or an error number: `EWOULDBLOCK` if another process

@@ -114,6 +114,9 @@ def breaches_of_command(command, program):
         script = pathlib.Path(place) / "script"
         script.write_text("true\n")
         script.chmod(0o755)
+        link = pathlib.Path(place) / "link"
+        link.symlink_to("aim")
+        link.write_text("of before")
         table = (
             (("trace", "-o", output, "--", program, PLATFORM, "abandon"), 7, "did not come to its end"),
             (("errors", "--", program, PLATFORM, "name"), 0, "^nq-errors: clCreateKernel"),
@@ -125,6 +128,18 @@ def breaches_of_command(command, program):
             (("convert", f"{place}/0.part", "-o", "/none/t.json"), 2, "^vorn-mero: cannot write /none/t.json: No such"),
             (("trace", "-o", f"{place}/none", "--", "true"), 0, "^vorn-mero: true made no call through libnq"),
             (("trace", "-o", "/none/t.json", "--", "true"), 2, "^vorn-mero: cannot write /none/t.json: No such file"),
+            (("trace", "-o", link, "--", program, PLATFORM, "none"), 0, "calls in .*/aim$"),
+            (("trace", "-o", "/dev/stdout", "--", program, PLATFORM, "none"), 0, "calls in /dev/stdout$"),
+            (("record", "-o", f"{place}/%p", "--", program, PLATFORM, "none"), 0, r"\Anq-record: .* calls in .*/\d+\n\Z"),
+            (("convert", f"{place}/0.part", "-o", f"{place}/0.part"), 2, "^vorn-mero: convert makes a timeline of"),
+            (("trace", "-o", "", "--", "true"), 2, "^--output: give the name of a file, not ''$"),
+            (("faults", "-r", "", "--", "true"), 2, "^--rule: give a rule such as entry=clCreateBuffer:call=2:-4, not"),
+            (("errors", "true", "--x"), 2, "^A program with options follows --"),
+            (("error", "--", "true"), 2, "^vorn-mero: there is no command 'error'"),
+            (("sweep", "--except", "clNone", "--", "true"), 2, "^vorn-mero: --except: give the name of an OpenCL entry"),
+            (("sweep", "--timeout", "nan", "--", "true"), 2, "^--timeout: give seconds from"),
+            (("replay", program, "--nth", "2"), 2, "^--nth requires --kernel$"),
+            (("replay", program, "--device", "-1"), 2, "^--device: Value -1 not in range 0 to 9999$"),
             (("check", "--", static), 2, r"\Avorn-mero: .*/static is linked statically.*\n\Z"),
             *([(("check", "--", raised), 2, r"\Avorn-mero: .*/raised runs with another user's rights.*\n\Z")]
               if os.geteuid() == 0 else []),
@@ -198,7 +213,9 @@ def breaches_of_info(command):
                   f"+ {path} #2"}
         if status != 1 or not wanted <= set(text.splitlines()):
             yield f"--diff: exit status {status}, {text}"
-        for wrong, why in (place, "cannot read .*: Is a directory"), (command, "is not what vorn-mero info --json writes"):
+        named = pathlib.Path(place) / "named.json"
+        named.write_text('{"platforms": [{"name": 3}]}')
+        for wrong, why in (named, "is not what vorn-mero info"), (place, "cannot read .*: Is a directory"), (command, "is not what vorn-mero info --json writes"):
             status, _, text = info("--diff", one, wrong)
             if status != 2 or not re.search(why, text) or len(text.splitlines()) != 1:
                 yield f"--diff {wrong}: exit status {status}, {text}"
