@@ -31,10 +31,17 @@ int exit_status(char const* layer, char const* variable) {
 
 } // namespace
 
+// Other layers are still to write what they found, or the rest of a file. A function of on_exit() that is set while
+// shared objects end is called when all have ended; one of atexit() would be called with the end of this one.
 void end_with_findings(char const* layer, char const* variable) {
-    if (int const status = exit_status(layer, variable); status != 0) {
+    static int status = 0;
+    status = exit_status(layer, variable);
+    auto const end = [](int /*own*/, void* /*unused*/) {
         std::fflush(nullptr);
         _exit(status);
+    };
+    if (status != 0 && on_exit(end, nullptr) != 0) {
+        end(0, nullptr);
     }
 }
 

@@ -4,8 +4,8 @@
 
 namespace nq::layer {
 
-/// Ends the process with exit status 1, or N if a variable of the environment is `exit-status=N`; 0 leaves the
-/// program's own. To be called when the program has ended.
+/// Has the process end with exit status 1, or N if a variable of the environment is `exit-status=N`; 0 leaves the
+/// program's own. Of several layers the last one to call this decides. To be called when shared objects end.
 void end_with_findings(char const* layer, char const* variable);
 
 } // namespace nq::layer

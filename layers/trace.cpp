@@ -83,7 +83,9 @@ std::string numbered(std::string const& output) {
 // Opens the log. A program may start others, which all have the same settings: if one of them writes the file, or has
 // written it and it is to be kept, this process takes another.
 int open_for(settings& made) {
-    auto const is_written = [&] { return made.keep && !unfinished(made).empty() && access(made.output.c_str(), F_OK) == 0; };
+    auto const is_written = [&] {
+        return made.keep && !unfinished(made).empty() && access(made.output.c_str(), F_OK) == 0;
+    };
     int why = is_written() ? EWOULDBLOCK : open_log(unfinished(made), made.limit);
     if (why == 0 && unfinished(made) != made.output && is_written()) { // in the meantime
         unlink(unfinished(made).c_str());
