@@ -47,10 +47,31 @@ void revive_told(call const& made, description const& about) {
     }
 }
 
-// An address that no object of an implementation can be at.
-bool is_no_address(void const* handle) {
+// Whether the objects begin with the address of a table of functions, as all do that an ICD loader knows.
+bool have_tables(call const& made) {
+    block::call_handle_device own{};
+    _nq_cl_platform_id* platform = nullptr;
+    std::size_t size = 0;
+    forward({made.handle, made.version, find_command<block::call_handle_device>(made.version), &own, nullptr});
+    if (!ask_value(made, block::clGetDeviceInfo{.device = own.result, .param_name = "CL_DEVICE_PLATFORM"_cl},
+                   platform)) {
+        return false;
+    }
+    block::clGetPlatformInfo question{
+        .platform = platform, .param_name = "CL_PLATFORM_EXTENSIONS"_cl, .param_value_size_ret = &size};
+    std::string extensions(ask(made, question) ? size : 0, '\0');
+    question.param_value_size = extensions.size();
+    question.param_value = extensions.data();
+    return !extensions.empty() && ask(made, question) && extensions.find("cl_khr_icd") != std::string::npos;
+}
+
+// An address that no object of an implementation can be at. What begins with an address may be an object of a library
+// that makes its own calls.
+bool is_no_object(call const& made, void const* handle) {
+    void const* table = nullptr;
     std::uintptr_t word = 0;
-    return !read_safely(&word, handle, sizeof word);
+    return !read_safely(static_cast<void*>(&table), handle, sizeof table) ||
+           (!read_safely(&word, table, sizeof word) && have_tables(made));
 }
 
 // The context of the first object in a call that has one.
@@ -81,7 +102,7 @@ struct context_seen {
 void check_handle(call const& made, field const& each, void* handle, context_seen& seen) {
     auto const found = find_object(handle);
     if (!found) {
-        if (has_references(each.object) && is_no_address(handle)) {
+        if (has_references(each.object) && is_no_object(made, handle)) {
             report(made, "nothing", std::string(each.name) + ' ' + text_of(handle) + " is no object of OpenCL");
         }
         return;

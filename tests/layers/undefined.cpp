@@ -105,6 +105,12 @@ std::map<std::string, std::function<void(session&)>> const undefined{
          auto* const event = reinterpret_cast<_nq_cl_event*>(cl::raw::get_raw_memory_object(here.buffer));
          send(here, nq::block::clRetainEvent{event});
      }},
+    {"foreign", // not passed on by the layer behind
+     [](session& here) {
+         std::vector<std::uint64_t> words(64, 1);
+         send(here, nq::block::clRetainMemObject{reinterpret_cast<_nq_cl_mem*>(words.data())});
+         send(here, nq::block::clRetainKernel{reinterpret_cast<_nq_cl_kernel*>(std::uintptr_t{64})});
+     }},
     {"late_argument", // the part keeps the buffer's memory
      [](session& here) {
          cl::kernel kernel = here.kernel("eights");
