@@ -120,7 +120,12 @@ SCENARIO(refuses_arguments_without_a_value, "arguments without a value", 100) {
 SCENARIO(refuses_unusual_objects, "unusual objects", 120) {
     auto const unbuilt = b.context.create_program_from_source("__kernel void f() {}");
     unsigned char* binary = nullptr;
-    b.perform(wire::clGetProgramInfo{raw_of(unbuilt), sizeof binary, &binary, nullptr, 0, CL_PROGRAM_BINARIES});
+    wire::clGetProgramInfo ask{raw_of(unbuilt), sizeof binary, &binary, nullptr, 0, CL_PROGRAM_BINARIES};
+    b.perform(ask);
+    auto const built = b.build("__kernel void f() {}");
+    ask.program = raw_of(built);
+    ask.param_value_size -= 1;
+    b.expect(CL_INVALID_VALUE, ask);
     cl_image_format const rgba{CL_RGBA, CL_UNSIGNED_INT8};
     for (auto const& [mip_levels, samples] : {std::pair{2U, 0U}, {0U, 2U}}) {
         nq::image_desc const description{.image_type = CL_MEM_OBJECT_IMAGE2D,

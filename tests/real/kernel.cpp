@@ -89,6 +89,14 @@ SCENARIO(counts_sub_groups, "sub-groups", 210) {
     for (std::size_t const wanted : {1U, 3U}) {
         std::array const fitting{kernel.get_local_size_for_sub_group_count(b.device, wanted)};
         EXPECT_EQ(kernel.get_sub_group_count_for_nd_range(b.device, fitting), wanted);
+        std::size_t bytes = 0;
+        b.expect(CL_SUCCESS, wire::clGetKernelSubGroupInfo{.kernel = raw_of(kernel),
+                                                           .device = raw_of(b.device),
+                                                           .input_value_size = sizeof wanted,
+                                                           .input_value = &wanted,
+                                                           .param_value_size_ret = &bytes,
+                                                           .param_name = CL_KERNEL_LOCAL_SIZE_FOR_SUB_GROUP_COUNT});
+        EXPECT_EQ(bytes, sizeof fitting);
     }
     EXPECT_GE(kernel.get_max_num_sub_groups(b.device), count);
     EXPECT_EQ(kernel.compile_num_sub_groups(b.device), 0U);
