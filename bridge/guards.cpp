@@ -3,6 +3,8 @@
 #include "loader.hpp"
 #include "platform.hpp"
 
+#include <algorithm>
+#include <string_view>
 #include <vector>
 
 // Guards for single implementations. They replace the loader's functions in the tables of the implementation's
@@ -92,6 +94,47 @@ cl_int CL_API_CALL set_argument_unless_null(cl_kernel kernel, cl_uint index, std
 constexpr char image_type[] = "image";
 constexpr char queue_type[] = "queue_t";
 
+// Whether the next part of the options may be a value of this one, as in "-D NAME".
+bool takes_value(std::string_view option) noexcept {
+    bool const is_whole = option.starts_with("-D") || option.starts_with("-I") || option.starts_with("-cl-");
+    return option.starts_with('-') && option != "-w" && (option.size() == 2 || !is_whole);
+}
+
+// rusticl splits options at quotes, and at blanks between them. A part of one character panics, as in "-D N"; one that
+// belongs to no option is compiled as a file, which crashes, as in "-DTEXT=\"of it\"".
+bool ends_rusticl(std::string_view options) noexcept {
+    std::string_view before;
+    for (bool is_quoted = false; !options.empty();) {
+        std::size_t const end = std::min(options.find_first_of(is_quoted ? "\"" : "\" "), options.size());
+        std::string_view const part = options.substr(0, end);
+        if (part.size() == 1 || (!part.empty() && part[0] != '-' && !takes_value(before))) {
+            return true;
+        }
+        before = part.empty() ? before : part;
+        is_quoted = end < options.size() && (options[end] == '"') != is_quoted;
+        options.remove_prefix(std::min(end + 1, options.size()));
+    }
+    return false;
+}
+
+bool ends_rusticl(char const* options) noexcept {
+    return options != nullptr && ends_rusticl(std::string_view(options));
+}
+
+cl_int CL_API_CALL rusticl_build(cl_program program, cl_uint count, cl_device_id const* devices, char const* options,
+                                 void(CL_CALLBACK* notify)(cl_program, void*), void* data) {
+    return ends_rusticl(options) ? CL_INVALID_BUILD_OPTIONS
+                                 : loaded().clBuildProgram(program, count, devices, options, notify, data);
+}
+
+cl_int CL_API_CALL rusticl_compile(cl_program program, cl_uint count, cl_device_id const* devices, char const* options,
+                                   cl_uint header_count, cl_program const* headers, char const** names,
+                                   void(CL_CALLBACK* notify)(cl_program, void*), void* data) {
+    return ends_rusticl(options) ? CL_INVALID_COMPILER_OPTIONS
+                                 : loaded().clCompileProgram(program, count, devices, options, header_count, headers,
+                                                             names, notify, data);
+}
+
 std::vector<std::size_t> binary_sizes(cl_program program, cl_int& code) {
     auto const ask = loaded().clGetProgramInfo;
     std::size_t bytes = 0;
@@ -176,6 +219,8 @@ void install_guards(std::string_view platform_name, functions& cl) noexcept {
         replace(cl.clEnqueueNDRangeKernel, launch_unless_group_is_empty);
     } else if (platform_name == rusticl) {
         replace(cl.clSetKernelArg, set_argument_unless_null<image_type>);
+        replace(cl.clBuildProgram, rusticl_build);
+        replace(cl.clCompileProgram, rusticl_compile);
     } else if (platform_name == intel) {
         cl.clCreateProgramWithBuiltInKernels = nullptr; // has no such kernels; releasing what it makes crashes
         replace(cl.clSetKernelArg, set_argument_unless_null<queue_type>);

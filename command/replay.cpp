@@ -57,10 +57,10 @@ int replay(replay_options const& with) {
         std::printf("and %s more\n", plural(lines - most_lines, "difference").c_str());
     }
     if (done.missing != 0) {
-        std::printf("%s left out that need what could not be made here\n", plural(done.missing, "call").c_str());
+        std::printf("%s left out for lack of what could not be made here\n", plural(done.missing, "call").c_str());
     }
     if (done.left_out != 0) {
-        std::printf("%s left out that run a function of the program\n", plural(done.left_out, "call").c_str());
+        std::printf("%s left out, as what runs is a function of the program\n", plural(done.left_out, "call").c_str());
     }
     std::printf("%s of %zu made again, %s of memory compared (%s): %s\n", plural(done.calls, "call").c_str(),
                 from.calls.size(), plural(done.results, "piece").c_str(), plural(done.bytes, "byte").c_str(),

@@ -11,7 +11,12 @@ import subprocess
 import sys
 
 PLATFORM = "Portable Computing Language"
-NULL_EVENT = "import ctypes; print(ctypes.CDLL('libOpenCL.so.1').clReleaseEvent(None))"
+NULLS = """import ctypes, sys
+for name in sys.argv[1:]:
+    call = ctypes.CDLL("libOpenCL.so.1")[name]
+    call.argtypes = [ctypes.c_void_p] * 12
+    print(name, call(*[None] * 12))
+"""
 
 
 def run(*command, **variables):
@@ -31,10 +36,12 @@ def breaches_of_exports(dropin, loader):
         yield f"{loader} has, and the drop-in lacks: {missing}"
 
 
-def breaches_of_programs(program, dropin, command):
-    """The same output on every platform: by hand, where the name of the loader is the drop-in's, and with a layer."""
+def breaches_of_programs(program, dropin, loader, command):
+    """The same output on every platform: by hand, where the name of the loader is the drop-in's, and with a layer. Also of
+    every function, called with null and 0."""
     path = {"LD_LIBRARY_PATH": str(dropin.parent)}
-    for line in ([program], ["oclgrind", program], ["clinfo"], [sys.executable, "-c", NULL_EVENT]):
+    nulls = [sys.executable, "-c", NULLS, *sorted(name.partition("@")[0] for name in exports(loader))]
+    for line in ([program], ["oclgrind", program], ["clinfo"], nulls):
         plain = run(*line)
         for through in (run(*line, **path), run(*line, **path, NQ_BRIDGE_OPENCL="libOpenCL.so.1"),
                         run(command, "faults", "-r", "probability=0:-5", "--", *line)):
@@ -44,11 +51,12 @@ def breaches_of_programs(program, dropin, command):
 
 def breaches_of_layers(program, dropin, command):
     preloaded = {"LD_LIBRARY_PATH": str(dropin.parent), "LD_PRELOAD": str(dropin.parents[1] / "libnq-errors.so")}
-    if "clReleaseEvent" not in run(sys.executable, "-c", NULL_EVENT, **preloaded)[2]:
+    null_event = (sys.executable, "-c", NULLS, "clReleaseEvent")
+    if "clReleaseEvent" not in run(*null_event, **preloaded)[2]:
         yield "a preloaded layer does not see what a script loads"
     for arguments, status, pattern in (
         (("errors", "--", program, PLATFORM), 0, r"^nq-errors: clCreateKernel\(.*\"skale\".* kernels: scale$"),
-        (("errors", "--", sys.executable, "-c", NULL_EVENT), 0, r"^nq-errors: clReleaseEvent\(event=null\) = CL_INV"),
+        (("errors", "--", *null_event), 0, r"^nq-errors: clReleaseEvent\(event=null\) = CL_INV"),
         (("leaks", "--", program, PLATFORM), 0, ""),
         (("leaks", "--", program, PLATFORM, "leak"), 1, r"^nq-leaks: clCreateContext at .*: 1 reference$"),
         (("check", "--", program, PLATFORM, "released"), None, "^nq-check: clSetKernelArg.*which was released at "),
@@ -63,7 +71,7 @@ def breaches_of_layers(program, dropin, command):
 def main():
     program, dropin, loader, command = sys.argv[1], pathlib.Path(sys.argv[2]), *sys.argv[3:]
     failed = 0
-    for found in (breaches_of_exports(dropin, loader), breaches_of_programs(program, dropin, command),
+    for found in (breaches_of_exports(dropin, loader), breaches_of_programs(program, dropin, loader, command),
                   breaches_of_layers(program, dropin, command)):
         for each in found:
             failed = 1

@@ -152,12 +152,51 @@ void version(scene& here) {
     here.run(cl::read_buffer(buffer, true, 0, bytes, here.values.data()));
 }
 
+newer::device as_newer(cl::device const& device) {
+    std::vector<newer::device> devices = newer::get_all_devices();
+    auto* const raw = cl::raw::get_raw_device_id(device);
+    auto const same = [raw](newer::device const& each) { return newer::raw::get_raw_device_id(each) == raw; };
+    return *std::find_if(devices.begin(), devices.end(), same);
+}
+
+// A context of a type, a sampler of properties, a function of the program, shared memory that a callback frees.
+void others(scene& here) {
+    newer::device device = as_newer(here.device);
+    auto const platform = reinterpret_cast<std::intptr_t>(newer::raw::get_raw_platform_id(device.get_platform()));
+    newer::context context = newer::create_context_from_type(newer::raw::get_call_handle(device),
+                                                             {newer::context_property::platform, platform, 0},
+                                                             newer::device_type::all, nullptr, nullptr);
+    newer::host_command_queue queue = context.create_host_command_queue(device, false, false);
+    auto const run = [&](newer::command const& command) { queue.enqueue_command_without_event(command); };
+    newer::image_format const format{newer::image_channel_order::rgba, newer::image_channel_type::unsigned_int8};
+    auto const copy = newer::mem_flags::read_only | newer::mem_flags::copy_host_ptr;
+    std::array<std::size_t, 3> const region{15, 9, 1};
+    newer::image_2d from = context.create_image_2d(copy, format, 15, 9, 64, here.other.data());
+    newer::image_2d to = context.create_image_2d(newer::mem_flags::write_only, format, 15, 9, 0, nullptr);
+    newer::sampler how = context.create_sampler(false, newer::sampler_addressing_mode::clamp_to_edge,
+                                                newer::sampler_filter_mode::nearest);
+    newer::program program = context.create_program_from_source(source);
+    program.build({device}, "-DUNUSED=\"?\"", nullptr, nullptr);
+    newer::kernel kernel = program.create_kernel("invert");
+    kernel.set_argument(0, from);
+    kernel.set_argument(1, to);
+    kernel.set_argument(2, how);
+    static std::atomic<int> called = 0;
+    run(newer::native_kernel([](void*) { ++called; }, nullptr, 0, 0, nullptr, nullptr));
+    run(newer::nd_range_kernel(kernel, 2, {0, 0, 0}, region, {1, 1, 1}));
+    run(newer::read_image(to, true, {0, 0, 0}, region, 0, 0, here.values.data()));
+    auto const free = [](_nq_cl_command_queue*, std::uint32_t, void** list, void* by) {
+        static_cast<newer::context*>(by)->svm_free(list[0]);
+        ++called;
+    };
+    run(newer::svm_free({context.svm_allocate(newer::svm_mem_flags::read_write, 64, 0)}, free, &context));
+    queue.finish();
+    std::printf("%d %d\n", sum(here.values.data()), called.load());
+}
+
 // Shared memory with an address in it, with maps and, where the device has it, without.
 void shared(scene& here) {
-    std::vector<newer::device> devices = newer::get_all_devices();
-    auto* const raw = cl::raw::get_raw_device_id(here.device);
-    auto const same = [raw](newer::device const& each) { return newer::raw::get_raw_device_id(each) == raw; };
-    newer::device device = *std::find_if(devices.begin(), devices.end(), same);
+    newer::device device = as_newer(here.device);
     newer::context context = newer::create_context({}, {device}, nullptr, nullptr);
     newer::host_command_queue queue = context.create_host_command_queue(device, false, false);
     newer::program program = context.create_program_from_source(source);
@@ -205,8 +244,8 @@ void shared(scene& here) {
     }
 }
 
-std::map<std::string, void (*)(scene&)> const scenes{
-    {"read", read}, {"map", map}, {"image", image}, {"version", version}, {"shared", shared}};
+std::map<std::string, void (*)(scene&)> const scenes{{"read", read},       {"map", map},       {"image", image},
+                                                     {"version", version}, {"shared", shared}, {"others", others}};
 
 } // namespace
 

@@ -117,6 +117,28 @@ SCENARIO(refuses_arguments_without_a_value, "arguments without a value", 100) {
     }
 }
 
+SCENARIO(builds_with_quotes, "values and quotes in build options", 120) {
+    auto const source = b.context.create_program_from_source("__kernel void f() {}");
+    auto* program = raw_of(source);
+    bool const refuses =
+        b.differs("rusticl",
+                  "would end the process for a quoted part, or one of a single letter; the bridge refuses the options");
+    for (auto const& [options, is_harmful] : {std::pair{"-D N", true},
+                                              {"-D N -w", true},
+                                              {"-DA=\"N\"", true},
+                                              {"-w -DA=\"N M\" -DB", true},
+                                              {"-D AB", false},
+                                              {"-D AB -I \"/a b\" -w", false},
+                                              {"  -w  -DN ", false},
+                                              {"-DA=\"\"", false}}) {
+        bool const is_refused = refuses && is_harmful;
+        b.expect(is_refused ? CL_INVALID_BUILD_OPTIONS : CL_SUCCESS,
+                 wire::clBuildProgram{.program = program, .options = options});
+        b.expect(is_refused ? CL_INVALID_COMPILER_OPTIONS : CL_SUCCESS,
+                 wire::clCompileProgram{.program = program, .options = options});
+    }
+}
+
 SCENARIO(refuses_unusual_objects, "unusual objects", 120) {
     auto const unbuilt = b.context.create_program_from_source("__kernel void f() {}");
     unsigned char* binary = nullptr;
