@@ -176,7 +176,7 @@ void others(scene& here) {
     newer::sampler how = context.create_sampler(false, newer::sampler_addressing_mode::clamp_to_edge,
                                                 newer::sampler_filter_mode::nearest);
     newer::program program = context.create_program_from_source(source);
-    program.build({device}, "-DUNUSED=\"?\"", nullptr, nullptr);
+    program.build({device}, "-DUNUSED='?'", nullptr, nullptr);
     newer::kernel kernel = program.create_kernel("invert");
     kernel.set_argument(0, from);
     kernel.set_argument(1, to);

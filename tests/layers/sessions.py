@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
 """Records programs on one implementation, replays them on others, and compares what the replays print with a table.
 
-sessions.py COMMAND TABLE PICTURE PROGRAM...      COMMAND is vorn-mero
+sessions.py COMMAND TABLE PICTURE COMPILE PROGRAM...      COMMAND is vorn-mero, COMPILE makes a program with the library
 
 A line of TABLE: program and arguments | recorded on | replayed on, ... | exit status | pattern...
 """
@@ -51,6 +51,33 @@ def breaches(command, programs, line, picture, place, platforms):
             yield f"on {platform}: exit status {status}, {printed}"
 
 
+def breaches_of_launches(compile_program, command, programs, place, platforms):
+    """A launch that was taken out of a session does the same alone, with arguments of each kind; or why it cannot be taken."""
+    session, launch, built = place / "launches.nqr", place / "launch", place / "built"
+    for program, kernel, refused in (
+        (("sessions", "Portable", "read"), "twice", ""),
+        (("sessions", "Portable", "map"), "add", ""),
+        (("sessions", "Portable", "others"), "invert", ""),
+        (("sessions", "Portable", "shared"), "follow", "the launch cannot be extracted: it has shared memory as an argument"),
+    ):
+        name, *arguments = program
+        run(command, "record", "-o", session, "--", programs[name], *arguments)
+        status, printed = run(command, "replay", session, "--platform", "Portable", "--kernel", kernel, "--extract", launch)
+        if status != (2 if refused else 0) or refused not in printed:
+            yield f"{kernel}: exit status {status}, {printed}"
+        if refused or status:
+            continue
+        compiler, *flags = compile_program.split()
+        status, printed = run(compiler, f'-DLAUNCH_FOLDER="{launch}"', launch / "main.cpp", *flags, "-o", built)
+        for platform in ("Portable", "Intel", "rusticl") if status == 0 else ():
+            if any(platform in each for each in platforms):
+                status, printed = run(built, platform)
+                if status != 0 or not re.search(r"^argument-0: 0 of \d+ bytes differ$", printed, re.M):
+                    yield f"{kernel} on {platform}: exit status {status}, {printed}"
+        if status != 0:
+            yield f"{kernel}: {printed}"
+
+
 def breaches_of_bad_input(command, program, place):
     """One line says what is wrong with a recording, and what to do."""
     session = place / "good.nqr"
@@ -90,7 +117,7 @@ def breaches_of_bad_input(command, program, place):
 
 def main():
     command, table, picture = map(pathlib.Path, sys.argv[1:4])
-    programs = {pathlib.Path(each).name.removeprefix("layers_"): each for each in sys.argv[4:]}
+    programs = {pathlib.Path(each).name.removeprefix("layers_"): each for each in sys.argv[5:]}
     platforms = run(command, "doctor")[1].splitlines()
     failed = 0
     with tempfile.TemporaryDirectory() as folder:
@@ -100,6 +127,7 @@ def main():
             return SKIPPED
         lines = [line.split(" | ") for line in table.read_text().splitlines() if line[0] != "#"]
         checks = [(line[0], breaches(command, programs, line, picture, place, platforms)) for line in lines]
+        checks.append(("launches", breaches_of_launches(sys.argv[4], command, programs, place, platforms)))
         checks.append(("bad input", breaches_of_bad_input(command, programs["sessions"], place)))
         for name, found in checks:
             found = list(found)
