@@ -197,6 +197,8 @@ TEST(libraries, an_implementation_works_without_a_loader) {
 
 TEST(libraries, an_implementation_without_a_dispatch_table_is_not_looked_into) {
     EXPECT_EQ(lines_of(run("NQ_BRIDGE_OPENCL=" PLAIN, "list")), names{"Plain"});
+    std::string const verbose = "NQ_BRIDGE_VERBOSE=1 OCL_ICD_VENDORS=libnone.so"; // which only a loader would look for
+    EXPECT_EQ(lines_of(run(verbose + " NQ_BRIDGE_OPENCL=" PLAIN, "list")), names{"Plain"});
     EXPECT_EQ(run("NQ_BRIDGE_OPENCL=" EMPTY, "list"), "");
 }
 

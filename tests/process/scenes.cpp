@@ -87,30 +87,33 @@ void statics() {
     at_the_edge();
 }
 
+// The exit destroys the statics, so that a thread which waits meanwhile uses copies.
 void exit_in_callback() {
     statics();
+    auto queue = last->queue;
     auto promise = last->context.create_user_event();
     promise.get_event().set_callback(
         new_api::commmand_exec_callback_type::complete, [](_nq_cl_event*, int, void*) { std::exit(0); }, nullptr);
     promise.set_status_success();
-    last->queue.finish();
+    queue.finish();
     sleep_milliseconds(10000);
     std::abort();
 }
 
 void exit_in_callback_of_a_command() {
     statics();
-    auto store = last->make_buffer();
+    auto on = *last;
+    auto store = on.make_buffer();
     std::vector<int> values(items);
-    auto gate = last->context.create_user_event();
+    auto gate = on.context.create_user_event();
     auto const gate_event = gate.get_event();
     _nq_cl_event* const list[] = {internal::owner_access::raw(gate_event)};
-    auto done = last->queue.enqueue_command(new_api::write_buffer(store, false, 0, bytes, values.data()), 1, list);
+    auto done = on.queue.enqueue_command(new_api::write_buffer(store, false, 0, bytes, values.data()), 1, list);
     done.set_callback(
         new_api::commmand_exec_callback_type::complete, [](_nq_cl_event*, int, void*) { std::exit(0); }, nullptr);
-    last->queue.flush();
+    on.queue.flush();
     gate.set_status_success();
-    last->wait_for(done);
+    on.wait_for(done);
     sleep_milliseconds(10000);
     std::abort();
 }
