@@ -43,21 +43,13 @@ public:
     // Before the call. It is made with what this returns.
     call const& begin() {
         std::string_view const entry = about_.name;
-        std::scoped_lock const lock{all().mutex};
         entry_.handle = number_of_handle(made_);
         entry_.thread = own_thread();
         entry_.id = made_.id;
+        entry_.pixel_size = pixel_size();
+        std::scoped_lock const lock{all().mutex};
         if (entry.starts_with("clEnqueue")) {
             write_shared(false);
-        }
-        field const* const image = entry.starts_with("clEnqueue") ? find(about_, "image") : nullptr;
-        if (field const* const format = find(about_, "image_format"); format != nullptr) {
-            std::uint32_t words[2] = {};
-            read_safely(words, read_pointer(made_.block, format->offset), sizeof words);
-            entry_.pixel_size = static_cast<std::uint32_t>(pixel_size_of(words[0], words[1]));
-        } else if (image != nullptr) {
-            entry_.pixel_size =
-                pixel_size(static_cast<_nq_cl_mem*>(const_cast<void*>(read_pointer(made_.block, image->offset))));
         }
         for (field const& each : about_) {
             if (each.direction == direction::in) {
@@ -77,6 +69,7 @@ public:
         bool const succeeded =
             result == result::success &&
             (about_.status == absent || read_field(made_.block, about_.status, sizeof(std::int32_t)) == 0);
+        _nq_cl_event* kept = succeeded ? event() : nullptr;
         {
             std::scoped_lock const lock{all().mutex};
             entry_.order = is_ordered_ ? entry_.order : next_order();
@@ -86,8 +79,11 @@ public:
             write(result);
             if (succeeded) {
                 all().memory.note(made_, about_);
-                note_written();
+                note_written(kept);
             }
+        }
+        if (block::clReleaseEvent released{.event = kept}; kept != nullptr) {
+            ask(made_, released);
         }
         std::string_view const entry = about_.name;
         bool const waits = entry == "clFinish" || entry == "clWaitForEvents" || is_blocking();
@@ -97,12 +93,24 @@ public:
     }
 
 private:
-    std::uint32_t pixel_size(_nq_cl_mem* image) const {
+    // Of the image that is made, or that the command uses; 0 without one.
+    std::uint32_t pixel_size() const {
+        if (field const* const format = find(about_, "image_format"); format != nullptr) {
+            std::uint32_t words[2] = {};
+            read_safely(words, read_pointer(made_.block, format->offset), sizeof words);
+            return static_cast<std::uint32_t>(pixel_size_of(words[0], words[1]));
+        }
+        bool const is_command = std::string_view(about_.name).starts_with("clEnqueue");
+        field const* const image = is_command ? find(about_, "image") : nullptr;
+        if (image == nullptr) {
+            return 0;
+        }
         std::size_t size = 0;
-        block::clGetImageInfo asked{.image = image,
-                                    .param_value_size = sizeof size,
-                                    .param_value = &size,
-                                    .param_name = "CL_IMAGE_ELEMENT_SIZE"_cl};
+        block::clGetImageInfo asked{
+            .image = static_cast<_nq_cl_mem*>(const_cast<void*>(read_pointer(made_.block, image->offset))),
+            .param_value_size = sizeof size,
+            .param_value = &size,
+            .param_name = "CL_IMAGE_ELEMENT_SIZE"_cl};
         return ask(made_, asked) ? static_cast<std::uint32_t>(size) : 0;
     }
 
@@ -255,8 +263,8 @@ private:
         }
     }
 
-    // What the command writes into memory of the program, now or later.
-    void note_written() {
+    // What the command writes into memory of the program, now or later. Takes the event if it is to be waited for.
+    void note_written(_nq_cl_event*& of) {
         if (!std::string_view(about_.name).starts_with("clEnqueue")) {
             return;
         }
@@ -273,18 +281,13 @@ private:
                                 each.offset,
                                 pointer,
                                 extent(each),
-                                event()};
+                                of};
             bool const is_wanted = pointer != nullptr && reads && !is_device && noted.size != 0;
             if (is_wanted && noted.event != nullptr) {
                 all().pending.push_back(noted);
-            } else {
-                if (is_wanted && is_blocking()) {
-                    write_contents(noted);
-                }
-                block::clReleaseEvent released{.event = noted.event};
-                if (noted.event != nullptr) {
-                    ask(made_, released);
-                }
+                of = nullptr;
+            } else if (is_wanted && is_blocking()) {
+                write_contents(noted);
             }
         }
     }

@@ -58,23 +58,30 @@ state& all() {
 std::uint64_t next_order() { return all().order.fetch_add(1, std::memory_order_relaxed); }
 
 std::uint32_t number_of_handle(call const& through) {
+    {
+        std::scoped_lock const lock{all().mutex};
+        if (auto const known = all().handles.find(through.handle); known != all().handles.end()) {
+            return known->second;
+        }
+    }
+    block::call_handle_device device{};
+    _nq_cl_platform_id* platform = nullptr;
+    forward(
+        {through.handle, through.version, find_command<block::call_handle_device>(through.version), &device, nullptr});
+    block::clGetDeviceInfo asked{.device = device.result,
+                                 .param_value = &platform,
+                                 .param_name = "CL_DEVICE_PLATFORM"_cl,
+                                 .param_value_size = sizeof platform};
+    ask(through, asked);
+    std::string const platform_name =
+        name_of(through, block::clGetPlatformInfo{.platform = platform}, "CL_PLATFORM_NAME"_cl);
+    std::string const device_name =
+        name_of(through, block::clGetDeviceInfo{.device = device.result}, "CL_DEVICE_NAME"_cl);
+    std::string const names = platform_name + device_name;
+    std::scoped_lock const lock{all().mutex};
     auto const [found, is_new] =
         all().handles.try_emplace(through.handle, static_cast<std::uint32_t>(all().handles.size()));
-    if (is_new) {
-        block::call_handle_device device{};
-        _nq_cl_platform_id* platform = nullptr;
-        forward({through.handle, through.version, find_command<block::call_handle_device>(through.version), &device,
-                 nullptr});
-        block::clGetDeviceInfo asked{.device = device.result,
-                                     .param_value = &platform,
-                                     .param_name = "CL_DEVICE_PLATFORM"_cl,
-                                     .param_value_size = sizeof platform};
-        ask(through, asked);
-        std::string const platform_name =
-            name_of(through, block::clGetPlatformInfo{.platform = platform}, "CL_PLATFORM_NAME"_cl);
-        std::string const device_name =
-            name_of(through, block::clGetDeviceInfo{.device = device.result}, "CL_DEVICE_NAME"_cl);
-        std::string const names = platform_name + device_name;
+    if (is_new) { // no other thread was first
         all().file.write(entry_kind::handle,
                          recording::handle_entry{static_cast<std::uint64_t>(through.version),
                                                  reinterpret_cast<std::uintptr_t>(platform),

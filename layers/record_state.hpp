@@ -17,7 +17,7 @@ namespace nq::layer::record {
 
 // Never freed: a program may make calls until its very end.
 struct state {
-    std::mutex mutex; // never held while the program's call is made
+    std::mutex mutex; // never held while a call is made: OpenCL may call the program from there
     recording::writer file;
     std::string path;
     std::unordered_map<nq_call_handle*, std::uint32_t> handles;
@@ -37,7 +37,7 @@ void close() noexcept;
 /// The order of what happens now.
 std::uint64_t next_order();
 
-/// The number of the call handle's entry, which is written at its first call. With the lock held.
+/// The number of the call handle's entry, which is written at its first call.
 std::uint32_t number_of_handle(call const& through);
 
 /// What a command has written, if it can be read. With the lock held.

@@ -83,7 +83,7 @@ void writer::write_entry(entry_kind kind, memory body, memory tail) {
 
 void writer::put(memory bytes, bool last) {
     ZSTD_inBuffer in{bytes.data(), bytes.size(), 0};
-    for (bool more = true; more && state_->failure.empty();) {
+    for (bool more = true; more && state_->file != nullptr && state_->failure.empty();) {
         ZSTD_outBuffer out{state_->compressed.data(), state_->compressed.size(), 0};
         std::size_t const left = ZSTD_compressStream2(state_->stream, &out, &in, last ? ZSTD_e_end : ZSTD_e_continue);
         if (ZSTD_isError(left) != 0) {

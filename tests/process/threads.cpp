@@ -41,6 +41,8 @@ std::vector<typename Api::device> devices() {
     libnq.reset();
     libnq.remembers_calls = false;
     libnq.reply<block::clGetDeviceInfo>(0x102B, "name\0");
+    libnq.reply<block::clGetDeviceInfo>(0x1031, scripted::bytes_of(libnq.make<_nq_cl_platform_id>())); // for a layer
+    libnq.reply<block::clGetPlatformInfo>(0x902, "name\0");
     libnq.reply<block::clGetMemObjectInfo>(0x1102, scripted::bytes_of(bytes));
     libnq.reply<block::clGetContextInfo>(0x1081, scripted::bytes_of(libnq.make<_nq_cl_device_id>()));
     libnq.on<block::clRetainDevice>([](auto&) { return true; });
