@@ -64,7 +64,12 @@ std::string declaration(call const& made, _nq_cl_kernel* kernel, std::uint32_t a
         made,
         block::clGetKernelArgInfo{.kernel = kernel, .arg_index = argument, .param_name = "CL_KERNEL_ARG_TYPE_NAME"_cl});
     if (!type.empty()) {
-        return type;
+        std::uint32_t space = 0;
+        ask_value(made,
+                  block::clGetKernelArgInfo{
+                      .kernel = kernel, .arg_index = argument, .param_name = "CL_KERNEL_ARG_ADDRESS_QUALIFIER"_cl},
+                  space);
+        return (space == 0x119B /* CL_KERNEL_ARG_ADDRESS_GLOBAL */ && type.back() == '*' ? "global " : "") + type;
     }
     _nq_cl_program* program = nullptr;
     if (!ask_value(made, block::clGetKernelInfo{.kernel = kernel, .param_name = "CL_KERNEL_PROGRAM"_cl}, program)) {

@@ -211,6 +211,14 @@ std::map<std::string, std::function<void(session&)>> const undefined{
          kernel.set_argument_raw(0, sizeof nothing, &nothing);
          kernel.set_argument_raw(1, sizeof nothing, &nothing);
      }},
+    {"released_argument",
+     [](session& here) {
+         cl::kernel kernel = here.kernel("eights");
+         auto* const former = cl::raw::get_raw_memory_object(here.buffer);
+         cl::sub_buffer const part = here.context.create_sub_buffer(here.buffer, cl::mem_flags::read_write, 0, 64);
+         here.buffer = here.context.create_buffer(cl::mem_flags::read_write, 4096, nullptr);
+         kernel.set_argument_raw(0, sizeof(void*), &former);
+     }},
     {"threads", [](session& here) { share_kernel(here, false); }},
     {"locked", [](session& here) { share_kernel(here, true); }},
     {"unmapped_twice",
