@@ -119,6 +119,7 @@ TEST(description, formats_each_kind_of_argument) {
     nq::image_desc const image{.image_type = 0x10F1, .image_width = 4, .image_height = 2};
     float const one = 1;
     auto* const events = reinterpret_cast<_nq_cl_event* const*>(sizes);
+    auto const unreadable = [](void*, void const*, std::size_t) { return false; };
     namespace block = nq::block;
     std::pair<std::string, std::string> const cases[] = {
         {text_of(block::clCreateSubDevices{.properties = reinterpret_cast<std::int64_t const*>(partition)}),
@@ -140,9 +141,10 @@ TEST(description, formats_each_kind_of_argument) {
         {text_of(block::clCreateKernel{.kernel_name = std::string(99, 'x').c_str()}),
          '"' + std::string(64, 'x') + "\"...)"},
         {text_of(block::clCreateSubBuffer{}), "clCreateSubBuffer(flags=0, "},
-        {text_of(block::clCreateKernel{.kernel_name = "unreadable"},
-                 [](void*, void const*, std::size_t) { return false; }),
-         "kernel_name=0x"},
+        {text_of(block::clCreateKernel{.kernel_name = "unreadable"}, unreadable), "kernel_name=0x"},
+        {text_of(block::clCreateContext{.properties = properties}, unreadable), "(properties=0x"},
+        {text_of(clCreateImage{.image_desc = &image}, unreadable), "image_desc=0x"},
+        {text_of(block::clSVMAlloc{.size = 8}), ") = null"},
         {nq::format_call(newest, 1000, nullptr), "command 1000"},
     };
     for (auto const& [text, part] : cases) {
@@ -157,6 +159,7 @@ TEST(description, knows_how_much_is_behind_a_pointer) {
     std::int64_t const counts[] = {0x1087, 1, 0, 0, 9};
     std::int64_t const equally[] = {0x1086, 4, 0, 9};
     nq::image_desc const layers{.image_type = 0x10F3, .image_width = 3, .image_height = 2, .image_array_size = 5};
+    nq::image_desc const lines{.image_type = 0x10F5, .image_width = 3, .image_array_size = 5, .image_row_pitch = 64};
     nq::block::clEnqueueReadBufferRect const packed{.host_origin = origin, .region = region};
     nq::block::clEnqueueReadBufferRect const pitched{
         .host_origin = origin, .region = region, .host_row_pitch = 10, .host_slice_pitch = 100};
@@ -172,6 +175,8 @@ TEST(description, knows_how_much_is_behind_a_pointer) {
         .region = region, .image_row_pitch = pitches, .image_slice_pitch = pitches + 1};
     EXPECT_EQ(extent(mapped, "result", 2), 5U * 320 + 4 * 64 + 8);
     EXPECT_EQ(extent(clCreateImage{.image_desc = &layers}, "host_ptr", 4), 3U * 2 * 5 * 4);
+    EXPECT_EQ(extent(clCreateImage{.image_desc = &lines}, "host_ptr", 4), 4U * 64 + 3 * 4);
+    EXPECT_EQ(extent(clCreateImage{}, "host_ptr", 4), std::size_t(-1));
     EXPECT_EQ(extent(nq::block::clCreateImage2D{.image_width = 3, .image_height = 2}, "host_ptr", 4), 24U);
     EXPECT_EQ(extent(nq::block::clCreateSubDevices{.properties = counts}, "properties"), 4U * 8);
     EXPECT_EQ(extent(nq::block::clCreateSubDevices{.properties = equally}, "properties"), 3U * 8);

@@ -5,7 +5,6 @@
 #include "mistakes.hpp"
 
 #include <vorn/mero/opencl_1_0.hpp>
-#include <vorn/mero/opencl_2_1.hpp>
 
 #include <algorithm>
 #include <array>
@@ -35,10 +34,7 @@ void scale(session& here, std::size_t global, std::size_t local) {
 // What only newer versions have: queues by a list of properties, lists of objects, shared memory. Keeps some of it.
 void use_newer(session& here, bool keep) {
     namespace newer = vorn::mero::opencl_2_1;
-    auto* const raw = cl::raw::get_raw_device_id(here.device);
-    std::vector<newer::device> devices = newer::get_all_devices();
-    auto const same = [raw](newer::device const& each) { return newer::raw::get_raw_device_id(each) == raw; };
-    newer::device device = *std::find_if(devices.begin(), devices.end(), same);
+    newer::device device = newer_device(here);
     newer::context context = newer::create_context({}, {device}, nullptr, nullptr);
     newer::host_command_queue queue = context.create_host_command_queue(device, false, false);
     newer::program program =
@@ -52,6 +48,10 @@ void use_newer(session& here, bool keep) {
     queue.enqueue_command_without_event(newer::fill_svm<int>(shared, 0, 16));
     queue.enqueue_command_without_event(newer::nd_range_kernel(clone, 1, {0, 0, 0}, {4, 1, 1}, {1, 1, 1}));
     queue.finish();
+    newer::host_command_queue timed = context.create_host_command_queue(device, false, true);
+    newer::event const fill = timed.enqueue_command(newer::fill_svm<int>(shared, 0, 16));
+    timed.finish();
+    std::printf("%d ", fill.profile_command_end() != 0);
     std::vector<newer::device> const parts = device.partition_equally(1);
     std::printf("profiling %d, %zu kernels\n", queue.profiling_enabled(), kernels.size());
     if (keep) {
@@ -61,6 +61,24 @@ void use_newer(session& here, bool keep) {
         queue.enqueue_command_without_event(newer::svm_free({shared}));
         queue.finish();
     }
+}
+
+// Gives each argument of a kernel a null object.
+void set_nothing(session& here, char const* source, char const* options, unsigned count) {
+    cl::program program = here.context.create_program_from_source(source);
+    program.build({here.device}, options, nullptr, nullptr);
+    cl::kernel kernel = program.create_kernel("pick");
+    void* nothing = nullptr;
+    for (unsigned i = 0; i < count; ++i) {
+        kernel.set_argument_raw(i, sizeof nothing, &nothing);
+    }
+}
+
+void set_null_image(session& here, char const* options) {
+    set_nothing(here,
+                "void pick_none(void) {} /* , */ kernel void pick(global float* to, // (\n"
+                "read_only image2d_t from) { to[0] = 0; }",
+                options, 2);
 }
 
 std::map<std::string, std::function<void(session&)>> const mistakes{
@@ -103,6 +121,20 @@ std::map<std::string, std::function<void(session&)>> const mistakes{
     {"index", [](session& here) { here.kernel("scale").set_argument(2, here.buffer); }},
     {"size", [](session& here) { here.kernel("scale").set_argument_raw(1, 2, here.values.data()); }},
     {"divide", [](session& here) { scale(here, 1000, 64); }},
+    {"volume", // each side alone is none too many
+     [](session& here) {
+         cl::kernel kernel = here.kernel("scale");
+         kernel.set_argument(0, here.buffer);
+         kernel.set_argument_raw(1, sizeof(float), here.values.data());
+         std::array<std::size_t, 3> const size{here.device.max_work_group_size(), 2, 1};
+         here.queue.enqueue_command_without_event(cl::nd_range_kernel(kernel, 2, {0, 0, 0}, size, size));
+     }},
+    {"dimensions",
+     [](session& here) {
+         cl::kernel kernel = here.kernel("eights");
+         kernel.set_argument(0, here.buffer);
+         here.queue.enqueue_command_without_event(cl::nd_range_kernel(kernel, 4, {0, 0, 0}, {8, 1, 1}, {8, 1, 1}));
+     }},
     {"required",
      [](session& here) {
          cl::kernel kernel = here.kernel("eights");
@@ -122,8 +154,24 @@ std::map<std::string, std::function<void(session&)>> const mistakes{
          here.queue.enqueue_command_without_event(
              cl::read_image(image, true, {0, 6, 0}, {16, 4, 1}, 0, 0, here.values.data()));
      }},
+    {"flat",
+     [](session& here) {
+         cl::image_format const format{cl::image_channel_order::rgba, cl::image_channel_type::unsigned_int8};
+         cl::image_2d const image = here.context.create_image_2d(cl::mem_flags::read_write, format, 16, 8, 0, nullptr);
+         here.queue.enqueue_command_without_event(
+             cl::read_image(image, true, {0, 0, 0}, {16, 0, 1}, 0, 0, here.values.data()));
+     }},
     {"newer", [](session& here) { use_newer(here, false); }},
     {"newer_leak", [](session& here) { use_newer(here, true); }},
+    {"null_image", [](session& here) { set_null_image(here, ""); }}, // the source alone tells of it
+    {"null_image_told", [](session& here) { set_null_image(here, "-cl-kernel-arg-info"); }},
+    {"two_texts", // one of which is not compiled
+     [](session& here) {
+         set_nothing(here,
+                     "#ifdef NONE\nkernel void pick(read_only image2d_t from) {}\n#endif\n"
+                     "kernel void pick(global float* to) { if (to) to[0] = 0; }",
+                     "", 1);
+     }},
     {"profile", // what a queue without profiling says, and two launches, the second of which waits for the first
      [](session& here) {
          cl::kernel kernel = here.kernel("scale");
@@ -201,6 +249,14 @@ std::map<std::string, std::function<void(session&)>> const mistakes{
 };
 
 } // namespace
+
+vorn::mero::opencl_2_1::device newer_device(session& here) {
+    namespace newer = vorn::mero::opencl_2_1;
+    auto* const raw = cl::raw::get_raw_device_id(here.device);
+    std::vector<newer::device> devices = newer::get_all_devices();
+    auto const same = [raw](newer::device const& each) { return newer::raw::get_raw_device_id(each) == raw; };
+    return *std::find_if(devices.begin(), devices.end(), same);
+}
 
 int main(int count, char** arguments) {
     if (count != 3 || mistakes.count(arguments[2]) + undefined.count(arguments[2]) == 0) {

@@ -3,6 +3,7 @@
 // What the mistakes are made with.
 
 #include <vorn/mero/opencl_1_2.hpp>
+#include <vorn/mero/opencl_2_1.hpp>
 
 #include <functional>
 #include <map>
@@ -31,6 +32,9 @@ struct session {
         queue.finish();
     }
 };
+
+// The device of a session as the newer versions offer it.
+vorn::mero::opencl_2_1::device newer_device(session& here);
 
 // What OpenCL leaves undefined, and what is like it but right.
 extern std::map<std::string, std::function<void(session&)>> const undefined;
