@@ -9,6 +9,7 @@
 #include <chrono>
 #include <cstdlib>
 #include <cstring>
+#include <deque>
 #include <optional>
 #include <set>
 #include <stdexcept>
@@ -37,12 +38,11 @@ struct rule {
 
 struct counted_rule : rule {
     explicit counted_rule(rule const& of) : rule(of) {}
-    counted_rule(counted_rule&& other) noexcept : rule(other) {}
     std::atomic<std::uint64_t> seen{0};
 };
 
 struct settings {
-    std::vector<counted_rule> rules;
+    std::deque<counted_rule> rules;
     bool report = false;
 };
 
