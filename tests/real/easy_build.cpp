@@ -94,8 +94,10 @@ SCENARIO(easy_defines_exact_values, "easy builds", 100) {
     auto const gpu = ez::basic_session<Api::number>(b.device, b.context);
     std::vector<float> const exact{
         0.1F, -1.5e-30F, 16777217.0F, 3.0F, std::numeric_limits<float>::max(), -std::numeric_limits<float>::infinity()};
-    auto defined = ez::build_options().define("LEAST", std::numeric_limits<std::int32_t>::min());
-    std::string source = "kernel void f(global float* v) { v[0] = LEAST == -2147483647 - 1;";
+    auto defined = ez::build_options()
+                       .define("LEAST", std::numeric_limits<std::int32_t>::min())
+                       .define("NONE", std::numeric_limits<float>::quiet_NaN());
+    std::string source = "kernel void f(global float* v) { v[0] = LEAST == -2147483647 - 1 && isnan(NONE);";
     for (std::size_t i = 0; i != exact.size(); ++i) {
         std::string const number = std::to_string(i);
         defined.define("X" + number, exact[i]);

@@ -53,6 +53,8 @@ SCENARIO(easy_tells_what_to_do, "easy misuse", 120) {
         twice(ez::range(1).local(1), ez::local<int>(first ? third : 1), ez::local<int>(first ? 1 : third)).wait();
     }
     says<ez::launch_error>("", [&] { f(ez::range(8).local(3), v, s); });
+    std::size_t const large = 2 * b.device.max_work_group_size();
+    says<ez::launch_error>("a group of this kernel has at most ", [&] { f(ez::range(large).local(large), v, s); });
     says<ez::bounds_error>("elements 4 to 18446744073709551615", [&] { v.fill(0, 4, most); });
     says<ez::bounds_error>("use several arrays", [&] { gpu.template array<int>(std::size_t{1} << 50U); });
     says<ez::argument_error>("use a session of `another_queue`", [&] { v.on(elsewhere); });
@@ -64,6 +66,8 @@ SCENARIO(easy_tells_what_to_do, "easy misuse", 120) {
     says<ez::no_kernel>("it has none", [&] { gpu.build("constant int n = 1;")["f"]; });
     says<ez::file_error>("Is a directory", [&] { gpu.build_file("."); });
     says<ez::option_error>("for the current one", [] { ez::build_options().include(""); });
+    says<ez::no_device>("not accepted by the program",
+                        [] { ez::find_device<Api::number>("", [](typename Api::device const&) { return false; }); });
     says<ez::no_device>("The list of devices is empty",
                         [] { ez::basic_devices<Api::number>(std::vector<typename Api::device>{}); });
     says<ez::bounds_error>("a step of at least 1", [] { ez::shares_of(4, {1}, 0); });
@@ -74,6 +78,11 @@ SCENARIO(easy_tells_what_to_do, "easy misuse", 120) {
         says<ez::bounds_error>("at most", [&] { gpu.template image<ez::rgba8>(1U << 20U, 1U << 20U); });
         auto picture = gpu.template image<ez::rgba8>(2, 2);
         says<ez::argument_error>("use a session of `another_queue`", [&] { picture.on(elsewhere); });
+        picture.fill({{1, 2, 3, 4}});
+        EXPECT_EQ(picture.on(gpu.another_queue()).read(), picture.read());
+        auto show = gpu.build("kernel void show(read_only image2d_t picture) {}")["show"];
+        auto far = elsewhere.template image<ez::rgba8>(2, 3);
+        says<ez::argument_error>("was given an image of 2 x 3", [&] { show(ez::range(1), far); });
     }
     f(ez::range(8), v, s); // what was refused has changed nothing
     EXPECT_EQ(v.read(), numbers(8, 1));

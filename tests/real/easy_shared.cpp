@@ -74,6 +74,11 @@ SCENARIO(easy_shared_memory, "SVM", 200) {
     }
     if (!b.device.svm_atomics_supported()) {
         EXPECT_THROW((ez::basic_shared<int, version>(gpu, 8, ez::grain::atomics)), ez::unsupported);
+    } else {
+        ez::basic_shared<std::int32_t, version> const counters(gpu, 1, ez::grain::atomics);
+        counters.data()[0] = 1;
+        add(ez::range(1), counters, 10).wait();
+        EXPECT_EQ(counters.data()[0], 11);
     }
     EXPECT_THROW(add(ez::range(1), std::vector<std::int32_t, ez::basic_shared_allocator<std::int32_t, version>>(
                                        3, 7, ez::basic_shared_allocator<std::int32_t, version>(gpu))),
@@ -83,6 +88,13 @@ SCENARIO(easy_shared_memory, "SVM", 200) {
     add(ez::range(1), fine, 10).wait();
     EXPECT_EQ(fine.data()[0], 11);
     using allocator = ez::basic_shared_allocator<std::int32_t, version>;
+    EXPECT_THROW((void)allocator(gpu).allocate(static_cast<std::size_t>(-1)), std::bad_alloc);
+    ez::basic_session<version> const elsewhere(b.device);
+    std::vector<std::int32_t, allocator> const foreign(3, 7, allocator(elsewhere));
+    EXPECT_NE(refusal<ez::argument_error>([&] {
+                  add(ez::range(1), foreign, 1);
+              }).find("was given a shared list of 3 elements of 4 bytes of another context"),
+              std::string::npos);
     std::vector<std::int32_t, allocator> list(3, 7, allocator(gpu));
     add(ez::range(3), list, 1).wait();
     auto taken = std::move(list);
