@@ -9,6 +9,7 @@
 #include <atomic>
 #include <cstdio>
 #include <cstdlib>
+#include <initializer_list>
 #include <strings.h>
 
 namespace nq::bridge {
@@ -23,14 +24,25 @@ bool verbose() noexcept {
 
 std::string line(std::string const& text) { return "libnq: " + text + "\n"; }
 
+// If the user has named what was not found, in one of these variables.
+std::string named_by(std::initializer_list<char const*> variables) {
+    for (char const* const variable : variables) {
+        if (char const* const value = trusted_environment(variable); value != nullptr && *value != '\0') {
+            return "correct or unset " + std::string(variable) + ", which names it, or ";
+        }
+    }
+    return "";
+}
+
 std::string without_loader(std::string const& failure) {
     return line("there is no OpenCL loader: " + failure) +
-           line("install one (" + std::string(loader_remedy) + ") or name yours in NQ_BRIDGE_OPENCL");
+           line(named_by({"NQ_BRIDGE_OPENCL"}) + "install one (" + std::string(loader_remedy) +
+                ") or name yours in NQ_BRIDGE_OPENCL");
 }
 
 std::string without_vendors(std::string const& setting) {
     return line("there is no OpenCL implementation: no " + std::string(vendor_entry) + " in " + setting) +
-           line("install one" + std::string(vendor_remedy));
+           line(named_by({"OCL_ICD_VENDORS", "OPENCL_VENDOR_PATH"}) + "install one" + std::string(vendor_remedy));
 }
 
 // Why the loader does not use a vendor's library; the loader skips it silently.
@@ -41,8 +53,11 @@ std::string unusable(vendor const& each, bool platforms_found) {
     }
     if (load_library(each.driver.c_str(), binding::when_called) == nullptr) {
         std::string const reason = load_failure(each.driver.c_str());
+        std::string const missing = reason.substr(0, reason.find(": "));
+        bool const is_named = !each.file.empty() && missing == each.driver; // and not what it needs
         return line(named + each.driver + ", which does not load: " + reason) +
-               line("install or repair the package that holds " + reason.substr(0, reason.find(": ")));
+               line((is_named ? "correct " + each.file + ", or " : "") + "install or repair the package that holds " +
+                    missing);
     }
     return platforms_found ? ""
                            : line(named + each.driver +

@@ -149,17 +149,17 @@ void finds_nothing(std::string const& environment, std::vector<std::string> cons
 }
 
 TEST(process, without_a_loader) {
-    finds_nothing("NQ_BRIDGE_OPENCL=libnone.so",
-                  {"there is no OpenCL loader: libnone.so", "install one", "NQ_BRIDGE_OPENCL"});
+    finds_nothing("NQ_BRIDGE_OPENCL=libnone.so", {"there is no OpenCL loader: libnone.so",
+                                                  "correct or unset NQ_BRIDGE_OPENCL, which names it, or install one"});
     finds_nothing("NQ_BRIDGE_OPENCL=libc.so.6", {"libc.so.6 is no OpenCL loader"});
 }
 
 TEST(process, without_an_implementation) {
     std::string const vendors = "OCL_ICD_VENDORS=" REAL_VENDORS;
-    finds_nothing(vendors + "/none",
-                  {"no vendor file (*.icd) in " REAL_VENDORS "/none", "install one", "OCL_ICD_VENDORS"});
+    finds_nothing(vendors + "/none", {"no vendor file (*.icd) in " REAL_VENDORS "/none", "install one",
+                                      "correct or unset OCL_ICD_VENDORS"});
     finds_nothing(vendors + "/unknown", {"/unknown/vendor.icd names libnovendor.so, which does not load",
-                                         "package that holds libnovendor.so"});
+                                         "vendor.icd, or install or repair the package that holds libnovendor.so"});
     finds_nothing(vendors + "/lacking", {"package that holds libvorn-mero-real_absent.so"});
     finds_nothing(vendors + "/strange", {"which loads but offers no platform"});
 }
