@@ -133,8 +133,11 @@ std::vector<access> accesses_of(call const& made, description const& about) {
         return found;
     }
     for (field const& each : about) {
+        if (!is_used_later(about, each)) {
+            continue;
+        }
         auto const begin = reinterpret_cast<std::uintptr_t>(read_pointer(made.block, each.offset));
-        if (!is_used_later(about, each) || begin == 0) {
+        if (begin == 0) {
             continue;
         }
         area where{begin};

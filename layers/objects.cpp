@@ -73,10 +73,12 @@ changes made_by(description const& about, void const* block, memory_reader read)
         found.push_back({first_field(about, block), about.begin()->object, 1, false});
     } else if (&about == &description_of<block::clSVMAlloc> || makes_objects(about)) {
         for (field const& each : about) {
-            object_change const change{const_cast<void*>(read_pointer(block, each.offset)), each.object, 1, true};
             bool const is_memory = each.offset == about.result && &about == &description_of<block::clSVMAlloc>;
-            if (change.address == nullptr || each.direction != direction::out ||
-                (each.kind != field_kind::handle && !is_memory)) {
+            if (each.direction != direction::out || (each.kind != field_kind::handle && !is_memory)) {
+                continue;
+            }
+            object_change const change{const_cast<void*>(read_pointer(block, each.offset)), each.object, 1, true};
+            if (change.address == nullptr) {
                 continue;
             }
             if (each.offset == about.result) {

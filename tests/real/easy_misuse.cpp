@@ -75,7 +75,6 @@ SCENARIO(easy_tells_what_to_do, "easy misuse", 120) {
     says<ez::launch_error>("there is no range", [&] { ez::tune(f, std::vector<ez::range>{}, v, s); });
     if (b.device.image_support()) {
         says<ez::bounds_error>("at least one in each direction", [&] { gpu.template image<ez::rgba8>(0, 4); });
-        says<ez::bounds_error>("at most", [&] { gpu.template image<ez::rgba8>(1U << 20U, 1U << 20U); });
         auto picture = gpu.template image<ez::rgba8>(2, 2);
         says<ez::argument_error>("use a session of `another_queue`", [&] { picture.on(elsewhere); });
         picture.fill({{1, 2, 3, 4}});
@@ -192,6 +191,9 @@ SCENARIO(easy_tells_what_was_given, "easy misuse", 100) {
 SCENARIO(easy_tells_sizes_of_images, "easy misuse", 120) {
     if (!b.device.image_support()) {
         skip("the device has no images");
+    }
+    if (address_sanitizer && b.name == "oclgrind") {
+        skip("it allocates images of any size, and AddressSanitizer ends the process when there is no memory");
     }
     ez::basic_session<Api::number> const gpu(b.device, b.context);
     constexpr std::size_t huge = std::size_t{1} << 40U;

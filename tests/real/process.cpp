@@ -107,14 +107,6 @@ int discover_from_threads() {
     return failed();
 }
 
-#if defined(__SANITIZE_THREAD__)
-constexpr bool thread_sanitizer = true;
-#elif defined(__has_feature)
-constexpr bool thread_sanitizer = __has_feature(thread_sanitizer);
-#else
-constexpr bool thread_sanitizer = false;
-#endif
-
 SCENARIO(forks, "forks", 100, 100) {
     if (thread_sanitizer) {
         skip("ThreadSanitizer ends a forked child that starts threads");

@@ -110,6 +110,23 @@ std::vector<defect> const& known_defects();
 /// The SPIR-V module of the tests: its kernel "f" adds 100 to each element.
 bytes intermediate_language();
 
+/// The sanitizers that the tests are built with.
+#if defined(__has_feature)
+inline constexpr bool address_sanitizer = __has_feature(address_sanitizer);
+inline constexpr bool thread_sanitizer = __has_feature(thread_sanitizer);
+#else
+#if defined(__SANITIZE_ADDRESS__)
+inline constexpr bool address_sanitizer = true;
+#else
+inline constexpr bool address_sanitizer = false;
+#endif
+#if defined(__SANITIZE_THREAD__)
+inline constexpr bool thread_sanitizer = true;
+#else
+inline constexpr bool thread_sanitizer = false;
+#endif
+#endif
+
 /// Waits a little for what OpenCL does on a thread of its own.
 bool comes_true(std::function<bool()> const& condition);
 
