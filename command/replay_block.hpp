@@ -87,7 +87,7 @@ private:
     void put_list(nq::field const& each, std::vector<std::byte>& list);
     void put_room(nq::field const& each);
     void check_shared(nq::field const& each);
-    void check(nq::field const& each) const;
+    void check(nq::field const& each);
     std::optional<memory_rows> rows(nq::field const& each, void const* block) const;
     std::byte* own(std::vector<std::byte> bytes);
     void allow(recording::memory bytes) { readable_.push_back(bytes); }

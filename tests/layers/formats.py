@@ -157,7 +157,7 @@ def breaches_of_page(trace, folder):
             yield f"calls: {text('#calls td')}"
         if "clCreateSubBuffer" not in text("#kept td") or "scale" not in text("#commands td"):
             yield "a table lacks its row"
-        run("document.querySelector('#commands .link').click()")
+        run("[...document.querySelectorAll('#commands .link')].find(each => each.innerText.includes('scale')).click()")
         if f"enqueued by\n{'clEnqueueNDRangeKernel'}" not in "\n".join(text("#details dl")):
             yield f"details: {text('#details')}"
         zoomed = run("return view.to - view.from")
