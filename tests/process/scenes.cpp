@@ -102,18 +102,19 @@ void exit_in_callback() {
 
 void exit_in_callback_of_a_command() {
     statics();
-    auto on = *last;
-    auto store = on.make_buffer();
+    auto context = last->context;
+    auto store = last->make_buffer();
     std::vector<int> values(items);
-    auto gate = on.context.create_user_event();
+    auto gate = context.create_user_event();
     auto const gate_event = gate.get_event();
     _nq_cl_event* const list[] = {internal::owner_access::raw(gate_event)};
-    auto done = on.queue.enqueue_command(new_api::write_buffer(store, false, 0, bytes, values.data()), 1, list);
+    auto done = last->queue.enqueue_command(new_api::write_buffer(store, false, 0, bytes, values.data()), 1, list);
     done.set_callback(
         new_api::commmand_exec_callback_type::complete, [](_nq_cl_event*, int, void*) { std::exit(0); }, nullptr);
-    on.queue.flush();
+    last->queue.flush();
     gate.set_status_success();
-    on.wait_for(done);
+    _nq_cl_event* const waited[] = {internal::owner_access::raw(done)};
+    context.wait_for_events(1, waited);
     sleep_milliseconds(10000);
     std::abort();
 }
