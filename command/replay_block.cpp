@@ -14,7 +14,7 @@ using recording::memory;
 
 constexpr std::uint64_t most_memory = std::uint64_t{1} << 40U;
 constexpr std::size_t most_padding = std::size_t{1} << 28U; // bytes; more comes from a damaged recording
-constexpr std::uint64_t svm_pointers = 0x11B6; // CL_KERNEL_EXEC_INFO_SVM_PTRS
+constexpr std::uint64_t svm_pointers = 0x11B6;              // CL_KERNEL_EXEC_INFO_SVM_PTRS
 constexpr std::uint64_t use_host_pointer = 8;
 
 // What the readers of a description may look at: what the block refers to.
