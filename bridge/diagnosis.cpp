@@ -35,9 +35,10 @@ std::string named_by(std::initializer_list<char const*> variables) {
 }
 
 std::string without_loader(std::string const& failure) {
+    std::string const named = named_by({"NQ_BRIDGE_OPENCL"});
     return line("there is no OpenCL loader: " + failure) +
-           line(named_by({"NQ_BRIDGE_OPENCL"}) + "install one (" + std::string(loader_remedy) +
-                ") or name yours in NQ_BRIDGE_OPENCL");
+           line(named + "install one (" + std::string(loader_remedy) + ")" +
+                (named.empty() ? " or name yours in NQ_BRIDGE_OPENCL" : ""));
 }
 
 std::string without_vendors(std::string const& setting) {

@@ -221,7 +221,9 @@ void write(fs::path const& path, void const* bytes, std::size_t size) {
 void write_launch(launch_parts const& parts, std::string const& folder) {
     fs::path const to = folder;
     std::error_code failure;
-    if (fs::is_directory(to, failure) && !fs::is_empty(to, failure) && !fs::exists(to / "kernel.cl", failure)) {
+    std::string first;
+    std::getline(std::ifstream(to / "main.cpp"), first);
+    if (fs::is_directory(to, failure) && !fs::is_empty(to, failure) && !first.starts_with("// Launch ")) {
         throw std::runtime_error(folder + " has files of yours; give a folder that is empty, or that is not there");
     }
     fs::create_directories(to, failure);

@@ -53,7 +53,7 @@ struct options {
     std::function<int()> action; // of the subcommand
 };
 
-// So that what a script has left empty is told, and not taken for nothing.
+// Refuses an empty text, such as an unset variable of a script.
 CLI::Validator given(char const* what) {
     return {[=](std::string const& text) { return text.empty() ? std::string("give ") + what + ", not ''" : ""; }, ""};
 }
@@ -72,8 +72,8 @@ CLI::Validator between(double least, double most, char const* what) {
 std::string name_of(std::string const& wanted) {
     std::string output = nq::layer::trace::expanded(wanted);
     bool const is_device = output.starts_with("/dev/") || output.starts_with("/proc/");
-    return !is_device && fs::is_symlink(output) && fs::is_regular_file(output) ? fs::canonical(output).string()
-                                                                               : output;
+    bool const is_link = !is_device && fs::is_symlink(output) && (fs::is_regular_file(output) || !fs::exists(output));
+    return is_link ? fs::weakly_canonical(fs::path(output).parent_path() / fs::read_symlink(output)).string() : output;
 }
 
 // What programs have left behind that did not come to their end, or were not to write more.
@@ -156,6 +156,9 @@ int sweep(options& with) {
 }
 
 int record(options const& with) {
+    if (with.session.find("%p") != std::string::npos) { // a file of each process
+        return run_under("record", "output=" + with.session, with.program);
+    }
     std::string const output = name_of(with.session);
     remove_old(output);
     probe(output, output);
@@ -328,7 +331,9 @@ int main(int count, char** arguments) {
     }
     // Where the options of a program are taken for those of the command.
     app.failure_message([](CLI::App const* of, CLI::Error const& failure) {
-        bool const is_extra = failure.get_exit_code() == static_cast<int>(CLI::ExitCodes::ExtrasError);
+        auto const chosen = of->get_subcommands();
+        bool const is_extra = failure.get_exit_code() == static_cast<int>(CLI::ExitCodes::ExtrasError) &&
+                              !chosen.empty() && chosen.front()->get_option_no_throw("program") != nullptr;
         return CLI::FailureMessage::simple(of, failure) +
                (is_extra ? "A program with options follows --, as in: vorn-mero errors -- ./program --its-option\n"
                          : "");

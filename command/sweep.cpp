@@ -149,7 +149,6 @@ public:
                     wait_for_one();
                 }
                 start("call=" + std::to_string(call) + ":" + failure);
-                progress_->advance();
             }
         }
         while (!running_.empty()) {
@@ -223,7 +222,10 @@ private:
     }
 
     // The oldest: the others run on.
-    void wait_for_one() { judge(wait_for(running_.front())); }
+    void wait_for_one() {
+        judge(wait_for(running_.front()));
+        progress_->advance();
+    }
 
     void judge(run const& ended) {
         std::string const entry = failed_entry(ended);

@@ -31,7 +31,7 @@ int exit_status(char const* layer, char const* variable) {
 
 } // namespace
 
-// Other layers are still to write what they found, or the rest of a file. A function of on_exit() that is set while
+// Other layers may still have to report, or to finish a file. A function of on_exit() that is set while
 // shared objects end is called when all have ended; one of atexit() would be called with the end of this one.
 void end_with_findings(char const* layer, char const* variable) {
     static int status = 0;

@@ -4,6 +4,7 @@
 #include <array>
 #include <cstdio>
 #include <string_view>
+#include <sys/ioctl.h>
 #include <unistd.h>
 #include <utility>
 
@@ -34,7 +35,10 @@ void progress::show(std::uint64_t done) noexcept {
         std::snprintf(line.data(), line.size(), "\r\033[K[%-*.*s] %llu of %llu %s", static_cast<int>(full.size()),
                       static_cast<int>(part * static_cast<double>(full.size())), full.data(),
                       static_cast<unsigned long long>(done), static_cast<unsigned long long>(all_), what_.c_str());
-    write_line(line.data(), std::min(size, static_cast<int>(line.size()) - 1));
+    winsize window{}; // a line that is wider could not be taken away
+    int const columns = ioctl(STDERR_FILENO, TIOCGWINSZ, &window) == 0 && window.ws_col != 0 ? window.ws_col : 80;
+    constexpr int erasing = 4; // characters that the terminal does not show
+    write_line(line.data(), std::min({size, static_cast<int>(line.size()) - 1, columns - 1 + erasing}));
     is_shown_ = true;
     next_ = clock::now() + between;
 }

@@ -1,6 +1,6 @@
 #pragma once
 
-// How far work has come that takes long.
+// The progress of long work.
 
 #include <chrono>
 #include <cstdint>

@@ -70,15 +70,16 @@ public:
             result == result::success &&
             (about_.status == absent || read_field(made_.block, about_.status, sizeof(std::int32_t)) == 0);
         _nq_cl_event* kept = succeeded ? event() : nullptr;
+        std::vector<std::string> const kernels = succeeded ? names_of_kernels() : std::vector<std::string>();
         {
             std::scoped_lock const lock{all().mutex};
             entry_.order = is_ordered_ ? entry_.order : next_order();
             if (succeeded) {
-                add_results();
+                add_results(kernels);
             }
             write(result);
             if (succeeded) {
-                all().memory.note(made_, about_);
+                all().memory.note(made_, about_, entry_.pixel_size);
                 note_written(kept);
             }
         }
@@ -215,7 +216,21 @@ private:
         }
     }
 
-    void add_results() {
+    // Of kernels that were made all at once.
+    std::vector<std::string> names_of_kernels() const {
+        std::vector<std::string> names;
+        auto const* const many = as<block::clCreateKernelsInProgram>(made_, &about_);
+        if (many != nullptr && many->kernels != nullptr) {
+            std::size_t const count = written_size(*find(about_, "kernels")) / sizeof(void*);
+            for (std::size_t i = 0; i < std::min<std::size_t>(count, many->num_kernels); ++i) {
+                names.push_back(
+                    name_of(made_, block::clGetKernelInfo{.kernel = many->kernels[i]}, "CL_KERNEL_FUNCTION_NAME"_cl));
+            }
+        }
+        return names;
+    }
+
+    void add_results(std::vector<std::string> const& kernels) {
         bool const is_query = std::string_view(about_.name).starts_with("clGet");
         for (field const& each : about_) {
             bool const is_known = each.direction == direction::out && each.length.rule != length_rule::none &&
@@ -225,14 +240,9 @@ private:
                 add(each.offset, 0, copy(pointer, std::min(extent(each), written_size(each))));
             }
         }
-        if (auto const* const many = as<block::clCreateKernelsInProgram>(made_, &about_);
-            many != nullptr && many->kernels != nullptr) {
-            std::size_t const count = written_size(*find(about_, "kernels")) / sizeof(void*);
-            for (std::size_t i = 0; i < std::min<std::size_t>(count, many->num_kernels); ++i) {
-                std::string const kernel =
-                    name_of(made_, block::clGetKernelInfo{.kernel = many->kernels[i]}, "CL_KERNEL_FUNCTION_NAME"_cl);
-                add(offsetof(block::clCreateKernelsInProgram, kernels), i + 1, copy(kernel.c_str(), kernel.size() + 1));
-            }
+        for (std::size_t i = 0; i < kernels.size(); ++i) {
+            add(offsetof(block::clCreateKernelsInProgram, kernels), i + 1,
+                copy(kernels[i].c_str(), kernels[i].size() + 1));
         }
     }
 

@@ -71,19 +71,9 @@ std::optional<bool> is_done(written const& each) noexcept {
     return state == 0;
 }
 
-void host_memory::note(call const& made, description const& about) {
+void host_memory::note(call const& made, description const& about, std::size_t pixel_size) {
     if (field const* const flags = find(about, "map_flags"); flags != nullptr) {
         field const* const where = find(about, about.result != absent ? "result" : "svm_ptr");
-        auto const* const image = as<block::clEnqueueMapImage>(made, &about);
-        block::clGetImageInfo asked{};
-        std::size_t pixel_size = 0;
-        if (image != nullptr) {
-            asked = {.image = image->image,
-                     .param_value_size = sizeof pixel_size,
-                     .param_value = &pixel_size,
-                     .param_name = "CL_IMAGE_ELEMENT_SIZE"_cl};
-            ask(made, asked);
-        }
         maps_.emplace(read_pointer(made.block, where->offset),
                       mapped{extent(made, about, *where, pixel_size),
                              (read_field(made.block, flags->offset) & for_writing) != 0});

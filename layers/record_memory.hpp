@@ -57,7 +57,7 @@ struct allocation {
 class host_memory {
 public:
     /// Notes what a successful call has mapped, allocated or freed.
-    void note(call const& made, description const& about);
+    void note(call const& made, description const& about, std::size_t pixel_size);
 
     /// What a call unmaps; it is forgotten.
     std::optional<mapped> take_map(void const* address);

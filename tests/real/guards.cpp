@@ -120,9 +120,8 @@ SCENARIO(refuses_arguments_without_a_value, "arguments without a value", 100) {
 SCENARIO(builds_with_quotes, "values and quotes in build options", 120) {
     auto const source = b.context.create_program_from_source("__kernel void f() {}");
     auto* program = raw_of(source);
-    bool const refuses =
-        b.differs("rusticl",
-                  "would end the process for a quoted part, or one of a single letter; the bridge refuses the options");
+    bool const refuses = b.differs("rusticl", "would end the process for a part of one letter, or a quoted one that "
+                                              "belongs to no option; the bridge refuses them");
     for (auto const& [options, is_harmful] : {std::pair{"-D N", true},
                                               {"-D N -w", true},
                                               {"-DA=\"N\"", true},
