@@ -16,6 +16,8 @@ namespace nq::command {
 struct launch_argument {
     enum class kind { value, local, buffer, image, sampler };
 
+    bool is_memory() const noexcept { return what == kind::buffer || what == kind::image; }
+
     kind what = kind::value;
     std::uint64_t size = 0;          ///< of a value or of local memory, in bytes
     std::vector<std::byte> before{}; ///< a value; what memory held

@@ -143,7 +143,6 @@ void write_argument(std::ostream& to, std::uint32_t position, launch_argument co
     std::string const number = std::to_string(position);
     std::string const name = "argument_" + std::to_string(each.same_as);
     std::string const values = "values_" + number;
-    bool const is_memory = each.what == kind::buffer || each.what == kind::image;
     if (each.what == kind::local) {
         to << "    kernel.set_argument_raw(" << number << ", " << each.size << ", nullptr); // local memory\n";
         return;
@@ -154,7 +153,7 @@ void write_argument(std::ostream& to, std::uint32_t position, launch_argument co
            << "    kernel.set_argument_raw(" << number << ", sizeof " << name << ", " << name << ");\n";
         return;
     }
-    if (each.same_as == position && is_memory) {
+    if (each.same_as == position && each.is_memory()) {
         to << "    std::vector<char> " << values << " = read_file(\"argument-" << number << ".bin\");\n";
     }
     if (each.same_as == position && each.what == kind::buffer) {
@@ -170,8 +169,7 @@ void write_argument(std::ostream& to, std::uint32_t position, launch_argument co
 }
 
 void write_comparison(std::ostream& to, std::uint32_t position, launch_argument const& each) {
-    bool const is_memory = each.what == kind::buffer || each.what == kind::image;
-    if (!is_memory || each.same_as != position) {
+    if (!each.is_memory() || each.same_as != position) {
         return;
     }
     std::string const number = std::to_string(position);
@@ -240,9 +238,8 @@ void write_launch(launch_parts const& parts, std::string const& folder) {
     write(to / "CMakeLists.txt", project.data(), project.size());
     write(to / "kernel.cl", parts.source.data(), parts.source.size());
     for (auto const& [position, each] : parts.arguments) {
-        bool const is_memory = each.what == kind::buffer || each.what == kind::image;
         std::string const name = "argument-" + std::to_string(position);
-        if (is_memory && each.same_as == position) {
+        if (each.is_memory() && each.same_as == position) {
             write(to / (name + ".bin"), each.before.data(), each.before.size());
             write(to / (name + ".expected.bin"), each.after.data(), each.after.size());
         }

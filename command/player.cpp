@@ -29,12 +29,6 @@ bool has_no_effect(std::string_view entry) {
            entry == "clSetMemObjectDestructorCallback" || entry == "clSetProgramReleaseCallback";
 }
 
-field const* find(description const& about, std::string_view name) {
-    auto const* const found =
-        std::find_if(about.begin(), about.end(), [name](field const& each) { return each.name == name; });
-    return found != about.end() ? found : nullptr;
-}
-
 void copy_rows(std::byte* to, memory_rows const& rows_to, memory from, memory_rows const& rows_from) {
     for (std::size_t slice = 0; slice < rows_from.count[1]; ++slice) {
         for (std::size_t row = 0; row < rows_from.count[0]; ++row) {
@@ -59,7 +53,7 @@ player::player(recording::session const& from, machine& on, device_choice const&
     }
     for (read_call const& each : from.calls) {
         if (is<block::clCreateSubDevices>(each)) {
-            auto const made = objects_in(each, *find(*each.about, "out_devices"));
+            auto const made = objects_in(each, *find_field(*each.about, "out_devices"));
             parts_.insert(made.begin(), made.end());
         }
     }
@@ -167,9 +161,9 @@ void player::perform_call(read_call const& call) {
 
 // Whether the size of a pixel, which all lengths of images come from, is that of the image.
 bool player::has_right_pixels(read_call const& call) {
-    field const* const format = find(*call.about, "image_format");
+    field const* const format = find_field(*call.about, "image_format");
     bool const is_command = std::string_view(call.about->name).starts_with("clEnqueue");
-    field const* const image = is_command ? find(*call.about, "image") : nullptr;
+    field const* const image = is_command ? find_field(*call.about, "image") : nullptr;
     if (call.entry.pixel_size == 0 && image == nullptr) {
         return true;
     }
@@ -203,7 +197,7 @@ void player::prepare(read_call const& call, replay_block& block) {
             names_.remove_map(call.field(each.offset));
         }
     }
-    field const* const event = find(*call.about, "event");
+    field const* const event = find_field(*call.about, "event");
     if (contents_of_.contains(call.entry.order) && event != nullptr && block.field(event->offset) == 0) {
         block.put(event->offset, reinterpret_cast<std::uintptr_t>(&own_event_));
     }
@@ -266,7 +260,7 @@ void player::take_results(read_call const& call, std::unique_ptr<replay_block> b
         }
     }
     auto places = is_whole ? block->written() : std::map<std::size_t, place>{};
-    field const* const flags = find(*call.about, "map_flags");
+    field const* const flags = find_field(*call.about, "map_flags");
     for (auto const& [offset, each] : places) {
         if (is<block::clSVMAlloc>(call)) {
             names_.set_object(call.field(offset), reinterpret_cast<std::uintptr_t>(each.here));
@@ -280,7 +274,7 @@ void player::take_results(read_call const& call, std::unique_ptr<replay_block> b
     }
     auto const contents = contents_of_.find(call.entry.order);
     if (is_whole && contents != contents_of_.end()) {
-        field const* const at = find(*call.about, "event");
+        field const* const at = find_field(*call.about, "event");
         auto* const* const event = at != nullptr ? to_pointer<_nq_cl_event*>(block->field(at->offset)) : nullptr;
         block::clRetainEvent retained{.event = event != nullptr ? *event : nullptr};
         if (retained.event != own_event_) {

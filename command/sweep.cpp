@@ -112,17 +112,6 @@ std::string fault_of(run const& ended, std::string const& entry) {
     return leaks.empty() || releases ? "" : leaks.front();
 }
 
-bool is_entry_point(std::string_view name) {
-    for (std::uint64_t version = 1; version <= 6; ++version) {
-        for (std::uint32_t id = 1; describe(capability{version}, id) != nullptr; ++id) {
-            if (describe(capability{version}, id)->name == name) {
-                return true;
-            }
-        }
-    }
-    return false;
-}
-
 class sweeper {
 public:
     sweeper(command_line const& program, sweep_options options)
@@ -134,7 +123,7 @@ public:
 
     int perform() {
         for (std::string const& each : options_.except) {
-            if (!is_entry_point(each)) {
+            if (!is_command(each)) {
                 throw std::runtime_error("--except: give the name of an OpenCL entry point, not '" + each + "'");
             }
         }

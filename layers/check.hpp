@@ -2,7 +2,7 @@
 
 // What the parts of the layer check share.
 
-#include "layer.hpp"
+#include "ask.hpp"
 #include "source.hpp"
 
 #include <string>
@@ -46,13 +46,5 @@ std::vector<void*> handles_in(call const& made, description const& about, field 
 
 /// The first field that libnq reads and that holds an object of this kind, or a list of them; null if there is none.
 field const* find_handle(description const& about, object_kind kind) noexcept;
-
-/// The value of a query that has one of a fixed size. Nothing if it fails.
-template <class Value, class Block>
-bool ask_value(call const& made, Block question, Value& value) {
-    question.param_value_size = sizeof value;
-    question.param_value = &value;
-    return ask(made, question);
-}
 
 } // namespace nq::layer::check

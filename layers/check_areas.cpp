@@ -53,18 +53,18 @@ bool pixels_of(call const& made, description const& about, length const& by, are
     std::size_t region[3];
     void const* const extent = read_pointer(made.block, by.operands[0]);
     field const* const image = find_handle(about, object_kind::memory);
-    std::size_t pixel = 0;
     if (extent == nullptr || image == nullptr || !read_safely(region, extent, sizeof region)) {
         return false;
     }
     block::clGetImageInfo const question{.image = static_cast<_nq_cl_mem*>(handles_in(made, about, *image).front()),
                                          .param_name = "CL_IMAGE_ELEMENT_SIZE"_cl};
-    if (!ask_value(made, question, pixel)) {
+    auto const pixel = ask_value<std::size_t>(made, question);
+    if (!pixel) {
         return false;
     }
     std::size_t const row = read_field(made.block, by.operands[1]);
     std::size_t const slice = read_field(made.block, by.operands[2]);
-    made_of.width = region[0] * pixel;
+    made_of.width = region[0] * *pixel;
     made_of.rows = region[1];
     made_of.slices = region[2];
     made_of.row_pitch = row != 0 ? row : made_of.width;

@@ -44,40 +44,24 @@ bool uses_arguments(std::string_view entry) {
     return entry == "clEnqueueNDRangeKernel" || entry == "clEnqueueTask" || entry == "clCloneKernel";
 }
 
-template <class Block>
-std::string text(call const& made, Block question) {
-    std::size_t size = 0;
-    question.param_value_size_ret = &size;
-    std::string reply;
-    if (ask(made, question) && size > 1) {
-        reply.resize(size);
-        question.param_value_size = size;
-        question.param_value = reply.data();
-        reply.resize(ask(made, question) ? size - 1 : 0);
-    }
-    return reply;
-}
-
 // Its type and name, if OpenCL or the source of the program tell; else empty.
 std::string declaration(call const& made, _nq_cl_kernel* kernel, std::uint32_t argument) {
-    std::string type = text(
-        made,
-        block::clGetKernelArgInfo{.kernel = kernel, .arg_index = argument, .param_name = "CL_KERNEL_ARG_TYPE_NAME"_cl});
+    block::clGetKernelArgInfo question{
+        .kernel = kernel, .arg_index = argument, .param_name = "CL_KERNEL_ARG_TYPE_NAME"_cl};
+    std::string const type = ask_text(made, question);
     if (!type.empty()) {
-        std::uint32_t space = 0;
-        ask_value(made,
-                  block::clGetKernelArgInfo{
-                      .kernel = kernel, .arg_index = argument, .param_name = "CL_KERNEL_ARG_ADDRESS_QUALIFIER"_cl},
-                  space);
+        question.param_name = "CL_KERNEL_ARG_ADDRESS_QUALIFIER"_cl;
+        std::uint32_t const space = ask_value<std::uint32_t>(made, question).value_or(0);
         return (space == 0x119B /* CL_KERNEL_ARG_ADDRESS_GLOBAL */ && type.back() == '*' ? "global " : "") + type;
     }
-    _nq_cl_program* program = nullptr;
-    if (!ask_value(made, block::clGetKernelInfo{.kernel = kernel, .param_name = "CL_KERNEL_PROGRAM"_cl}, program)) {
+    auto const program = ask_value<_nq_cl_program*>(
+        made, block::clGetKernelInfo{.kernel = kernel, .param_name = "CL_KERNEL_PROGRAM"_cl});
+    if (!program) {
         return "";
     }
     return declaration_of(
-        text(made, block::clGetProgramInfo{.program = program, .param_name = "CL_PROGRAM_SOURCE"_cl}),
-        text(made, block::clGetKernelInfo{.kernel = kernel, .param_name = "CL_KERNEL_FUNCTION_NAME"_cl}), argument);
+        ask_text(made, block::clGetProgramInfo{.program = *program, .param_name = "CL_PROGRAM_SOURCE"_cl}),
+        ask_text(made, block::clGetKernelInfo{.kernel = kernel, .param_name = "CL_KERNEL_FUNCTION_NAME"_cl}), argument);
 }
 
 bool has_word(std::string const& text, std::string_view word) {

@@ -106,12 +106,10 @@ void add(call const& made, void const* pointer, region each) {
 
 // The memory of a buffer in the program's own memory is the program's, mapped or not.
 bool is_of_program(call const& made, void* buffer) {
-    std::uint64_t flags = 0;
-    return !ask_value(
-               made,
-               block::clGetMemObjectInfo{.memobj = static_cast<_nq_cl_mem*>(buffer), .param_name = "CL_MEM_FLAGS"_cl},
-               flags) ||
-           (flags & 8U /* CL_MEM_USE_HOST_PTR */) != 0;
+    block::clGetMemObjectInfo const question{.memobj = static_cast<_nq_cl_mem*>(buffer),
+                                             .param_name = "CL_MEM_FLAGS"_cl};
+    auto const flags = ask_value<std::uint64_t>(made, question);
+    return !flags || (*flags & "CL_MEM_USE_HOST_PTR"_cl) != 0;
 }
 
 // Whether memory is a buffer's, and so cannot be anything else's: maps it once more, and looks where it is.

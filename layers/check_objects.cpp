@@ -49,20 +49,9 @@ void revive_told(call const& made, description const& about) {
 
 // Whether the objects begin with the address of a table of functions, as all do that an ICD loader knows.
 bool have_tables(call const& made) {
-    block::call_handle_device own{};
-    _nq_cl_platform_id* platform = nullptr;
-    std::size_t size = 0;
-    forward({made.handle, made.version, find_command<block::call_handle_device>(made.version), &own, nullptr});
-    if (!ask_value(made, block::clGetDeviceInfo{.device = own.result, .param_name = "CL_DEVICE_PLATFORM"_cl},
-                   platform)) {
-        return false;
-    }
-    block::clGetPlatformInfo question{
-        .platform = platform, .param_name = "CL_PLATFORM_EXTENSIONS"_cl, .param_value_size_ret = &size};
-    std::string extensions(ask(made, question) ? size : 0, '\0');
-    question.param_value_size = extensions.size();
-    question.param_value = extensions.data();
-    return !extensions.empty() && ask(made, question) && extensions.find("cl_khr_icd") != std::string::npos;
+    block::clGetPlatformInfo const question{.platform = platform_of(made, own_device(made)),
+                                            .param_name = "CL_PLATFORM_EXTENSIONS"_cl};
+    return ask_text(made, question).find("cl_khr_icd") != std::string::npos;
 }
 
 // An address that no object of an implementation can be at. What begins with an address may be an object of a library

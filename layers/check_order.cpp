@@ -11,12 +11,10 @@ namespace nq::layer::check {
 namespace {
 
 bool is_out_of_order(call const& made, void* queue) {
-    std::uint64_t properties = 0;
-    bool const told = ask_value(made,
-                                block::clGetCommandQueueInfo{.command_queue = static_cast<_nq_cl_command_queue*>(queue),
-                                                             .param_name = "CL_QUEUE_PROPERTIES"_cl},
-                                properties);
-    return told && (properties & "CL_QUEUE_OUT_OF_ORDER_EXEC_MODE_ENABLE"_cl) != 0;
+    block::clGetCommandQueueInfo const question{.command_queue = static_cast<_nq_cl_command_queue*>(queue),
+                                                .param_name = "CL_QUEUE_PROPERTIES"_cl};
+    std::uint64_t const properties = ask_value<std::uint64_t>(made, question).value_or(0);
+    return (properties & "CL_QUEUE_OUT_OF_ORDER_EXEC_MODE_ENABLE"_cl) != 0;
 }
 
 void know_queue(call const& made, void* queue) {

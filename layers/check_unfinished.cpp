@@ -62,10 +62,9 @@ std::map<std::uint64_t, pending>::iterator find_user_event(void* event) {
 }
 
 bool is_complete(call const& made, void* event) {
-    std::int32_t status = 1;
     block::clGetEventInfo const question{.event = static_cast<_nq_cl_event*>(event),
                                          .param_name = "CL_EVENT_COMMAND_EXECUTION_STATUS"_cl};
-    return !ask_value(made, question, status) || status <= 0;
+    return ask_value<std::int32_t>(made, question).value_or(0) <= 0;
 }
 
 void complete(call const& made, past const& numbers) {

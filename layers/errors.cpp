@@ -1,6 +1,6 @@
 // Writes each failing call as one line to standard error, and what is wrong in words where libnq can be asked for it.
 
-#include "layer.hpp"
+#include "ask.hpp"
 #include "set_arguments.hpp"
 
 #include <algorithm>
@@ -53,55 +53,26 @@ public:
     }
 
 private:
-    template <class Value, class Block>
-    std::optional<Value> one(Block question) const {
-        Value value{};
-        question.param_value_size = sizeof value;
-        question.param_value = &value;
-        return ask(made_, question) ? std::optional{value} : std::nullopt;
-    }
-
-    template <class Element, class Block>
-    std::vector<Element> many(Block question) const {
-        std::size_t size = 0;
-        question.param_value_size_ret = &size;
-        std::vector<Element> reply;
-        if (ask(made_, question) && size != 0) {
-            reply.resize(size / sizeof(Element));
-            question.param_value_size = reply.size() * sizeof(Element);
-            question.param_value = reply.data();
-            if (!ask(made_, question)) {
-                reply.clear();
-            }
-        }
-        return reply;
-    }
-
-    template <class Block>
-    std::string text(Block question) const {
-        std::vector<char> const reply = many<char>(question);
-        return {reply.begin(), std::find(reply.begin(), reply.end(), '\0')};
-    }
-
     std::string kernels_of(_nq_cl_program* program) const {
         std::string const names =
-            text(block::clGetProgramInfo{.program = program, .param_name = "CL_PROGRAM_KERNEL_NAMES"_cl});
+            ask_text(made_, block::clGetProgramInfo{.program = program, .param_name = "CL_PROGRAM_KERNEL_NAMES"_cl});
         return names.empty() ? "" : "the program has these kernels: " + names;
     }
 
     // The state of the first device for which the program is not built, and the first error in its log.
     std::string build_of(_nq_cl_program* program) const {
-        auto const devices =
-            many<_nq_cl_device_id*>(block::clGetProgramInfo{.program = program, .param_name = "CL_PROGRAM_DEVICES"_cl});
+        auto const devices = ask_list<_nq_cl_device_id*>(
+            made_, block::clGetProgramInfo{.program = program, .param_name = "CL_PROGRAM_DEVICES"_cl});
         for (auto* const device : devices) {
             block::clGetProgramBuildInfo question{
                 .program = program, .device = device, .param_name = "CL_PROGRAM_BUILD_STATUS"_cl};
-            int const state = one<std::int32_t>(question).value_or(0);
+            int const state = ask_value<std::int32_t>(made_, question).value_or(0);
             if (state == 0) {
                 continue;
             }
             question.param_name = "CL_PROGRAM_BUILD_LOG"_cl;
-            return state == -1 ? "the program was not built" : "the build failed: " + first_error(text(question));
+            return state == -1 ? "the program was not built"
+                               : "the build failed: " + first_error(ask_text(made_, question));
         }
         return "";
     }
@@ -116,16 +87,16 @@ private:
         block::clGetKernelArgInfo question{.kernel = kernel,
                                            .arg_index = static_cast<std::uint32_t>(index),
                                            .param_name = "CL_KERNEL_ARG_TYPE_NAME"_cl};
-        std::string const type = text(question);
+        std::string const type = ask_text(made_, question);
         question.param_name = "CL_KERNEL_ARG_NAME"_cl;
-        std::string const name = text(question);
+        std::string const name = ask_text(made_, question);
         return number(index) + (name.empty() ? "" : " (" + type + " " + name + ")");
     }
 
     std::string argument(block::clSetKernelArg const& set) const {
         block::clGetKernelInfo const question{.kernel = set.kernel, .param_name = "CL_KERNEL_NUM_ARGS"_cl};
         if (status_ == "CL_INVALID_ARG_INDEX"_status) {
-            auto const count = one<std::uint32_t>(question);
+            auto const count = ask_value<std::uint32_t>(made_, question);
             return count ? "the kernel has " + number(*count) + " arguments, which are numbered from 0" : "";
         }
         bool const told = status_ == "CL_INVALID_ARG_SIZE"_status;
@@ -136,7 +107,7 @@ private:
     std::string missing_arguments(_nq_cl_kernel* kernel) const {
         block::clGetKernelInfo const question{.kernel = kernel, .param_name = "CL_KERNEL_NUM_ARGS"_cl};
         std::string text;
-        for (std::size_t i = 0; i < one<std::uint32_t>(question).value_or(0); ++i) {
+        for (std::size_t i = 0; i < ask_value<std::uint32_t>(made_, question).value_or(0); ++i) {
             text += is_set(kernel, i) ? "" : (text.empty() ? "" : ", ") + name_of_argument(kernel, i);
         }
         return text.empty() ? "" : "never set: argument " + text;
@@ -147,15 +118,16 @@ private:
         sizes local{};
         std::size_t const dimensions = launch.work_dim;
         std::size_t const bytes = dimensions * sizeof(std::size_t);
-        auto* const device = one<_nq_cl_device_id*>(block::clGetCommandQueueInfo{.command_queue = launch.command_queue,
-                                                                                 .param_name = "CL_QUEUE_DEVICE"_cl})
-                                 .value_or(nullptr);
+        auto* const device =
+            ask_value<_nq_cl_device_id*>(made_, block::clGetCommandQueueInfo{.command_queue = launch.command_queue,
+                                                                             .param_name = "CL_QUEUE_DEVICE"_cl})
+                .value_or(nullptr);
         block::clGetKernelWorkGroupInfo about{
             .kernel = launch.kernel, .device = device, .param_name = "CL_KERNEL_COMPILE_WORK_GROUP_SIZE"_cl};
         if (dimensions == 0 || dimensions > 3 || !read_safely(global.data(), launch.global_work_size, bytes)) {
             return "";
         }
-        sizes const required = one<sizes>(about).value_or(sizes{});
+        sizes const required = ask_value<sizes>(made_, about).value_or(sizes{});
         bool const given =
             launch.local_work_size != nullptr && read_safely(local.data(), launch.local_work_size, bytes);
         if (status_ == "CL_INVALID_WORK_GROUP_SIZE"_status && required[0] != 0 &&
@@ -167,8 +139,8 @@ private:
             (status_ != "CL_INVALID_WORK_GROUP_SIZE"_status && status_ != "CL_INVALID_WORK_ITEM_SIZE"_status)) {
             return "";
         }
-        auto const most =
-            one<sizes>(block::clGetDeviceInfo{.device = device, .param_name = "CL_DEVICE_MAX_WORK_ITEM_SIZES"_cl});
+        auto const most = ask_value<sizes>(
+            made_, block::clGetDeviceInfo{.device = device, .param_name = "CL_DEVICE_MAX_WORK_ITEM_SIZES"_cl});
         std::size_t all = 1;
         for (std::size_t i = 0; i < dimensions; ++i) {
             all *= local[i];
@@ -181,7 +153,7 @@ private:
             }
         }
         about.param_name = "CL_KERNEL_WORK_GROUP_SIZE"_cl;
-        std::size_t const limit = one<std::size_t>(about).value_or(all);
+        std::size_t const limit = ask_value<std::size_t>(made_, about).value_or(all);
         return all > limit ? "the local size has " + number(all) + " work-items; the kernel can have " + number(limit) +
                                  " on this device"
                            : "";
@@ -191,11 +163,11 @@ private:
         if (buffer.size == 0) {
             return "the size is 0";
         }
-        auto const devices = many<_nq_cl_device_id*>(
-            block::clGetContextInfo{.context = buffer.context, .param_name = "CL_CONTEXT_DEVICES"_cl});
+        auto const devices = ask_list<_nq_cl_device_id*>(
+            made_, block::clGetContextInfo{.context = buffer.context, .param_name = "CL_CONTEXT_DEVICES"_cl});
         for (auto* const device : devices) {
-            auto const most = one<std::uint64_t>(
-                block::clGetDeviceInfo{.device = device, .param_name = "CL_DEVICE_MAX_MEM_ALLOC_SIZE"_cl});
+            auto const most = ask_value<std::uint64_t>(
+                made_, block::clGetDeviceInfo{.device = device, .param_name = "CL_DEVICE_MAX_MEM_ALLOC_SIZE"_cl});
             if (most && buffer.size > *most) {
                 return "a device of the context has buffers of up to " + number(*most) + " bytes";
             }
@@ -233,14 +205,9 @@ private:
         return said;
     }
 
-    field const* find(std::string_view name) const {
-        auto const* const found =
-            std::find_if(about_.begin(), about_.end(), [&](field const& each) { return each.name == name; });
-        return found != about_.end() ? found : nullptr;
-    }
-    bool has(char const* name) const { return find(name) != nullptr; }
+    bool has(char const* name) const { return find_field(about_, name) != nullptr; }
     std::size_t value(char const* name) const {
-        field const* const found = find(name);
+        field const* const found = find_field(about_, name);
         return found != nullptr ? static_cast<std::size_t>(read_field(made_.block, *found)) : 0;
     }
     _nq_cl_mem* memory(char const* name) const { return std::bit_cast<_nq_cl_mem*>(value(name)); }
@@ -252,8 +219,8 @@ private:
     }
 
     std::string span(char const* object, std::size_t offset, std::size_t size) const {
-        auto const total =
-            one<std::size_t>(block::clGetMemObjectInfo{.memobj = memory(object), .param_name = "CL_MEM_SIZE"_cl});
+        auto const total = ask_value<std::size_t>(
+            made_, block::clGetMemObjectInfo{.memobj = memory(object), .param_name = "CL_MEM_SIZE"_cl});
         if (!total || (offset <= *total && size <= *total - offset)) {
             return size == 0 ? "the size is 0" : "";
         }
@@ -276,7 +243,7 @@ private:
         for (std::uint32_t i = 0; i < region.size(); ++i) {
             block::clGetImageInfo const question{.image = memory(object),
                                                  .param_name = "CL_IMAGE_WIDTH"_cl + i /* then height and depth */};
-            std::size_t const length = one<std::size_t>(question).value_or(0);
+            std::size_t const length = ask_value<std::size_t>(made_, question).value_or(0);
             if (length != 0 && (origin[i] > length || region[i] > length - origin[i])) {
                 return "in dimension " + number(i) + " origin " + number(origin[i]) + " and region " +
                        number(region[i]) + " reach past the edge of " + object + ", which has " + number(length) +

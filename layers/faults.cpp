@@ -76,14 +76,10 @@ std::uint64_t count(std::string_view text) {
 }
 
 std::string_view entry_point(std::string_view wanted) {
-    for (auto version = std::uint64_t{1}; version <= 6; ++version) {
-        for (std::uint32_t id = 1; describe(capability{version}, id) != nullptr; ++id) {
-            if (describe(capability{version}, id)->name == wanted) {
-                return wanted;
-            }
-        }
+    if (!is_command(wanted)) {
+        throw unusable("give the name of an OpenCL entry point, not '" + std::string(wanted) + "'");
     }
-    throw unusable("give the name of an OpenCL entry point, not '" + std::string(wanted) + "'");
+    return wanted;
 }
 
 int status(std::string_view text) {
@@ -168,7 +164,7 @@ settings parse(std::string_view text) {
 // would seem to pass otherwise.
 settings& chosen() {
     static settings& all = *[] {
-        char const* const text = std::getenv("NQ_FAULTS");
+        char const* const text = ::secure_getenv("NQ_FAULTS");
         try {
             return new settings(text != nullptr && *text != '\0' ? parse(text) : settings{});
         } catch (unusable const& why) {
@@ -254,14 +250,9 @@ void record(call const& made, description const* about, rule const& how, std::ui
 
 // Where a query is to say how long its reply is; null for other calls.
 std::size_t* place_of_size(call const& made, description const* about) {
-    for (field const& each : about != nullptr ? *about : description{}) {
-        if (std::string_view(each.name) == "param_value_size_ret") {
-            std::size_t* place = nullptr;
-            std::memcpy(&place, static_cast<unsigned char const*>(made.block) + each.offset, sizeof place);
-            return place;
-        }
-    }
-    return nullptr;
+    field const* const found = about != nullptr ? find_field(*about, "param_value_size_ret") : nullptr;
+    return found != nullptr ? static_cast<std::size_t*>(const_cast<void*>(read_pointer(made.block, found->offset)))
+                            : nullptr;
 }
 
 bool can_do(rule const& how, call const& made, description const* about) {
@@ -284,13 +275,12 @@ std::optional<int> fail(call const& made) {
     if (how->status != 0) {
         refuse(made, *about, how->status);
     } else if (how->reply) {
-        int const made_result = forward(made);
-        if (made_result == result::success &&
-            static_cast<std::int32_t>(read_field(made.block, about->status, 4)) == 0) {
+        int const result = forward(made);
+        if (succeeded(made, *about, result)) {
             std::size_t& size = *place_of_size(made, about);
             size = std::min(size, *how->reply);
         }
-        return made_result;
+        return result;
     } else if (how->delay.count() != 0) {
         std::this_thread::sleep_for(how->delay);
         return std::nullopt;

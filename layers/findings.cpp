@@ -12,7 +12,7 @@ namespace nq::layer {
 namespace {
 
 int exit_status(char const* layer, char const* variable) {
-    char const* const text = std::getenv(variable);
+    char const* const text = ::secure_getenv(variable);
     std::string_view const wanted = text != nullptr ? text : "";
     constexpr std::string_view key = "exit-status=";
     int status = 1;
@@ -31,8 +31,8 @@ int exit_status(char const* layer, char const* variable) {
 
 } // namespace
 
-// Other layers may still have to report, or to finish a file. A function of on_exit() that is set while
-// shared objects end is called when all have ended; one of atexit() would be called with the end of this one.
+// Other layers may still have to report, or to finish a file. A function of on_exit() that is set while shared objects
+// end is called when all have ended; one of atexit() would be called with the end of this one.
 void end_with_findings(char const* layer, char const* variable) {
     static int status = 0;
     status = exit_status(layer, variable);

@@ -1,5 +1,6 @@
 #include "profiler.hpp"
 
+#include "ask.hpp"
 #include "trace_log.hpp"
 
 #include <atomic>
@@ -107,20 +108,14 @@ void put(void* block, std::size_t offset, Value value) {
 }
 
 std::uint64_t time_of(pending_command const& done, std::uint32_t which) {
-    std::uint64_t time = 0;
-    block::clGetEventProfilingInfo asked{
-        .event = done.event, .param_value_size = sizeof time, .param_value = &time, .param_name = which};
-    return ask(done.through, asked) ? time : 0;
+    block::clGetEventProfilingInfo const question{.event = done.event, .param_name = which};
+    return ask_value<std::uint64_t>(done.through, question).value_or(0);
 }
 
 // Whether it is done, failed ones too.
 bool collect(pending_command const& each) {
-    std::int32_t execution = 0;
-    block::clGetEventInfo asked{.event = each.event,
-                                .param_value_size = sizeof execution,
-                                .param_value = &execution,
-                                .param_name = "CL_EVENT_COMMAND_EXECUTION_STATUS"_cl};
-    if (ask(each.through, asked) && execution > 0) {
+    block::clGetEventInfo const question{.event = each.event, .param_name = "CL_EVENT_COMMAND_EXECUTION_STATUS"_cl};
+    if (ask_value<std::int32_t>(each.through, question).value_or(0) > 0) {
         return false;
     }
     command_entry entry;
@@ -153,29 +148,20 @@ void collect_done() {
 }
 
 queue_state ask_for_state(call const& made, _nq_cl_command_queue* queue) {
-    std::uint64_t properties = 0;
-    block::clGetCommandQueueInfo asked{.command_queue = queue,
-                                       .param_value_size = sizeof properties,
-                                       .param_value = &properties,
-                                       .param_name = property_of_queue};
-    return {ask(made, asked) && (properties & profiling) != 0, false};
+    block::clGetCommandQueueInfo const question{.command_queue = queue, .param_name = property_of_queue};
+    return {(ask_value<std::uint64_t>(made, question).value_or(0) & profiling) != 0, false};
 }
 
 void label(call const& made, _nq_cl_command_queue* queue) {
     label_entry entry;
     entry.address = reinterpret_cast<std::uintptr_t>(queue);
     entry.time = now();
-    _nq_cl_device_id* device = nullptr;
-    block::clGetCommandQueueInfo asked{.command_queue = queue,
-                                       .param_value_size = sizeof device,
-                                       .param_value = static_cast<void*>(&device),
-                                       .param_name = "CL_QUEUE_DEVICE"_cl};
-    block::clGetDeviceInfo named{};
-    named.param_name = "CL_DEVICE_NAME"_cl;
-    named.param_value_size = entry.text.size() - 1;
-    named.param_value = entry.text.data();
-    if (ask(made, asked)) {
-        named.device = device;
+    block::clGetCommandQueueInfo const question{.command_queue = queue, .param_name = "CL_QUEUE_DEVICE"_cl};
+    if (auto const device = ask_value<_nq_cl_device_id*>(made, question); device) {
+        block::clGetDeviceInfo named{.device = *device,
+                                     .param_value = entry.text.data(),
+                                     .param_name = "CL_DEVICE_NAME"_cl,
+                                     .param_value_size = entry.text.size() - 1};
         ask(made, named);
     }
     append(entry);
@@ -274,15 +260,13 @@ int tell_properties(call const& made, block::clGetCommandQueueInfo const& block)
 }
 
 int tell_times(call const& made, block::clGetEventProfilingInfo& block) {
-    _nq_cl_command_queue* queue = nullptr;
-    block::clGetEventInfo asked{.event = block.event,
-                                .param_value_size = sizeof queue,
-                                .param_value = static_cast<void*>(&queue),
-                                .param_name = "CL_EVENT_COMMAND_QUEUE"_cl};
-    if (all().forces && block.event != nullptr && ask(made, asked) && queue != nullptr &&
-        state_of(made, queue).forced) {
-        block.status = not_available;
-        return result::success;
+    if (all().forces && block.event != nullptr) {
+        block::clGetEventInfo const question{.event = block.event, .param_name = "CL_EVENT_COMMAND_QUEUE"_cl};
+        auto* const queue = ask_value<_nq_cl_command_queue*>(made, question).value_or(nullptr);
+        if (queue != nullptr && state_of(made, queue).forced) {
+            block.status = not_available;
+            return result::success;
+        }
     }
     return forward(made);
 }

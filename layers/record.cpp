@@ -66,19 +66,17 @@ public:
     // After the call.
     void end(int result) {
         take_results(result);
-        bool const succeeded =
-            result == result::success &&
-            (about_.status == absent || read_field(made_.block, about_.status, sizeof(std::int32_t)) == 0);
-        _nq_cl_event* kept = succeeded ? event() : nullptr;
-        std::vector<std::string> const kernels = succeeded ? names_of_kernels() : std::vector<std::string>();
+        bool const is_done = succeeded(made_, about_, result);
+        _nq_cl_event* kept = is_done ? event() : nullptr;
+        std::vector<std::string> const kernels = is_done ? names_of_kernels() : std::vector<std::string>();
         {
             std::scoped_lock const lock{all().mutex};
             entry_.order = is_ordered_ ? entry_.order : next_order();
-            if (succeeded) {
+            if (is_done) {
                 add_results(kernels);
             }
             write(result);
-            if (succeeded) {
+            if (is_done) {
                 all().memory.note(made_, about_, entry_.pixel_size);
                 note_written(kept);
             }
@@ -96,23 +94,20 @@ public:
 private:
     // Of the image that is made, or that the command uses; 0 without one.
     std::uint32_t pixel_size() const {
-        if (field const* const format = find(about_, "image_format"); format != nullptr) {
+        if (field const* const format = find_field(about_, "image_format"); format != nullptr) {
             std::uint32_t words[2] = {};
             read_safely(words, read_pointer(made_.block, format->offset), sizeof words);
             return static_cast<std::uint32_t>(pixel_size_of(words[0], words[1]));
         }
         bool const is_command = std::string_view(about_.name).starts_with("clEnqueue");
-        field const* const image = is_command ? find(about_, "image") : nullptr;
+        field const* const image = is_command ? find_field(about_, "image") : nullptr;
         if (image == nullptr) {
             return 0;
         }
-        std::size_t size = 0;
-        block::clGetImageInfo asked{
+        block::clGetImageInfo const question{
             .image = static_cast<_nq_cl_mem*>(const_cast<void*>(read_pointer(made_.block, image->offset))),
-            .param_value_size = sizeof size,
-            .param_value = &size,
             .param_name = "CL_IMAGE_ELEMENT_SIZE"_cl};
-        return ask(made_, asked) ? static_cast<std::uint32_t>(size) : 0;
+        return static_cast<std::uint32_t>(ask_value<std::size_t>(made_, question).value_or(0));
     }
 
     bool is_blocking() const {
@@ -175,7 +170,7 @@ private:
 
     // What the layer puts into the block in place of what the program has there.
     void watch() {
-        field const* const event = find(about_, "event");
+        field const* const event = find_field(about_, "event");
         bool writes = false;
         for (field const& each : about_) {
             writes = writes || (each.kind == field_kind::bytes && each.direction == direction::out);
@@ -221,10 +216,10 @@ private:
         std::vector<std::string> names;
         auto const* const many = as<block::clCreateKernelsInProgram>(made_, &about_);
         if (many != nullptr && many->kernels != nullptr) {
-            std::size_t const count = written_size(*find(about_, "kernels")) / sizeof(void*);
+            std::size_t const count = written_size(*find_field(about_, "kernels")) / sizeof(void*);
             for (std::size_t i = 0; i < std::min<std::size_t>(count, many->num_kernels); ++i) {
-                names.push_back(
-                    name_of(made_, block::clGetKernelInfo{.kernel = many->kernels[i]}, "CL_KERNEL_FUNCTION_NAME"_cl));
+                names.push_back(ask_text(made_, block::clGetKernelInfo{.kernel = many->kernels[i],
+                                                                       .param_name = "CL_KERNEL_FUNCTION_NAME"_cl}));
             }
         }
         return names;
@@ -278,14 +273,14 @@ private:
         if (!std::string_view(about_.name).starts_with("clEnqueue")) {
             return;
         }
-        bool const reads =
-            find(about_, "map_flags") == nullptr || (value_of(made_, about_, "map_flags") & "CL_MAP_READ"_cl) != 0;
+        bool const reads = find_field(about_, "map_flags") == nullptr ||
+                           (value_of(made_, about_, "map_flags") & "CL_MAP_READ"_cl) != 0;
         for (field const& each : about_) {
             if (each.kind != field_kind::bytes || each.direction != direction::out) {
                 continue;
             }
             void const* const pointer = read_pointer(made_.block, each.offset);
-            bool const is_device = find(about_, "map_flags") == nullptr && all().memory.is_shared(pointer);
+            bool const is_device = find_field(about_, "map_flags") == nullptr && all().memory.is_shared(pointer);
             written const noted{{made_.handle, made_.version, 0, nullptr, nullptr},
                                 entry_.order,
                                 each.offset,

@@ -46,24 +46,15 @@ std::optional<bytes> copy_text(void const* from) {
     }
 }
 
-field const* find(description const& about, char const* name) noexcept {
-    auto const* const found = std::find_if(about.begin(), about.end(),
-                                           [name](field const& each) { return std::string_view(each.name) == name; });
-    return found != about.end() ? found : nullptr;
-}
-
 std::uint64_t value_of(call const& made, description const& about, char const* name) noexcept {
-    field const* const found = find(about, name);
+    field const* const found = find_field(about, name);
     return found != nullptr ? read_field(made.block, found->offset, found->size) : 0;
 }
 
 std::optional<bool> is_done(written const& each) noexcept {
-    std::int32_t state = -1;
-    block::clGetEventInfo asked{.event = each.event,
-                                .param_value_size = sizeof state,
-                                .param_value = &state,
-                                .param_name = "CL_EVENT_COMMAND_EXECUTION_STATUS"_cl};
-    if (ask(each.through, asked) && state > 0) {
+    block::clGetEventInfo const question{.event = each.event, .param_name = "CL_EVENT_COMMAND_EXECUTION_STATUS"_cl};
+    std::int32_t const state = ask_value<std::int32_t>(each.through, question).value_or(-1);
+    if (state > 0) {
         return std::nullopt;
     }
     block::clReleaseEvent released{.event = each.event};
@@ -72,8 +63,8 @@ std::optional<bool> is_done(written const& each) noexcept {
 }
 
 void host_memory::note(call const& made, description const& about, std::size_t pixel_size) {
-    if (field const* const flags = find(about, "map_flags"); flags != nullptr) {
-        field const* const where = find(about, about.result != absent ? "result" : "svm_ptr");
+    if (field const* const flags = find_field(about, "map_flags"); flags != nullptr) {
+        field const* const where = find_field(about, about.result != absent ? "result" : "svm_ptr");
         maps_.emplace(read_pointer(made.block, where->offset),
                       mapped{extent(made, about, *where, pixel_size),
                              (read_field(made.block, flags->offset) & for_writing) != 0});

@@ -2,7 +2,7 @@
 
 // What the layer `record` knows of the program's memory: which of it is mapped, shared, or still written by commands.
 
-#include "layer.hpp"
+#include "ask.hpp"
 
 #include <cstdint>
 #include <map>
@@ -20,9 +20,6 @@ std::optional<bytes> copy(void const* from, std::size_t size);
 
 /// A copy of a text up to its zero, which counts.
 std::optional<bytes> copy_text(void const* from);
-
-/// The field of this name; null if there is none.
-field const* find(description const& about, char const* name) noexcept;
 
 /// What the field of this name holds; 0 if there is none.
 std::uint64_t value_of(call const& made, description const& about, char const* name) noexcept;

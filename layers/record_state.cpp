@@ -37,7 +37,7 @@ state& all() {
     static state& made = *[] {
         std::string why;
         try {
-            char const* const text = std::getenv("NQ_RECORD");
+            char const* const text = ::secure_getenv("NQ_RECORD");
             auto* const opened = new state;
             opened->path = parse(text != nullptr ? text : "");
             why = opened->file.open(opened->path);
@@ -64,30 +64,22 @@ std::uint32_t number_of_handle(call const& through) {
             return known->second;
         }
     }
-    block::call_handle_device device{};
-    _nq_cl_platform_id* platform = nullptr;
-    forward(
-        {through.handle, through.version, find_command<block::call_handle_device>(through.version), &device, nullptr});
-    block::clGetDeviceInfo asked{.device = device.result,
-                                 .param_value = &platform,
-                                 .param_name = "CL_DEVICE_PLATFORM"_cl,
-                                 .param_value_size = sizeof platform};
-    ask(through, asked);
+    _nq_cl_device_id* const device = own_device(through);
+    _nq_cl_platform_id* const platform = platform_of(through, device);
     std::string const platform_name =
-        name_of(through, block::clGetPlatformInfo{.platform = platform}, "CL_PLATFORM_NAME"_cl);
+        ask_text(through, block::clGetPlatformInfo{.platform = platform, .param_name = "CL_PLATFORM_NAME"_cl});
     std::string const device_name =
-        name_of(through, block::clGetDeviceInfo{.device = device.result}, "CL_DEVICE_NAME"_cl);
+        ask_text(through, block::clGetDeviceInfo{.device = device, .param_name = "CL_DEVICE_NAME"_cl});
     std::string const names = platform_name + device_name;
     std::scoped_lock const lock{all().mutex};
     auto const [found, is_new] =
         all().handles.try_emplace(through.handle, static_cast<std::uint32_t>(all().handles.size()));
     if (is_new) { // no other thread was first
         all().file.write(entry_kind::handle,
-                         recording::handle_entry{static_cast<std::uint64_t>(through.version),
-                                                 reinterpret_cast<std::uintptr_t>(platform),
-                                                 reinterpret_cast<std::uintptr_t>(device.result),
-                                                 static_cast<std::uint32_t>(platform_name.size()),
-                                                 static_cast<std::uint32_t>(device_name.size())},
+                         recording::handle_entry{
+                             static_cast<std::uint64_t>(through.version), reinterpret_cast<std::uintptr_t>(platform),
+                             reinterpret_cast<std::uintptr_t>(device), static_cast<std::uint32_t>(platform_name.size()),
+                             static_cast<std::uint32_t>(device_name.size())},
                          std::as_bytes(std::span(names)));
     }
     return found->second;

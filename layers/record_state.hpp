@@ -49,14 +49,4 @@ void write_shared(bool is_result);
 /// Keeps what commands have written that are done by now; at the end of a wait, shared memory too.
 void collect(bool is_end_of_wait);
 
-/// The name of an object, as an info query tells it.
-template <class Block>
-std::string name_of(call const& through, Block asked, std::uint32_t which) {
-    std::array<char, 1024> text{};
-    asked.param_value_size = text.size() - 1;
-    asked.param_value = text.data();
-    asked.param_name = which;
-    return ask(through, asked) ? text.data() : "";
-}
-
 } // namespace nq::layer::record

@@ -102,7 +102,7 @@ int open_for(settings& made) {
 settings const& read_settings() {
     std::string why;
     try {
-        char const* const text = std::getenv("NQ_TRACE");
+        char const* const text = ::secure_getenv("NQ_TRACE");
         auto* const made = new settings(parse(text != nullptr ? text : ""));
         int const failure = open_for(*made);
         if (failure == 0) {

@@ -102,7 +102,7 @@ std::uint64_t now() noexcept {
 
 std::int64_t own_rank() noexcept {
     for (char const* const name : {"OMPI_COMM_WORLD_RANK", "PMIX_RANK", "PMI_RANK", "SLURM_PROCID"}) {
-        char const* const text = std::getenv(name);
+        char const* const text = ::secure_getenv(name);
         std::int64_t rank = -1;
         if (text != nullptr && std::from_chars(text, text + std::strlen(text), rank).ec == std::errc{} && rank >= 0) {
             return rank;

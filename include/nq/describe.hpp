@@ -29,6 +29,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <string>
+#include <string_view>
 
 namespace nq {
 namespace detail {
@@ -73,6 +74,18 @@ template <class Block>
         }
     }
     return 0;
+}
+
+/// Whether any OpenCL version has a command of this name.
+[[nodiscard]] constexpr bool is_command(std::string_view name) noexcept {
+    for (detail::table const& table : detail::version_tables) {
+        for (std::uint32_t i = 0; i < table.size; ++i) {
+            if (table.blocks[i]->name == name) {
+                return true;
+            }
+        }
+    }
+    return false;
 }
 
 /// One call as text, with each argument and the result decoded: names of values, texts in quotes, lists in brackets.

@@ -113,10 +113,10 @@ TEST(description, formats_each_kind_of_argument) {
     std::intptr_t const partition[] = {0x1087, 1, 3, 0, 0};
     std::int64_t const properties[] = {0x1084, 0x77, 0};
     std::size_t const sizes[] = {9, 8, 7, 6, 5, 4, 3, 2, 1};
-    char const* const sources[] = {"kernel \"a\"\n", "b", nullptr};
+    char const* const sources[] = {"kernel \"a\"\n", "both", nullptr};
     std::size_t const lengths[] = {0, 1, 0};
     std::uint32_t const format[] = {0x10B5, 0x10DA};
-    nq::image_desc const image{.image_type = 0x10F1, .image_width = 4, .image_height = 2};
+    nq::image_desc const image{.image_type = 0x10F1, .image_width = 4, .image_height = 2, .num_mip_levels = 3};
     float const one = 1;
     auto* const events = reinterpret_cast<_nq_cl_event* const*>(sizes);
     auto const unreadable = [](void*, void const*, std::size_t) { return false; };
@@ -132,7 +132,7 @@ TEST(description, formats_each_kind_of_argument) {
          "event_list=[0x9, 0x8, 0x7, 0x6, 0x5, 0x4, 0x3, 0x2, ... 9], num_events=9) = CL_SUCCESS"},
         {text_of(clCreateImage{.flags = 0x24, .image_format = format, .image_desc = &image}),
          "(flags=CL_MEM_READ_ONLY|CL_MEM_COPY_HOST_PTR, context=null, image_format={CL_RGBA, CL_UNSIGNED_INT8}, "
-         "image_desc={CL_MEM_OBJECT_IMAGE2D, width=4, height=2}, host_ptr=null)"},
+         "image_desc={CL_MEM_OBJECT_IMAGE2D, width=4, height=2, mip_levels=3}, host_ptr=null)"},
         {text_of(block::clSetKernelArg{.arg_size = 4, .arg_value = &one, .status = -1234}),
          "arg_value={00 00 80 3f} (1065353216 or 1), arg_index=0) = status -1234"},
         {text_of(block::clGetDeviceInfo{.param_name = 0x102B}), "param_name=CL_DEVICE_NAME, "},

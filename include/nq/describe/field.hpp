@@ -10,6 +10,7 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <string_view>
 #include <type_traits>
 #include <utility>
 
@@ -109,6 +110,16 @@ struct description {
     /// One past the last field.
     constexpr field const* end() const { return fields + count; }
 };
+
+/// The field of a block that has this name; null if there is none.
+[[nodiscard]] constexpr field const* find_field(description const& about, std::string_view name) noexcept {
+    for (field const& each : about) {
+        if (each.name == name) {
+            return &each;
+        }
+    }
+    return nullptr;
+}
 
 namespace detail {
 
