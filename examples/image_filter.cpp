@@ -87,6 +87,7 @@ picture find_edges(cl::device const& device, picture const& in) {
     picture out{in.width, in.height, std::vector<unsigned char>(in.pixels.size())};
     std::array<std::size_t, 3> const origin{0, 0, 0};
     std::array<std::size_t, 3> const region{in.width, in.height, 1};
+    easy::finish_guard const guard(queue); // the commands use the pictures also where one of the calls fails
     queue.enqueue_command_without_event(cl::write_image(from, false, origin, region, 0, 0, in.pixels.data()));
     queue.enqueue_command_without_event(cl::nd_range_kernel(kernel, 2, origin, region, {1, 1, 1}));
     queue.enqueue_command_without_event(cl::read_image(to, true, origin, region, 0, 0, out.pixels.data()));

@@ -90,8 +90,9 @@ measurement run(typename Api::device const& device, std::vector<float> const& x,
 
     auto x_buffer = context.create_buffer(Api::mem_flags::read_only, bytes, nullptr);
     auto y_buffer = context.create_buffer(Api::mem_flags::read_write, bytes, nullptr);
-    queue.enqueue_command_without_event(typename Api::write_buffer(x_buffer, false, 0, bytes, x.data()));
-    queue.enqueue_command_without_event(typename Api::write_buffer(y_buffer, false, 0, bytes, y.data()));
+    // Blocking: should a later call fail, the vectors may be gone before they are read.
+    queue.enqueue_command_without_event(typename Api::write_buffer(x_buffer, true, 0, bytes, x.data()));
+    queue.enqueue_command_without_event(typename Api::write_buffer(y_buffer, true, 0, bytes, y.data()));
 
     auto kernel = program.create_kernel("saxpy");
     kernel.set_argument_raw(0, sizeof factor, &factor);
