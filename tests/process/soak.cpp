@@ -66,9 +66,9 @@ void print_sample(char const* separator, double seconds, std::uint64_t operation
     auto const heap = mallinfo2();
     std::filesystem::directory_iterator const files("/proc/self/fd");
     std::printf("%s\n{\"seconds\": %.3f, \"operations\": %lu, \"resident\": %zu, \"heap\": %zu, \"references\": %ld, "
-                "\"files\": %td}",
+                "\"call_handles\": %ld, \"files\": %td}",
                 separator, seconds, operations, resident_bytes(), heap.uordblks + heap.hblkhd,
-                soak::living_references(), std::distance(begin(files), end(files)));
+                soak::living_references(), soak::open_call_handles(), std::distance(begin(files), end(files)));
 }
 
 /// Each operation as often as its weight says, in an order that looks like chance.

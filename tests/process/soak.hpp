@@ -19,5 +19,7 @@ std::vector<operation> c_load();
 
 /// The references that the program holds through libnq.
 long living_references();
+/// The call handles of libnq that the program has opened and not closed.
+long open_call_handles();
 
 } // namespace soak

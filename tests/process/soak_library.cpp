@@ -15,7 +15,8 @@ namespace {
 
 using version = vorn::mero::api<120>;
 
-std::atomic<long> living{0};
+std::atomic<long> references{0};
+std::atomic<long> call_handles{0};
 
 /// How a command that succeeds changes the number of references.
 struct counted {
@@ -47,19 +48,39 @@ std::array<counted, 128> const commands = [] {
 
 } // namespace
 
-// Stands before the bridge.
-extern "C" [[gnu::visibility("default")]] int nq_call_capability(nq_call_handle* handle, std::uint32_t id, void* block,
-                                                                 void* reserved) {
+// These stand before the bridge.
+extern "C" {
+
+[[gnu::visibility("default")]] int nq_create_call_handle(nq::capability_node node, nq_call_handle** handle,
+                                                         void* reserved) {
+    static auto* const next =
+        reinterpret_cast<decltype(&nq_create_call_handle)>(dlsym(RTLD_NEXT, "nq_create_call_handle"));
+    int const result = next(node, handle, reserved);
+    call_handles += result == nq::result::success;
+    return result;
+}
+
+[[gnu::visibility("default")]] void nq_close_call_handle(nq_call_handle* handle) {
+    static auto* const next =
+        reinterpret_cast<decltype(&nq_close_call_handle)>(dlsym(RTLD_NEXT, "nq_close_call_handle"));
+    next(handle);
+    call_handles -= handle != nullptr;
+}
+
+[[gnu::visibility("default")]] int nq_call_capability(nq_call_handle* handle, std::uint32_t id, void* block,
+                                                      void* reserved) {
     static auto* const next = reinterpret_cast<decltype(&nq_call_capability)>(dlsym(RTLD_NEXT, "nq_call_capability"));
     int const result = next(handle, id, block, reserved);
     counted const& made = commands.at(id);
     bool const has_event = made.event != nq::absent && nq::read_pointer(block, made.event) != nullptr;
     if ((made.change != 0 || has_event) && result == nq::result::success &&
         nq::read_field(block, made.about->status, sizeof(std::int32_t)) == 0) {
-        living += has_event ? 1 : made.change;
+        references += has_event ? 1 : made.change;
     }
     return result;
 }
+
+} // extern "C"
 
 namespace soak {
 
@@ -73,6 +94,7 @@ std::vector<operation> library_load() {
     return all;
 }
 
-long living_references() { return living; }
+long living_references() { return references; }
+long open_call_handles() { return call_handles; }
 
 } // namespace soak
