@@ -10,6 +10,7 @@ CONSTANT = re.compile(r"\bcl::(\w+)")
 FIELD = re.compile(r"\.\w+ = ([^,{}()]+(?:\([^()]*\))?)(?=[,}])")
 ASSIGNMENT = re.compile(r"^ +[\w.]+ = ([^;{}]+);$", re.M)
 BLOCK_FIELD = re.compile(r"\s*b\.\w+\s*")
+ORDERLESS = {"min": 0, "max": 0, "any_null": 0, "missing_in_rectangle": 1}  # from which argument on the order tells nothing
 STATEMENT = re.compile(r"^ +(?!return|throw|case|default|break|using|static|template|else|auto|const)[\w:.>()-]+\([^;{}]*\);$", re.M)
 VARIABLE = "VORN_MERO_MUTANT"
 HEADER = "chosen_mutant.hpp"
@@ -59,7 +60,8 @@ def mutants(text):
         yield found.start(), f"{word.strip()} -> {WORDS[word].strip()}", text[:found.start()] + WORDS[word] + text[found.end():]
     swaps = []  # neighbours, and each two fields of a block
     for found in re.finditer(r"\b\w+\(", code):
-        pairs = itertools.combinations(enumerate(spans(code, found.end())), 2)
+        from_one = ORDERLESS.get(found[0][:-1], len(code))
+        pairs = itertools.combinations(list(enumerate(spans(code, found.end())))[:from_one + 1], 2)
         swaps += [(first, second) for (one, first), (two, second) in pairs
                   if two == one + 1 or all(BLOCK_FIELD.fullmatch(code, *each) for each in (first, second))]
     fields = [found.span(1) for found in FIELD.finditer(code)]

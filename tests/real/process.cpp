@@ -121,7 +121,12 @@ SCENARIO(forks, "forks", 100, 100) {
     }
 }
 
-SCENARIO(comes_back_without_pointers, "null pointers", 100, 100) { expect_ends_well("nulled " + b.name); }
+SCENARIO(comes_back_without_pointers, "null pointers", 100, 100) {
+    if (address_sanitizer && b.name == "intel") {
+        skip("a thread of it crashes in NotifyCmdStatusChanged under AddressSanitizer");
+    }
+    expect_ends_well("nulled " + b.name);
+}
 
 TEST(process, many_threads_discover_at_once) {
     // implementations replace the signal stacks of the threads that call them, which AddressSanitizer then frees
@@ -138,6 +143,7 @@ void finds_nothing(std::string const& environment, std::vector<std::string> cons
     for (std::string const& reason : reasons) {
         EXPECT_NE(told.find(reason), std::string::npos) << reason << "\n" << told;
     }
+    EXPECT_EQ(told.find("no vendor file") != std::string::npos, reasons.front().starts_with("no vendor file")) << told;
 }
 
 TEST(process, without_a_loader) {
@@ -152,6 +158,7 @@ TEST(process, without_an_implementation) {
                                       "correct or unset OCL_ICD_VENDORS"});
     finds_nothing(vendors + "/unknown", {"/unknown/vendor.icd names libnovendor.so, which does not load",
                                          "vendor.icd, or install or repair the package that holds libnovendor.so"});
+    finds_nothing(vendors + "/unknown/vendor.icd", {"/unknown/vendor.icd names libnovendor.so, which does not load"});
     finds_nothing(vendors + "/lacking", {"package that holds libvorn-mero-real_absent.so"});
     finds_nothing(vendors + "/strange", {"which loads but offers no platform"});
 }

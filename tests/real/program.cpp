@@ -80,6 +80,17 @@ SCENARIO(loads_binaries, "programs from binaries", 100) {
     b.expect(CL_SUCCESS, wire::clReleaseProgram{made.result});
 }
 
+SCENARIO(leaves_out_binaries, "sub-devices", 120, 120) {
+    auto parts = b.device.partition_equally(1);
+    parts.resize(std::min<std::size_t>(parts.size(), 2), b.device);
+    auto context = create_context({}, parts, nullptr, nullptr);
+    auto program = context.create_program_from_source(two_kernels);
+    program.build(parts, "-DSIGN=-1", nullptr, nullptr);
+    std::vector<unsigned char*> unwanted(parts.size());
+    b.expect(CL_SUCCESS, wire::clGetProgramInfo{raw_of(program), unwanted.size() * sizeof(void*), unwanted.data(),
+                                                nullptr, 0, CL_PROGRAM_BINARIES});
+}
+
 /// Compiles without linking, which the library leaves to programs that speak to libnq.
 template <class Api>
 typename Api::program compile(bench<Api>& b, char const* source, wire::clCompileProgram with = {}) {

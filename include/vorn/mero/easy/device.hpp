@@ -80,7 +80,7 @@ template <int Version, class Why>
 
 /// What MERO_DEVICE says; empty without it.
 inline std::string text_of_environment() {
-    char const* const text = std::getenv("MERO_DEVICE");
+    char const* const text = ::secure_getenv("MERO_DEVICE");
     return text != nullptr ? text : "";
 }
 
