@@ -247,6 +247,8 @@ void perform(operation const& chosen) {
     auto const failed =
         std::find_if(libnq.calls.begin(), libnq.calls.end(), [](auto const& each) { return each.has_failed; });
     bool const is_release = failed != libnq.calls.end() && failed->name.starts_with("clRelease");
+    bool const is_empty =
+        std::any_of(libnq.calls.begin(), libnq.calls.end(), [](auto const& each) { return each.handle == nullptr; });
     bool const is_seen = failed != libnq.calls.end() && !is_release && (failure.how.status == 0 || failed->has_status);
     if (is_release && !(chosen.is == kind::keeps && thrown != typeid(void))) {
         ++lost;
@@ -254,6 +256,7 @@ void perform(operation const& chosen) {
     bool const is_usual = thrown == typeid(void) || thrown == typeid(common::bad_implementation) ||
                           thrown == typeid(common::invalid_value) || thrown == typeid(std::logic_error);
     bool const is_right = is_seen      ? thrown == failure.thrown || (memory_lacked && thrown == typeid(std::bad_alloc))
+                          : is_empty   ? thrown == typeid(nq::unrecoverable_error)
                           : is_release ? is_usual || thrown == failure.thrown || thrown == typeid(std::bad_alloc)
                           : memory_lacked ? thrown == typeid(std::bad_alloc)
                                           : is_usual;

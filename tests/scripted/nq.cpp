@@ -124,13 +124,12 @@ std::string libnq::leftovers() const {
 }
 
 int libnq::perform(nq_call_handle* handle, std::uint32_t command_id, void* block) {
-    nq_call_handle const* const understood = handle != nullptr || handles.empty() ? handle : handles.back().get();
     call record{.handle = handle, .id = command_id};
     int result = nq::result::unrecoverable;
-    if (understood == nullptr || !understood->is_open || block == nullptr) {
+    if (handle != nullptr && handle->is_open && block != nullptr) {
+        result = answer(handle->node, block, record);
+    } else if (handle != nullptr || block == nullptr) { // moved-from objects have a null handle
         faults.emplace_back("a call without an open call handle or a block");
-    } else {
-        result = answer(understood->node, block, record);
     }
     if (remembers_calls) {
         calls.push_back(record);

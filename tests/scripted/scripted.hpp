@@ -84,8 +84,8 @@ struct SCRIPTED_EXPORT libnq {
     listing<nq::device> roots;
     std::map<std::pair<nq::device, nq::capability>, listing<nq::capability_node>> nodes;
 
-    /// An open call handle, without a call that is remembered. Calls with a null handle are understood by the numbering
-    /// of the one that was opened last.
+    /// An open call handle, without a call that is remembered. Calls with a null handle, as of moved-from objects, are
+    /// not made.
     nq::call_handle open(nq::capability offered);
 
     /// A fresh raw handle of which the test and the library hold some references.
