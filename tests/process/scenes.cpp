@@ -12,6 +12,7 @@
 #include <map>
 #include <mutex>
 #include <optional>
+#include <pthread.h>
 #include <spdlog/logger.h>
 #include <spdlog/sinks/base_sink.h>
 #include <sys/wait.h>
@@ -241,6 +242,27 @@ void fork_while_a_sink_waits() {
     at_the_edge();
 }
 
+std::optional<shared_objects> logs_in_fork_handlers;
+
+void log_in_fork_handler() {
+    if (logs_in_fork_handlers) {
+        log(*logs_in_fork_handlers);
+    }
+}
+
+// Registered before the library's own: runs after it before a fork, and before it in the parent.
+[[gnu::no_sanitize_address, gnu::no_sanitize_thread]] void watch_forks_early() {
+    pthread_atfork(log_in_fork_handler, log_in_fork_handler, nullptr);
+}
+[[gnu::section(".preinit_array"), gnu::used]] void (*const before_libraries_start)() = watch_forks_early;
+
+void fork_while_handlers_log() {
+    logs_in_fork_handlers.emplace(make());
+    in_child([] {});
+    logs_in_fork_handlers.reset();
+    at_the_edge();
+}
+
 // Plugins of two compilers, and two versions of OpenCL.
 
 void two_versions() {
@@ -328,6 +350,7 @@ std::map<std::string, scene> const scenes = {
     {"fork_while_threads_call", [](char**) { fork_while_threads_use(use_everything, 20); }},
     {"fork_while_threads_discover", [](char**) { fork_while_threads_use(discover<api<120>>, 50); }},
     {"fork_while_threads_log", [](char**) { fork_while_threads_use(log<api<120>>, 50); }},
+    {"fork_while_handlers_log", plain(fork_while_handlers_log)},
     {"fork_while_a_sink_waits", plain(fork_while_a_sink_waits)},
     {"two_versions", plain(two_versions)},
     {"plugins_closed", [](char** files) { plugins(files, true); }},
