@@ -88,13 +88,22 @@ void statics() {
     at_the_edge();
 }
 
+// ThreadSanitizer does not see how an implementation hands events to its threads.
+std::atomic<bool> may_exit = false;
+
+void exit_if_allowed(_nq_cl_event*, int, void*) {
+    if (may_exit) {
+        std::exit(0);
+    }
+}
+
 // The exit destroys the statics, so that a thread which waits meanwhile uses copies.
 void exit_in_callback() {
     statics();
     auto queue = last->queue;
     auto promise = last->context.create_user_event();
-    promise.get_event().set_callback(
-        new_api::commmand_exec_callback_type::complete, [](_nq_cl_event*, int, void*) { std::exit(0); }, nullptr);
+    promise.get_event().set_callback(new_api::commmand_exec_callback_type::complete, exit_if_allowed, nullptr);
+    may_exit = true;
     promise.set_status_success();
     queue.finish();
     sleep_milliseconds(10000);
@@ -110,9 +119,9 @@ void exit_in_callback_of_a_command() {
     auto const gate_event = gate.get_event();
     _nq_cl_event* const list[] = {internal::owner_access::raw(gate_event)};
     auto done = last->queue.enqueue_command(new_api::write_buffer(store, false, 0, bytes, values.data()), 1, list);
-    done.set_callback(
-        new_api::commmand_exec_callback_type::complete, [](_nq_cl_event*, int, void*) { std::exit(0); }, nullptr);
+    done.set_callback(new_api::commmand_exec_callback_type::complete, exit_if_allowed, nullptr);
     last->queue.flush();
+    may_exit = true;
     gate.set_status_success();
     _nq_cl_event* const waited[] = {internal::owner_access::raw(done)};
     context.wait_for_events(1, waited);
