@@ -83,7 +83,7 @@ struct members : fixture {
         withstands([&] { return std::invoke(read, object); });
         withstands_sizes<Block>(query.param_name, reply, [&] { return std::invoke(read, object); });
         auto taken = std::move(object);
-        auto const thrown = thrown_by([&] { std::ignore = std::invoke(read, object); });
+        auto const thrown = thrown_by([&] { std::invoke(read, object); }); // NOLINT(bugprone-use-after-move)
         EXPECT_EQ(thrown.first, typeid(nq::unrecoverable_error)) << thrown.second;
         object = std::move(taken);
     }
