@@ -7,9 +7,6 @@
 #include <array>
 #include <bit>
 #include <cerrno>
-#include <optional>
-#include <string_view>
-#include <vector>
 
 namespace nq::layer {
 namespace {

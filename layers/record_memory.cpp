@@ -1,8 +1,6 @@
 #include "record_memory.hpp"
 
-#include <algorithm>
 #include <array>
-#include <string_view>
 #include <utility>
 
 namespace nq::layer::record {

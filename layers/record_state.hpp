@@ -6,7 +6,6 @@
 #include "record_memory.hpp"
 #include "recording.hpp"
 
-#include <array>
 #include <atomic>
 #include <mutex>
 #include <string>

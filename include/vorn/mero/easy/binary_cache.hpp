@@ -51,8 +51,8 @@ public:
     /// "vorn-mero/binaries" in `$XDG_CACHE_HOME`, else in `$HOME/.cache`; empty without both, and in a program with
     /// another user's rights, whose caller may not choose what code it runs.
     [[nodiscard]] static std::string default_folder() {
-        char const* const cache = ::secure_getenv("XDG_CACHE_HOME");
-        char const* const home = ::secure_getenv("HOME");
+        char const* const cache = detail::trusted_environment("XDG_CACHE_HOME");
+        char const* const home = detail::trusted_environment("HOME");
         return cache != nullptr && *cache == '/'  ? std::string(cache) + "/vorn-mero/binaries" // else it does not count
                : home != nullptr && *home != '\0' ? std::string(home) + "/.cache/vorn-mero/binaries"
                                                   : std::string();
